@@ -1,0 +1,54 @@
+# Language, warnings, sanitizers and tools that hold for every target of this tree.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Kind of build" FORCE)
+endif()
+
+set(ZQXML_SANITIZE "" CACHE STRING "Sanitizers to build with: 'address,undefined', 'thread' or empty")
+option(ZQXML_COVERAGE "Instrument for coverage" OFF)
+option(ZQXML_FUZZ "Build the fuzz targets with libFuzzer (needs Clang)" OFF)
+option(ZQXML_THREAD_TESTS_ONLY "Build and register only test programs with a test of threads" OFF)
+option(ZQXML_WERROR "Warnings are errors" ON)
+
+include(GNUInstallDirs)
+include(CheckLinkerFlag)
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  # Precompiled headers are cached only when time macros and the header's own defines are left out of the hash.
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
+      "CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime" "${CCACHE_PROGRAM}")
+endif()
+
+add_library(zqxml_options INTERFACE)
+target_compile_options(zqxml_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion $<$<BOOL:${ZQXML_WERROR}>:-Werror> -fno-strict-aliasing)
+
+set(zqxml_instrument "")
+if(ZQXML_SANITIZE)
+  list(APPEND zqxml_instrument -fsanitize=${ZQXML_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+endif()
+if(ZQXML_FUZZ)
+  list(APPEND zqxml_instrument -fsanitize=fuzzer-no-link)
+endif()
+if(ZQXML_COVERAGE)
+  list(APPEND zqxml_instrument --coverage)
+endif()
+add_compile_options(${zqxml_instrument})
+add_link_options(${zqxml_instrument})
+
+# The tables of the catalogue are nothing but pointers: packed, their relocations take a tenth of the room.
+check_linker_flag(CXX "-Wl,-z,pack-relative-relocs" ZQXML_HAVE_PACK_RELATIVE_RELOCS)
+if(ZQXML_HAVE_PACK_RELATIVE_RELOCS AND CMAKE_BUILD_TYPE STREQUAL "Release")
+  add_link_options("-Wl,-z,pack-relative-relocs")
+endif()
