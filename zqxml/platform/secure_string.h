@@ -1,0 +1,93 @@
+#pragma once
+
+#include <zqxml/platform/export.h>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace zqxml {
+
+/// Overwrites `size` bytes with zeros in a way that the compiler does not leave out.
+ZQXML_EXPORT void cleanse(void* data, std::size_t size) noexcept;
+
+/// A text that leaves no trace in memory: its block, the whole capacity, is overwritten before it is freed,
+/// also when the text grows, is replaced or is moved from.
+template <typename CharT>
+class secure_basic_string {
+ public:
+  using String = std::basic_string<CharT>;
+  using View = std::basic_string_view<CharT>;
+
+  secure_basic_string() = default;
+  explicit secure_basic_string(View text) { assign(text); }
+  explicit secure_basic_string(const CharT* text)
+      : secure_basic_string(text == nullptr ? View() : View(text)) {}
+  secure_basic_string(const secure_basic_string& other) { assign(other.view()); }
+  secure_basic_string(secure_basic_string&& other) noexcept : text_(std::exchange(other.text_, nullptr)) {}
+  secure_basic_string& operator=(const secure_basic_string& other) {
+    if (this != &other) assign(other.view());
+    return *this;
+  }
+  secure_basic_string& operator=(secure_basic_string&& other) noexcept {
+    if (this != &other) {
+      reset();
+      text_ = std::exchange(other.text_, nullptr);
+    }
+    return *this;
+  }
+  ~secure_basic_string() { reset(); }
+
+  View view() const { return text_ ? View(*text_) : View(); }
+  operator View() const { return view(); }
+  const CharT* c_str() const {
+    static constexpr CharT kEmpty[1] = {};
+    return text_ ? text_->c_str() : kEmpty;
+  }
+  const CharT* data() const { return c_str(); }
+  /// The block of `size()` units, to write to. Null for an empty text.
+  CharT* mutableData() { return text_ ? text_->data() : nullptr; }
+  std::size_t size() const { return text_ ? text_->size() : 0; }
+  std::size_t length() const { return size(); }
+  bool empty() const { return size() == 0; }
+
+  void assign(View text) {
+    auto fresh = std::make_unique<String>(text);
+    reset();
+    text_ = std::move(fresh);
+  }
+  void append(View text) {
+    auto fresh = std::make_unique<String>();
+    fresh->reserve(size() + text.size());
+    fresh->append(view()).append(text);
+    reset();
+    text_ = std::move(fresh);
+  }
+  void resize(std::size_t size) {
+    auto fresh = std::make_unique<String>(size, CharT());
+    const View old = view().substr(0, size);
+    String::traits_type::copy(fresh->data(), old.data(), old.size());
+    reset();
+    text_ = std::move(fresh);
+  }
+  /// Overwrites and releases the text.
+  void reset() noexcept {
+    if (!text_) return;
+    // The short texts' place is in the string itself, so the object is overwritten too, once it is empty.
+    cleanse(text_->data(), (text_->capacity() + 1) * sizeof(CharT));
+    text_.reset();
+  }
+
+  friend bool operator==(const secure_basic_string& a, const secure_basic_string& b) {
+    return a.view() == b.view();
+  }
+
+ private:
+  std::unique_ptr<String> text_;
+};
+
+using secure_string = secure_basic_string<char>;
+
+}  // namespace zqxml
