@@ -1,0 +1,86 @@
+#include <zqxml/catalogue/lookup.h>
+#include <zqxml/logging/xml_log_context.h>
+#include <zqxml/message/internal/field_resolution.h>
+
+namespace zqxml {
+namespace {
+
+/// The object's class as printable text, for the guard's line.
+std::string schemaOf(const XNMessageBase& message) {
+  std::string text;
+  catalogue::schemaText(text, static_cast<short>(message.getSubsysID()), message.getMessageIndex(), true,
+                        true);
+  return text;
+}
+
+void logNoSuchField(const XNMessageBase& message, const char* function, std::uint32_t msgTag,
+                    std::uint32_t fieldHash) {
+  logError(function, "Message [%s] with TagID : [%u] does not contain field : [%u]. Message Received : [%u]",
+           message.getTagName(), message.getTagID(), fieldHash, msgTag);
+}
+
+bool isMember(const _ClassDef* classDef, short memNum) {
+  return classDef != nullptr && memNum >= 0 && memNum < classDef->getNumberOfFields();
+}
+
+}  // namespace
+
+void logInvalidMember(const XNMessageBase& message, const char* function, short memNum) {
+  logError(function,
+           "Invalid member access. CHECK IF ZqXMLMsgsBase BINARY IS UPDATED PROPERLY.  Given field id [%d]. "
+           "Schema of "
+           "given message is :\n%s",
+           memNum, schemaOf(message));
+}
+
+void logInvalidIndex(const XNMessageBase& message, const char* function, short index) {
+  logError(function,
+           "Invalid member access. CHECK IF ZqXMLMsgsBase BINARY IS UPDATED PROPERLY.  Given index on buffer "
+           "is [%d]. "
+           "Schema of given message is \n%s",
+           index, schemaOf(message));
+}
+
+const FieldDef* findFieldByHash(const XNMessageBase& message, const char* function, FieldTypeSet fits,
+                                std::uint32_t msgTag, std::uint32_t fieldHash) {
+  if (const _ClassDef* classDef = MessageAccess::classDef(message)) {
+    const int position = catalogue::fieldPositionByHash(*classDef, fieldHash);
+    if (position >= 0 && fits.contains(classDef->getFields()[position].getType()))
+      return &classDef->getFields()[position];
+  }
+  logNoSuchField(message, function, msgTag, fieldHash);
+  return nullptr;
+}
+
+const FieldDef* resolveField(const XNMessageBase& message, const char* function, FieldTypeSet fits,
+                             const FieldAddress& address) {
+  const _ClassDef* classDef = MessageAccess::classDef(message);
+  if (!isMember(classDef, address.memNum)) {
+    logInvalidMember(message, function, address.memNum);
+    return nullptr;
+  }
+  if (message.getTagID() != address.msgTag)
+    return findFieldByHash(message, function, fits, address.msgTag, address.fieldHash);
+
+  const FieldDef& field = classDef->getFields()[address.memNum];
+  if (field.getIndex() == address.index && fits.contains(field.getType())) return &field;
+  if (address.index < 0 || address.index >= classDef->getNumberOfElements())
+    logInvalidMember(message, function, address.memNum);
+  else
+    logNoSuchField(message, function, address.msgTag, address.fieldHash);
+  return nullptr;
+}
+
+int resolvePosition(const XNMessageBase& message, const char* function, short memNum, std::uint32_t msgTag,
+                    std::uint32_t fieldHash) {
+  const _ClassDef* classDef = MessageAccess::classDef(message);
+  if (!isMember(classDef, memNum)) {
+    logInvalidMember(message, function, memNum);
+    return -1;
+  }
+  if (message.getTagID() == msgTag) return memNum;
+  const FieldDef* field = findFieldByHash(message, function, kAllTypes, msgTag, fieldHash);
+  return field == nullptr ? -1 : static_cast<int>(field - classDef->getFields());
+}
+
+}  // namespace zqxml

@@ -1,0 +1,52 @@
+// What the list and map accessors share: read, make and replace a collection that a slot owns.
+#pragma once
+
+#include <zqxml/message/internal/field_resolution.h>
+
+#include <map>
+#include <type_traits>
+#include <vector>
+
+namespace zqxml {
+
+/// Types of list and map fields that are stored as Collection.
+template <class Collection>
+inline constexpr FieldTypeSet kTypesHolding = typesStoredAs(Overloaded{
+    []<class E>(List<E>) { return std::is_same_v<std::vector<typename E::Value>, Collection>; },
+    []<class K, class V>(Map<K, V>) {
+      return std::is_same_v<std::map<typename K::Value, typename V::Value>, Collection>;
+    },
+    [](auto) { return false; }});
+
+/// The slot of the collection, made when there is none; marks the bit when markSet.
+template <class Collection>
+Collection*& contentMade(XNMessageBase& message, const char* function, const FieldAddress& address,
+                         bool markSet) {
+  const FieldDef* field = resolveField(message, function, kTypesHolding<Collection>, address);
+  if (field == nullptr) return emptiedFallback<Collection*>();
+  MessageAccess::make<Collection>(message, *field, markSet);
+  return MessageAccess::owned<Collection>(message, *field);
+}
+
+/// The collection, null when there is none.
+template <class Collection>
+const Collection* content(const XNMessageBase& message, const char* function, const FieldAddress& address) {
+  const FieldDef* field = resolveField(message, function, kTypesHolding<Collection>, address);
+  return field == nullptr ? nullptr : MessageAccess::owned<Collection>(message, *field);
+}
+
+/// Makes the collection a copy of `value` and marks the bit. Elements that are messages are cloned, never
+/// assigned: assignment between classes throws.
+template <class Collection>
+void setContent(XNMessageBase& message, const char* function, const FieldAddress& address,
+                const Collection& value) {
+  const FieldDef* field = resolveField(message, function, kTypesHolding<Collection>, address);
+  if (field == nullptr) return;
+  Collection& target = MessageAccess::make<Collection>(message, *field, true);
+  if constexpr (std::is_same_v<typename Collection::value_type, XNMessageBase>)
+    Collection(value).swap(target);
+  else
+    target = value;
+}
+
+}  // namespace zqxml

@@ -1,0 +1,60 @@
+// Field resolution: the part that all accessors share. It finds the record that an accessor acts on, or logs
+// why there is none, and keeps the objects that failing accessors hand out.
+#pragma once
+
+#include <zqxml/catalogue/field_types.h>
+#include <zqxml/catalogue/records.h>
+#include <zqxml/message/internal/message_access.h>
+
+#include <cstdint>
+
+namespace zqxml {
+
+/// What an accessor was told about the field it wants.
+struct FieldAddress {
+  short memNum;
+  short index;
+  std::uint32_t msgTag;
+  std::uint32_t fieldHash;
+};
+
+/// Types of fields that `accepts` a storage of; computed at compile time.
+template <class Accepts>
+constexpr FieldTypeSet typesStoredAs(Accepts accepts) {
+  FieldTypeSet types;
+  for (unsigned type = 0; type < kFieldTypeCount; ++type) {
+    if (visitStorage(type, accepts)) types = types | FieldTypeSet{static_cast<FieldDataType>(type)};
+  }
+  return types;
+}
+
+inline constexpr FieldTypeSet kAllTypes = typesStoredAs([](auto) { return true; });
+
+/// The field to act on: the one at memNum and index when the object has the caller's tag, else the first one
+/// with the hash. Null, after a level 0 line under `function`, when it is not there or its type is none of
+/// `fits`.
+const FieldDef* resolveField(const XNMessageBase& message, const char* function, FieldTypeSet fits,
+                             const FieldAddress& address);
+/// Position of a member, which is also its bit, without looking at its slot: the given one when the object
+/// has the caller's tag, else that of the first field with the hash. -1 after a level 0 line under
+/// `function`.
+int resolvePosition(const XNMessageBase& message, const char* function, short memNum, std::uint32_t msgTag,
+                    std::uint32_t fieldHash);
+/// First field with the hash and one of the types; logs and gives null when there is none.
+const FieldDef* findFieldByHash(const XNMessageBase& message, const char* function, FieldTypeSet fits,
+                                std::uint32_t msgTag, std::uint32_t fieldHash);
+/// The guard's line of the accessors that are told a member number.
+void logInvalidMember(const XNMessageBase& message, const char* function, short memNum);
+
+/// The guard's line of the scalar reads, which are told a slot only.
+void logInvalidIndex(const XNMessageBase& message, const char* function, short index);
+
+/// What failing accessors of type T hand out: one object per thread, emptied at each failure.
+template <class T>
+T& emptiedFallback() {
+  thread_local T fallback;
+  fallback = T();
+  return fallback;
+}
+
+}  // namespace zqxml

@@ -1,0 +1,132 @@
+// The texts that travel with a message: last error, kept XML, CDATA body; and the processing instruction of
+// field 0.
+#include <zqxml/catalogue/generated/ZqEntities.h>
+#include <zqxml/catalogue/lookup.h>
+#include <zqxml/catalogue/name_hash.h>
+#include <zqxml/logging/xml_log_context.h>
+#include <zqxml/message/internal/field_resolution.h>
+#include <zqxml/message/xn_message_base.h>
+#include <zqxml/platform/text.h>
+
+namespace zqxml {
+namespace {
+
+constexpr std::size_t kLastErrorUnits = 8191;
+constexpr int kZqEntities = 18;
+constexpr int kAnnotation = 27;
+constexpr int kProcessingInstructionInfoIndex = 74;
+
+/// The text, made on first use.
+template <class Text>
+Text& made(std::unique_ptr<Text>& text) {
+  if (text == nullptr) text = std::make_unique<Text>();
+  return *text;
+}
+
+}  // namespace
+
+const char16_t* XNMessageBase::getLastErrorEnglishW() const {
+  return lastError_ == nullptr ? u"" : lastError_->c_str();
+}
+std::u16string XNMessageBase::getLastErrorEnglishStrW() const {
+  return getLastErrorEnglishW();
+}
+
+void XNMessageBase::formatLastErrorA(const char* format, std::span<const FormatArg> args) {
+  if (format == nullptr) return;
+  std::string text = formatText(std::string_view(format), args);
+  if (text.size() > kLastErrorUnits) text.resize(kLastErrorUnits);
+  made(lastError_) = toUtf16(text);
+}
+
+void XNMessageBase::formatLastErrorW(const char16_t* format, std::span<const FormatArg> args) {
+  if (format == nullptr) return;
+  std::u16string text = toUtf16(formatText(toUtf8(format), args));
+  if (text.size() > kLastErrorUnits) text.resize(kLastErrorUnits);
+  made(lastError_) = std::move(text);
+}
+
+// QUIRK: the text is taken for a format, as callers of this interface expect.
+void XNMessageBase::setLastErrorEnglishStrA(const std::string& text) {
+  formatLastErrorA(text.c_str(), {});
+}
+void XNMessageBase::setLastErrorEnglishStrW(const std::u16string& text) {
+  formatLastErrorW(text.c_str(), {});
+}
+
+const char* XNMessageBase::getSerializedXMLString() const {
+  return serializedXml_ == nullptr ? "" : serializedXml_->c_str();
+}
+std::string& XNMessageBase::getSerializedXMLStringRef() {
+  return made(serializedXml_);
+}
+
+void XNMessageBase::setSerializedXMLString(const std::string& text, bool markSerialized) {
+  made(serializedXml_) = text;
+  if (markSerialized) serialized_ = true;
+}
+void XNMessageBase::setLastSerializedXMLString(const std::string& text) {
+  made(lastSerializedXml_) = text;
+}
+
+void XNMessageBase::clearSerializedXMLString() {
+  if (serializedXml_ != nullptr) serializedXml_->clear();
+  serialized_ = false;
+}
+
+void XNMessageBase::setCDATABuffer(const std::string& text) {
+  made(cdataBuffer_) = text;
+  cdataBuffer_->set_ = true;
+}
+std::string XNMessageBase::getCDATABuffer() const {
+  return cdataBuffer_ == nullptr ? "" : cdataBuffer_->str();
+}
+bool XNMessageBase::isCDATABufferSet() const {
+  return cdataBuffer_ != nullptr && cdataBuffer_->set_;
+}
+void XNMessageBase::resetCDATABuffer() {
+  made(cdataBuffer_) = std::string();
+  cdataBuffer_->set_ = false;
+}
+
+bool XNMessageBase::hasProcessingInstructionInfo() const {
+  if (classDef_ == nullptr || classDef_->getNumberOfFields() == 0) return false;
+  if (msgSysIndex_ == kZqEntities || msgSysIndex_ == kAnnotation) return false;
+  const FieldDef& first = classDef_->getFields()[0];
+  if (first.getType() != FDT_OBJECT) return false;
+  const ClassRef ref = ClassRef::read(first.namePointer());
+  return ref.subsystem == kZqEntities && ref.classIndex == kProcessingInstructionInfoIndex;
+}
+
+XNMessageBase*& XNMessageBase::getProcessinginstructioninfo(bool create) {
+  if (!hasProcessingInstructionInfo()) return emptiedFallback<XNMessageBase*>();
+  const bool set = MessageAccess::isSet(*this, 0);
+  if (!set && !create) return emptiedFallback<XNMessageBase*>();
+  XNMessageBase*& slot = MessageAccess::owned<XNMessageBase>(*this, classDef_->getFields()[0]);
+  if (!set) {
+    delete slot;
+    slot = new XNMessageBase(kZqEntities, kProcessingInstructionInfoIndex);
+    MessageAccess::mark(*this, 0);
+  }
+  return slot;
+}
+
+void XNMessageBase::setProcessinginstructioninfo(const ZqEntities::ProcessingInstructionInfo* info) {
+  if (!hasProcessingInstructionInfo()) {
+    logError("XNMessageBase::setProcessinginstructioninfo",
+             "Calling this function on message [%s] is not valid", getTagName());
+    return;
+  }
+  if (info == nullptr) {
+    deleteMember(0, tagId_, 0, false);
+    return;
+  }
+  XNMessageBase*& slot = MessageAccess::owned<XNMessageBase>(*this, classDef_->getFields()[0]);
+  if (slot == nullptr)
+    slot = new XNMessageBase(*info);
+  else
+    *slot = *info;
+  MessageAccess::mark(*this, 0);
+}
+
+}  // namespace zqxml

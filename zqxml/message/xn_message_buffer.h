@@ -1,0 +1,83 @@
+// XNMessageBuffer: the slot store of a message. 8-byte slots addressed by a field's index, and one set bit
+// per field, numbered by the field's memNum: byte memNum/8, bit memNum%8, fieldCount/8+1 bytes in all.
+#pragma once
+
+#include <zqxml/platform/export.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace zqxml {
+
+/// The store knows nothing of types: what a slot holds is constructed and destroyed by the message. Up to 24
+/// slots lie inside the object, further ones in one external block of the C++ heap, or all of them in a
+/// caller's block. Belongs to one thread at a time.
+class ZQXML_EXPORT XNMessageBuffer {
+ public:
+  static constexpr short kMaxInlineSlots = 24;
+  static constexpr std::size_t kInlineBytes = 204;
+
+  XNMessageBuffer() = default;
+  /// Frees the external block unless it is the caller's.
+  ~XNMessageBuffer();
+  /// Takes over the external block and the bytes of the inline area; `other` is left empty. In-place strings
+  /// are the message's business: their bytes must not be used as they come.
+  XNMessageBuffer(XNMessageBuffer&& other) noexcept;
+  XNMessageBuffer& operator=(XNMessageBuffer&&) = delete;
+
+  /// Owned storage, zeroed: the first `inlineCount` slots inline, the rest external. The set bits follow the
+  /// last slot, and move to external storage when the inline area has no room for them. REQUIRES: no storage
+  /// held yet.
+  void init(short inlineCount, short slotCount, short fieldCount);
+  /// The caller's block holds all slots and, behind them, the set bits; `blockSize` bytes of it are zeroed.
+  /// The block stays the caller's and must outlive the message.
+  void init(std::int64_t* block, int blockSize, short slotCount, short fieldCount);
+
+  /// Slot `index`; not checked.
+  std::int64_t& operator[](short index) {
+    return index >= inlineCount_ ? external_[index - inlineCount_] : inlineSlots()[index];
+  }
+  std::int64_t operator[](short index) const { return at_ref_const(index); }
+  const std::int64_t& at_ref_const(short index) const {
+    return index >= inlineCount_ ? external_[index - inlineCount_] : inlineSlots()[index];
+  }
+
+  /// The set bits; null for a store that was not initialised.
+  unsigned char* getIsSet() { return isSet_; }
+  const unsigned char* getIsSet() const { return isSet_; }
+
+  /// Zeroes all slots and the bits of `fieldCount` fields. REQUIRES: no live content in the slots.
+  void reset(short fieldCount);
+
+  short slotCount() const { return slotCount_; }
+  short inlineCount() const { return inlineCount_; }
+  short fieldCount() const { return fieldCount_; }
+  bool usesCallerBlock() const { return callerBlock_ != 0; }
+  bool hasExternalBlock() const { return external_ != nullptr && callerBlock_ == 0; }
+  /// Bytes that the set bits of a class take.
+  static constexpr std::size_t bitBytes(short fieldCount) {
+    return static_cast<std::size_t>(fieldCount) / 8 + 1;
+  }
+
+ private:
+  friend class MessageAccess;
+  friend class XNMessageBase;
+  // A store is never copied with its contents: these give equal storage, zeroed, or share the caller's block.
+  XNMessageBuffer(const XNMessageBuffer& other) { *this = other; }
+  XNMessageBuffer& operator=(const XNMessageBuffer& other);
+
+  std::int64_t* inlineSlots() { return reinterpret_cast<std::int64_t*>(inlineArea_); }
+  const std::int64_t* inlineSlots() const { return reinterpret_cast<const std::int64_t*>(inlineArea_); }
+  void release();
+  bool bitsAreInline() const;
+
+  alignas(std::int64_t) unsigned char inlineArea_[kInlineBytes] = {};
+  std::int64_t* external_ = nullptr;
+  short inlineCount_ = 0;
+  short slotCount_ = 0;
+  short fieldCount_ = 0;
+  std::int32_t callerBlock_ = 1;
+  unsigned char* isSet_ = nullptr;
+};
+
+}  // namespace zqxml

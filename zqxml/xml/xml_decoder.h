@@ -1,0 +1,123 @@
+// XMLDecoder: the reading facade of the codecs, and the home of annotation and password operations.
+//
+// Members are defined in the folder that does the work: parsing and list access in xml/, binary in binary/,
+// annotations and passwords in annotation/.
+#pragma once
+
+#include <zqxml/annotation/annotation_base.h>
+#include <zqxml/catalogue/generated/Annotation_enums.h>
+#include <zqxml/catalogue/records.h>
+#include <zqxml/catalogue/result.h>
+#include <zqxml/message/pstring.h>
+#include <zqxml/message/xn_message_base.h>
+#include <zqxml/platform/export.h>
+#include <zqxml/xml/encoding_flags.h>
+#include <zqxml/xml/zq_xml_context_info.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace zqxml {
+
+class BinaryBuffer;
+
+/// Routine of the password registry: the text in, the transformed text out; the context tells the type
+/// (getPasswordEncType) and the call's parameters.
+using PasswordRoutine = bstring (*)(bstring text, ZqXMLContextInfo* context);
+
+/// One decoder belongs to one thread at a time (passwords write encryptionTypeUsed). The context is borrowed.
+class ZQXML_EXPORT XMLDecoder {
+ public:
+  XMLDecoder() = default;
+  explicit XMLDecoder(ZqXMLContextInfo* context) : context_(context) {}
+  explicit XMLDecoder(EncodingFlags flags) : flags_(flags) {}
+  XMLDecoder(EncodingFlags flags, ZqXMLContextInfo* context) : context_(context), flags_(flags) {}
+
+  /// Does nothing and answers 0.
+  static int initialize() { return 0; }
+  /// The process-wide decoder, built on first use with default values.
+  static XMLDecoder* getXMLDecoderObject();
+
+  // --- Parsing (xml/). `context` is stored in this decoder. QUIRK: the decoder's own flags do not reach the
+  // parse. ----------
+  int unSerialize(XNMessageBase& msg, std::string& xml, ZqXMLContextInfo* context = nullptr);
+  int unSerialize(XNMessageBase& msg, const char16_t* xml, ZqXMLContextInfo* context = nullptr);
+  /// New object of the root tag's class, null on failure; the caller owns it.
+  XNMessageBase* unSerialize(std::string& xml, ZqXMLContextInfo* context = nullptr);
+  /// New object by root tag name into *out, filled from `xml` (parse) or keeping it unparsed.
+  static void CreateObjByName(const std::string& tag, XNMessageBase** out, const char* xml, bool parse);
+
+  // --- Binary (binary/). 0, or -1 on failure; null on failure.
+  // --------------------------------------------------------------
+  int UnserializeBinary(XNMessageBase& msg, BinaryBuffer& buffer);
+  XNMessageBase* UnserializeBinary(BinaryBuffer& buffer);
+  int UnserializeBinary(XNMessageBase& msg, BinaryBuffer& buffer, ZqXMLContextInfo* context);
+  XNMessageBase* UnserializeBinary(BinaryBuffer& buffer, ZqXMLContextInfo* context);
+
+  // --- Catalogue (xml/)
+  // -------------------------------------------------------------------------------------------------------
+  static const _ClassDef* GetClassDef(std::uint32_t tagId);
+  static const _ClassDef* GetClassDef(std::uint32_t high, std::uint32_t low);
+  static const _ClassDef* GetClassDef(const XNMessageBase* msg);
+  /// Enumerator's name, or "" with a log line.
+  static const char* GetEnumString(const FieldDef& field, int value);
+  static const char* GetEnumString(std::uint32_t tagId, int value);
+  /// By name of the enumeration among the object's single enum fields; "" silently when there is none.
+  static const char* GetEnumString(const XNMessageBase* msg, const char* enumName, int value);
+  /// No log.
+  static const char* getEnumString(const _ClassDef& classDef, int value);
+  static constexpr bool isEnum(unsigned type) { return kEnumTypes.contains(type); }
+  static constexpr bool isListType(unsigned type) { return kListTypes.contains(type); }
+  static constexpr bool isPrimitive(unsigned type) { return kXmlPrimitiveTypes.contains(type); }
+
+  // --- Lists by field name, untyped (xml/)
+  // --------------------------------------------------------------------------------------
+  /// Appends a copy of *value: an 8-byte cell for integers, booleans and enumerations, else the element
+  /// itself.
+  static void InsertIntoList(XNMessageBase* msg, const std::string& field, const void* value);
+  /// Fills `out` with one pointer per element: to 8-byte cells for integers, booleans and enumerations, else
+  /// to the elements; valid until the list changes or the next call on this thread.
+  static void ReadFromList(const XNMessageBase* msg, const std::string& field, std::vector<const void*>& out);
+
+  // --- Annotations (annotation/)
+  // --------------------------------------------------------------------------------------------------
+  /// True when the field has the annotation that the class of `out` asks for; `out` takes its values.
+  /// `fieldName` may be the class's own name: the class-level annotation.
+  static bool FillAnnotation(const XNMessageBase* msg, AnnotationBase& out, const std::string& fieldName);
+  static bool FillAnnotation(const _ClassDef* classDef, AnnotationBase& out, const std::string& fieldName);
+  /// Tag ids of all annotations that the field has, appended in record order; false without a record.
+  static bool FillAnnotationIds(const FieldDef& field, std::vector<std::uint32_t>& ids);
+
+  // --- Passwords (annotation/)
+  // ------------------------------------------------------------------------------------------------------
+  /// Registers a routine for types 0 to 10; other types only log. Not locked: register before concurrent use.
+  static void registerPasswordEncAlgo(Annotation::PasswordEncryptType type, PasswordRoutine routine);
+  static void registerPasswordDecAlgo(Annotation::PasswordEncryptType type, PasswordRoutine routine);
+  /// The routine, or null.
+  static PasswordRoutine GetRegisteredPasswordEncAlgo(Annotation::PasswordEncryptType type);
+  static PasswordRoutine GetRegisteredPasswordDecAlgo(Annotation::PasswordEncryptType type);
+  /// Text form of a password in `type` (or the flags' own type): XN_MSG_OK or XN_MSG_NO_PASSWORD_HANDLER
+  /// (`text` untouched).
+  eXNMsgRet encryptPassword(int type, const pstring& value, std::string& text) const;
+  /// Reads the text form into a new pstring that the caller owns; false on failure, `value` then stays as it
+  /// was.
+  bool decryptPassword(const FieldDef& field, const char16_t* text, pstring*& value);
+  /// Runs the decryption routine of encryptionTypeUsed on `text` in place.
+  eXNMsgRet ProcessPasswordAnnotation(bstring& text, bool reEncrypt);
+
+  ZqXMLContextInfo*& getContextObj() { return context_; }
+  int getEncryptionTypeUsed() const { return encryptionTypeUsed_; }
+  void setEncryptionTypeUsed(int type) { encryptionTypeUsed_ = type; }
+  /// Stored and given back; nothing else reads it.
+  void setIgnoreStartTag(bool ignore) { ignoreStartTag_ = ignore; }
+  bool getIgnoreStartTag() const { return ignoreStartTag_; }
+
+ private:
+  ZqXMLContextInfo* context_ = nullptr;
+  EncodingFlags flags_;
+  int encryptionTypeUsed_ = 0;
+  bool ignoreStartTag_ = false;
+};
+
+}  // namespace zqxml
