@@ -1,0 +1,127 @@
+#include <locale.h>
+#include <zqxml/xml/number_text.h>
+
+#include <array>
+#include <charconv>
+#include <cstdlib>
+#include <limits>
+#include <string>
+#include <system_error>
+
+namespace zqxml {
+namespace {
+
+/// Sign and magnitude of the decimal number at the start of a text.
+struct Decimal {
+  bool negative = false;
+  bool overflow = false;  ///< the magnitude does not fit in 64 bits
+  std::uint64_t magnitude = 0;
+};
+
+template <class View>
+Decimal scanDecimal(View text) {
+  Decimal number;
+  auto at = text.begin();
+  const auto end = text.end();
+  while (at != end && isSpace(static_cast<char32_t>(*at))) ++at;
+  if (at != end && (*at == '-' || *at == '+')) number.negative = *at++ == '-';
+  for (; at != end && *at >= '0' && *at <= '9'; ++at) {
+    const auto digit = static_cast<std::uint64_t>(*at - '0');
+    constexpr std::uint64_t kMax = std::numeric_limits<std::uint64_t>::max();
+    if (number.magnitude > (kMax - digit) / 10) {
+      number.overflow = true;
+    } else {
+      number.magnitude = number.magnitude * 10 + digit;
+    }
+    if (number.overflow) break;
+  }
+  return number;
+}
+
+template <class Signed, class View>
+Signed parseSigned(View text) {
+  using Limits = std::numeric_limits<Signed>;
+  const Decimal number = scanDecimal(text);
+  const std::uint64_t reach =
+      static_cast<std::uint64_t>(Limits::max()) + static_cast<std::uint64_t>(number.negative);
+  if (number.overflow || number.magnitude > reach) return number.negative ? Limits::min() : Limits::max();
+  const std::uint64_t bits = number.negative ? 0 - number.magnitude : number.magnitude;
+  return static_cast<Signed>(bits);
+}
+
+template <class Unsigned, class View>
+Unsigned parseUnsigned(View text) {
+  constexpr Unsigned kMax = std::numeric_limits<Unsigned>::max();
+  const Decimal number = scanDecimal(text);
+  if (number.overflow || number.magnitude > kMax) return kMax;
+  return static_cast<Unsigned>(number.negative ? 0 - number.magnitude : number.magnitude);
+}
+
+/// strtod by the "C" locale, for what std::from_chars reads otherwise or not at all.
+double parseDoubleByC(std::string_view text) {
+  static const locale_t kClassic = newlocale(LC_ALL_MASK, "C", nullptr);
+  return strtod_l(std::string(text).c_str(), nullptr, kClassic);
+}
+
+constexpr bool startsHexadecimal(std::string_view text) {
+  return text.size() > 1 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+}
+
+}  // namespace
+
+std::int64_t parseInt64(std::string_view text) {
+  return parseSigned<std::int64_t>(text);
+}
+std::int64_t parseInt64(std::u16string_view text) {
+  return parseSigned<std::int64_t>(text);
+}
+std::int32_t parseInt32(std::string_view text) {
+  return parseSigned<std::int32_t>(text);
+}
+std::int32_t parseInt32(std::u16string_view text) {
+  return parseSigned<std::int32_t>(text);
+}
+std::uint64_t parseUInt64(std::string_view text) {
+  return parseUnsigned<std::uint64_t>(text);
+}
+std::uint64_t parseUInt64(std::u16string_view text) {
+  return parseUnsigned<std::uint64_t>(text);
+}
+std::uint32_t parseUInt32(std::string_view text) {
+  return parseUnsigned<std::uint32_t>(text);
+}
+std::uint32_t parseUInt32(std::u16string_view text) {
+  return parseUnsigned<std::uint32_t>(text);
+}
+
+double parseDouble(std::string_view text) {
+  const std::string_view whole = text;
+  while (!text.empty() && isSpace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
+  const bool negative = !text.empty() && text.front() == '-';
+  if (!text.empty() && (negative || text.front() == '+')) text.remove_prefix(1);
+  // A second sign: from_chars would take a minus here.
+  if (text.empty() || text.front() == '-') return 0;
+  if (startsHexadecimal(text)) return parseDoubleByC(whole);
+  double value = 0;
+  const std::errc failure = std::from_chars(text.data(), text.data() + text.size(), value).ec;
+  if (failure == std::errc::result_out_of_range) return parseDoubleByC(whole);
+  if (failure != std::errc{}) return 0;
+  return negative ? -value : value;
+}
+
+double parseDouble(std::u16string_view text) {
+  text = trimSpace(text);
+  std::array<char, 64> narrow;
+  std::string longNarrow;
+  char* to = narrow.data();
+  if (text.size() > narrow.size()) {
+    longNarrow.resize(text.size());
+    to = longNarrow.data();
+  }
+  // No number has a unit beyond ASCII, so the first such unit ends it.
+  std::size_t size = 0;
+  for (; size < text.size() && text[size] < 0x80; ++size) to[size] = static_cast<char>(text[size]);
+  return parseDouble(std::string_view(to, size));
+}
+
+}  // namespace zqxml
