@@ -23,7 +23,8 @@ namespace zqxml {
 /// No operation throws. Any thread may call any operation at any time.
 class ZQXML_EXPORT ZQPlatformInfo {
  public:
-  /// Answers for a value, or not at all. `focus` is empty for an object without one.
+  /// Answers for a value, or not at all. `focus` is empty for an object without one. It may be called by
+  /// several threads at once, and must not call this library.
   using Source = std::function<std::optional<std::string>(std::string_view focus, std::string_view section,
                                                           std::string_view key)>;
 

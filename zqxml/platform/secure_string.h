@@ -75,7 +75,6 @@ class secure_basic_string {
   /// Overwrites and releases the text.
   void reset() noexcept {
     if (!text_) return;
-    // The short texts' place is in the string itself, so the object is overwritten too, once it is empty.
     cleanse(text_->data(), (text_->capacity() + 1) * sizeof(CharT));
     text_.reset();
   }
