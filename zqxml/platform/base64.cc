@@ -29,14 +29,26 @@ const unsigned char* bytesOf(std::string_view text) {
 
 std::string UlBase64::Encode(std::string_view bytes) {
   std::string out(encodedLength(bytes.size()), '\0');
-  // The coder ends each piece with a NUL, which the next piece, or the string's own end, takes the place of.
-  auto* to = reinterpret_cast<unsigned char*>(out.data());
-  while (!bytes.empty()) {
-    const std::string_view piece = bytes.substr(0, kPieceOfBytes);
-    to += EVP_EncodeBlock(to, bytesOf(piece), static_cast<int>(piece.size()));
-    bytes.remove_prefix(piece.size());
-  }
+  EncodeTo(bytes, out.data());
   return out;
+}
+
+void UlBase64::EncodeTo(std::string_view bytes, char* to) {
+  if (bytes.empty()) return;
+  // The coder ends each piece with a NUL, which the next piece takes the place of; the last group is made
+  // aside.
+  const std::size_t lastGroup = (bytes.size() - 1) / 3 * 3;
+  std::string_view rest = bytes.substr(0, lastGroup);
+  auto* at = reinterpret_cast<unsigned char*>(to);
+  while (!rest.empty()) {
+    const std::string_view piece = rest.substr(0, kPieceOfBytes);
+    at += EVP_EncodeBlock(at, bytesOf(piece), static_cast<int>(piece.size()));
+    rest.remove_prefix(piece.size());
+  }
+  std::array<unsigned char, 5> group{};
+  const std::string_view last = bytes.substr(lastGroup);
+  EVP_EncodeBlock(group.data(), bytesOf(last), static_cast<int>(last.size()));
+  std::copy_n(group.begin(), 4, at);
 }
 
 bool UlBase64::Decode(std::string_view text, std::string& out) {

@@ -13,6 +13,8 @@ class ZQXML_EXPORT UlBase64 {
  public:
   /// The bytes as one line, without breaks.
   static std::string Encode(std::string_view bytes);
+  /// The same into the encodedLength(bytes.size()) bytes at `to`; no terminator.
+  static void EncodeTo(std::string_view bytes, char* to);
 
   /// Replaces `out` by the bytes that `text` stands for. False, with `out` unchanged, when the length is no
   /// multiple of four, or a character is outside the alphabet (blanks and line ends included), or padding
