@@ -1,22 +1,12 @@
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/catalogue/name_hash.h>
+#include <zqxml/catalogue/old_way.h>
 #include <zqxml/logging/xml_log_context.h>
 
-#include <array>
 #include <cstring>
 
 namespace zqxml::catalogue {
 namespace {
-
-/// Subsystems whose objects are built whole and set at construction. Stated apart from the rows' flag,
-/// because the tag alone answers here; a test holds the two together.
-constexpr auto kOldWaySlots = [] {
-  std::array<bool, 256> slots{};
-  for (int slot : {1,  2,  3,  4,  5,  6,  7,  9,   10,  11,  13,  15,  16,  17,
-                   19, 25, 31, 33, 34, 36, 50, 103, 110, 111, 113, 114, 116, 201})
-    slots[static_cast<std::size_t>(slot)] = true;
-  return slots;
-}();
 
 bool isSlot(int subsystem) {
   return subsystem >= 0 && subsystem < kSubsystemCount;
