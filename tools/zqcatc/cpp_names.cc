@@ -1,0 +1,217 @@
+#include "cpp_names.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+
+namespace zqxml::zqcatc {
+
+namespace {
+
+// Keywords of C++20, names of macros that common headers define, and what the written headers use
+// unqualified.
+constexpr std::array<std::string_view, 109> kTakenNames{"AnnotationBase",
+                                                        "EOF",
+                                                        "FieldNumber",
+                                                        "NULL",
+                                                        "ObjectView",
+                                                        "XNMessageBase",
+                                                        "alignas",
+                                                        "alignof",
+                                                        "and",
+                                                        "and_eq",
+                                                        "asm",
+                                                        "auto",
+                                                        "bitand",
+                                                        "bitor",
+                                                        "bool",
+                                                        "break",
+                                                        "bstring",
+                                                        "case",
+                                                        "catch",
+                                                        "char",
+                                                        "char16_t",
+                                                        "char32_t",
+                                                        "char8_t",
+                                                        "class",
+                                                        "co_await",
+                                                        "co_return",
+                                                        "co_yield",
+                                                        "compl",
+                                                        "concept",
+                                                        "const",
+                                                        "const_cast",
+                                                        "consteval",
+                                                        "constexpr",
+                                                        "constinit",
+                                                        "continue",
+                                                        "decltype",
+                                                        "default",
+                                                        "delete",
+                                                        "do",
+                                                        "double",
+                                                        "dynamic_cast",
+                                                        "else",
+                                                        "enum",
+                                                        "errno",
+                                                        "explicit",
+                                                        "export",
+                                                        "extern",
+                                                        "false",
+                                                        "float",
+                                                        "for",
+                                                        "friend",
+                                                        "goto",
+                                                        "if",
+                                                        "inline",
+                                                        "int",
+                                                        "long",
+                                                        "major",
+                                                        "minor",
+                                                        "mutable",
+                                                        "namespace",
+                                                        "new",
+                                                        "noexcept",
+                                                        "not",
+                                                        "not_eq",
+                                                        "nullptr",
+                                                        "operator",
+                                                        "or",
+                                                        "or_eq",
+                                                        "private",
+                                                        "protected",
+                                                        "pstring",
+                                                        "public",
+                                                        "register",
+                                                        "reinterpret_cast",
+                                                        "requires",
+                                                        "return",
+                                                        "short",
+                                                        "signed",
+                                                        "sizeof",
+                                                        "static",
+                                                        "static_assert",
+                                                        "static_cast",
+                                                        "std",
+                                                        "stderr",
+                                                        "stdin",
+                                                        "stdout",
+                                                        "struct",
+                                                        "switch",
+                                                        "template",
+                                                        "this",
+                                                        "thread_local",
+                                                        "throw",
+                                                        "true",
+                                                        "try",
+                                                        "typed",
+                                                        "typedef",
+                                                        "typeid",
+                                                        "typename",
+                                                        "union",
+                                                        "unsigned",
+                                                        "using",
+                                                        "virtual",
+                                                        "void",
+                                                        "volatile",
+                                                        "wchar_t",
+                                                        "while",
+                                                        "xor",
+                                                        "xor_eq",
+                                                        "zqxml"};
+static_assert(std::is_sorted(kTakenNames.begin(), kTakenNames.end()));
+
+bool isIdentifierByte(char c) {
+  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_';
+}
+
+std::string withUnderscores(std::string_view name) {
+  std::string result(name);
+  std::replace_if(
+      result.begin(), result.end(), [](char c) { return !isIdentifierByte(c); }, '_');
+  return result;
+}
+
+void checkUnique(std::map<std::string, const Position*>& taken, std::string cppName, std::string_view what,
+                 const Position& position, std::string_view instead, Diagnostics& diagnostics) {
+  const auto [entry, isNew] = taken.try_emplace(std::move(cppName), &position);
+  if (isNew) return;
+  diagnostics.error(position, cat(what, " would have the C++ name '", entry->first, "', like the one at ",
+                                  entry->second->file, ":", entry->second->line, "; ", instead));
+}
+
+}  // namespace
+
+std::string cppIdentifier(std::string_view name) {
+  std::string result = withUnderscores(name);
+  if (std::binary_search(kTakenNames.begin(), kTakenNames.end(), result)) result += '_';
+  return result;
+}
+
+std::string accessorStem(const Field& field) {
+  std::string stem = withUnderscores(field.cppName.empty() ? field.name : field.cppName);
+  if (stem[0] >= 'a' && stem[0] <= 'z') stem[0] = static_cast<char>(stem[0] - 'a' + 'A');
+  return stem;
+}
+
+std::string stringLiteral(std::string_view bytes) {
+  std::string literal = "\"";
+  for (char byte : bytes) {
+    const auto value = static_cast<unsigned char>(byte);
+    if (byte == '"' || byte == '\\' || byte == '?') {
+      literal += '\\';
+      literal += byte;
+    } else if (value >= 0x20 && value < 0x7f) {
+      literal += byte;
+    } else {
+      // Three octal digits end by themselves, whatever follows.
+      literal += '\\';
+      for (int shift = 6; shift >= 0; shift -= 3) literal += static_cast<char>('0' + ((value >> shift) & 7));
+    }
+  }
+  return literal + '"';
+}
+
+std::string hexNumber(std::uint32_t value) {
+  std::string digits;
+  do digits.insert(digits.begin(), "0123456789abcdef"[value & 15]);
+  while ((value >>= 4) != 0);
+  return "0x" + digits;
+}
+
+std::string docComment(std::string_view text, std::string_view indent) {
+  std::string comment;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    std::string_view line = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    const std::size_t begin = line.find_first_not_of(" \t\r");
+    line.remove_prefix(std::min(begin, line.size()));
+    // A backslash at its end would draw the next line into the comment.
+    while (!line.empty() &&
+           (line.back() == '\\' || line.back() == ' ' || line.back() == '\t' || line.back() == '\r'))
+      line.remove_suffix(1);
+    comment += cat(indent, "///", line.empty() ? "" : " ", line, "\n");
+  }
+  return comment;
+}
+
+void checkCppNames(const Catalogue& catalogue, Diagnostics& diagnostics) {
+  for (const auto& subsystem : catalogue.subsystems) {
+    std::map<std::string, const Position*> classes;
+    for (const auto& record : subsystem->classes) {
+      checkUnique(classes, cppIdentifier(record->name), cat("class '", record->name, "'"), record->position,
+                  "rename one", diagnostics);
+      std::map<std::string, const Position*> members;
+      for (const Field& field : record->fields) {
+        if (field.isSelf) continue;
+        const std::string what = cat(record->isEnumeration ? "enumerator '" : "field '", field.name, "'");
+        checkUnique(members, record->isEnumeration ? cppIdentifier(field.name) : accessorStem(field), what,
+                    field.position, record->isEnumeration ? "rename one" : "give one a name with cpp=\"...\"",
+                    diagnostics);
+      }
+    }
+  }
+}
+
+}  // namespace zqxml::zqcatc

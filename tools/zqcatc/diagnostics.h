@@ -1,0 +1,59 @@
+// Errors of a catalogue, each at a place in a schema file, collected so that one run shows many.
+#pragma once
+
+#include <cstddef>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+namespace zqxml::zqcatc {
+
+/// A place in a schema file. Lines and columns count from 1, columns in characters. `file` is the path as it
+/// was given and must outlive every use; 0 as line means the file as a whole.
+struct Position {
+  std::string_view file;
+  int line = 0;
+  int column = 0;
+};
+
+/// Joins texts and integers.
+template <class... Parts>
+std::string cat(const Parts&... parts) {
+  std::string text;
+  const auto append = [&text](const auto& part) {
+    if constexpr (std::is_integral_v<std::remove_cvref_t<decltype(part)>>) {
+      text += std::to_string(part);
+    } else {
+      text += part;
+    }
+  };
+  (append(parts), ...);
+  return text;
+}
+
+/// The errors of one run, in the order in which they were found.
+class Diagnostics {
+ public:
+  /// Errors beyond this number are counted, not kept.
+  static constexpr std::size_t kMaxKept = 100;
+
+  /// `text` says what is wrong, where, and what to do about it.
+  void error(const Position& position, std::string text);
+
+  bool hasErrors() const { return count_ != 0; }
+  std::size_t count() const { return count_; }
+  /// One line per error, "file:line:column: error: text", sorted by place.
+  void print(std::ostream& out) const;
+
+ private:
+  struct Entry {
+    Position position;
+    std::string text;
+  };
+  std::vector<Entry> entries_;
+  std::size_t count_ = 0;
+};
+
+}  // namespace zqxml::zqcatc

@@ -1,0 +1,173 @@
+// zqcatc: the catalogue compiler.
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "compiler.h"
+#include "output_files.h"
+
+namespace fs = std::filesystem;
+using namespace zqxml::zqcatc;
+
+namespace {
+
+enum ExitStatus { kDone = 0, kSchemaErrors = 1, kUsage = 2, kFileError = 3 };
+
+constexpr std::string_view kHelp =
+    R"(zqcatc - compiles the schema files of the message catalogue
+
+Usage: zqcatc --out FOLDER SCHEMA...
+       zqcatc --check SCHEMA...
+       zqcatc --list SCHEMA...
+
+A SCHEMA is a schema file, or a folder whose *.xml files are taken. One file describes one subsystem and is
+named after it; files named *.extension.xml add classes to a subsystem of another file.
+
+  --out FOLDER   write constant tables and typed C++ classes to FOLDER/zqxml/catalogue/generated/;
+                 a file whose content stays the same is not touched
+  --check        read and check only
+  --list         print the names of the files that --out would write, one per line
+  --version      print the version
+  -h, --help     print this text
+
+Errors are lines "file:line:column: error: what is wrong and what to do". When there is one, nothing is written.
+
+Examples:
+  zqcatc --check schema                            is the catalogue in order?
+  zqcatc --out build schema                        compile it
+  zqcatc --out build schema my-schema Common.extension.xml
+                                                   with further subsystems, and more classes in Common
+
+Exit status: 0 done, 1 errors in a schema file, 2 wrong usage, 3 a file cannot be read or written.
+)";
+
+struct Options {
+  std::string out;
+  bool check = false;
+  bool list = false;
+  std::vector<std::string> schemas;
+};
+
+int usage(std::string_view why) {
+  std::cerr << "zqcatc: " << why << "; 'zqcatc --help' shows the usage\n";
+  return kUsage;
+}
+
+/// An exit status, or -1 to go on.
+int parseOptions(int argc, char** argv, Options& options) {
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view argument = argv[i];
+    if (argument == "-h" || argument == "--help") {
+      std::cout << kHelp;
+      return kDone;
+    }
+    if (argument == "--version") {
+      std::cout << "zqcatc " ZQCATC_VERSION "\n";
+      return kDone;
+    }
+    if (argument == "--out") {
+      if (++i == argc) return usage("--out needs a folder");
+      options.out = argv[i];
+    } else if (argument == "--check") {
+      options.check = true;
+    } else if (argument == "--list") {
+      options.list = true;
+    } else if (argument.starts_with("-")) {
+      return usage(cat("unknown option '", argument, "'"));
+    } else {
+      options.schemas.emplace_back(argument);
+    }
+  }
+  if (options.schemas.empty()) return usage("no schema given");
+  if (!options.out.empty() + options.check + options.list != 1)
+    return usage("give one of --out, --check and --list");
+  return -1;
+}
+
+/// The files of a folder in the order of their names; a file stands for itself.
+bool expand(const std::string& schema, std::vector<std::string>& paths, std::string& error) {
+  std::error_code code;
+  if (!fs::is_directory(schema, code)) {
+    paths.push_back(schema);
+    return true;
+  }
+  std::vector<std::string> found;
+  for (fs::directory_iterator entry(schema, code), end; !code && entry != end; entry.increment(code))
+    if (entry->path().extension() == ".xml") found.push_back(entry->path().string());
+  if (code) error = cat("cannot read folder ", schema, ": ", code.message());
+  if (!code && found.empty()) error = cat("there is no *.xml file in folder ", schema);
+  std::sort(found.begin(), found.end());
+  paths.insert(paths.end(), found.begin(), found.end());
+  return error.empty();
+}
+
+bool readFile(const std::string& path, std::string& text, std::string& error) {
+  std::error_code code;
+  const std::uintmax_t size = fs::is_regular_file(path, code) ? fs::file_size(path, code) : 0;
+  // A file that is too large is not read; the parser refuses what is longer than its limit.
+  if (size > SchemaParser::kMaxFileBytes) {
+    text.assign(SchemaParser::kMaxFileBytes + 1, ' ');
+    return true;
+  }
+  std::ifstream file(path, std::ios::binary);
+  text.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+  if (!file.is_open() || file.bad() || code) error = cat("cannot read ", path);
+  return error.empty();
+}
+
+int run(const Options& options, std::string_view command) {
+  std::string error;
+  std::vector<std::string> paths;
+  std::vector<SchemaSource> sources;
+  for (const std::string& schema : options.schemas) {
+    if (!expand(schema, paths, error)) break;
+  }
+  for (const std::string& path : paths) {
+    if (error.empty() && readFile(path, sources.emplace_back(SchemaSource{path, {}}).text, error)) continue;
+    break;
+  }
+  if (!error.empty()) {
+    std::cerr << "zqcatc: " << error << '\n';
+    return kFileError;
+  }
+  Diagnostics diagnostics;
+  const Catalogue catalogue = compileCatalogue(sources, diagnostics);
+  if (diagnostics.hasErrors()) {
+    diagnostics.print(std::cerr);
+    return kSchemaErrors;
+  }
+  if (options.check) return kDone;
+  const std::vector<OutputFile> files = writeCatalogue(catalogue, command);
+  if (options.list) {
+    for (const OutputFile& file : files) std::cout << file.path << '\n';
+  } else if (!writeFiles(options.out, files, error)) {
+    std::cerr << "zqcatc: " << error << '\n';
+    return kFileError;
+  }
+  return kDone;
+}
+
+/// The command line with folders cut to their last part, so that outputs are the same wherever they are made.
+std::string commandLine(const Options& options) {
+  std::string command = "zqcatc --out FOLDER";
+  for (const std::string& schema : options.schemas) {
+    std::error_code code;
+    const fs::path path = fs::absolute(schema, code).lexically_normal();
+    command += " " + (path.has_filename() ? path : path.parent_path()).filename().string();
+  }
+  return command;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options;
+  const int status = parseOptions(argc, argv, options);
+  return status >= 0 ? status : run(options, commandLine(options));
+}
