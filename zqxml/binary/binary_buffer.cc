@@ -1,0 +1,63 @@
+#include <zqxml/binary/binary_buffer.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+namespace zqxml {
+
+void BinaryBuffer::release() {
+  if (!external_) std::free(buffer_);
+  buffer_ = nullptr;
+}
+
+void BinaryBuffer::SetReadBuffer(const char* data, std::size_t size, bool external) {
+  release();
+  buffer_ = const_cast<char*>(data);  // one member serves both directions; a read buffer is never written to
+  bufferSize_ = size;
+  dataSize_ = size;
+  external_ = external;
+}
+
+void BinaryBuffer::SetWriteBuffer(char* data, std::size_t size, bool external) {
+  release();
+  buffer_ = data;
+  bufferSize_ = size;
+  dataSize_ = 0;
+  external_ = external;
+}
+
+void BinaryBuffer::deepCopyBuffer(const char* data, std::size_t size, bool external) {
+  // The copy is made before the old block goes, since `data` may be a part of it.
+  const bool possible = size < std::numeric_limits<std::size_t>::max();
+  char* copy = possible ? static_cast<char*>(std::malloc(size + 1)) : nullptr;
+  if (copy == nullptr) {
+    size = 0;
+  } else if (size != 0) {
+    std::memcpy(copy, data, size);
+  }
+  release();
+  buffer_ = copy;
+  bufferSize_ = size;
+  dataSize_ = size;
+  external_ = external;
+}
+
+bool BinaryBuffer::resizeBuffer(std::size_t newSize) {
+  if (external_) return false;
+  if (newSize <= bufferSize_) {
+    dataSize_ = newSize;
+    return true;
+  }
+  char* resized = static_cast<char*>(std::realloc(buffer_, newSize));
+  if (resized == nullptr) {
+    release();  // the sizes stay; the null pointer is what tells
+    return false;
+  }
+  buffer_ = resized;
+  bufferSize_ = newSize;
+  dataSize_ = newSize;
+  return true;
+}
+
+}  // namespace zqxml
