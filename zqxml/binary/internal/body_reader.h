@@ -1,0 +1,385 @@
+// BodyReader: a body in binary form into a message.
+#pragma once
+
+#include <zqxml/annotation/annotation_record.h>
+#include <zqxml/binary/internal/map_reader.h>
+#include <zqxml/binary/internal/wire_reader.h>
+#include <zqxml/message/internal/message_access.h>
+#include <zqxml/platform/base64.h>
+#include <zqxml/platform/text.h>
+#include <zqxml/xml/xml_decoder.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace zqxml {
+
+/// What one call of unserialize is given.
+struct BinaryDecoding {
+  int version = wire::kDefaultVersion;
+  ZqXMLContextInfo* context = nullptr;
+  /// Levels of objects, the root's included; 0 for no limit.
+  int maxNesting = 0;
+};
+
+/// One reader serves one call on one object. Bodies nest by recursion; a level takes less than 2 KiB of
+/// stack, 8 KiB under AddressSanitizer.
+template <class Observer>
+class BodyReader : public WireReader<Observer> {
+ public:
+  using WireReader<Observer>::element;
+  using WireReader<Observer>::fail;
+  using WireReader<Observer>::fixed32;
+  using WireReader<Observer>::holds;
+  using WireReader<Observer>::overrun;
+  using WireReader<Observer>::report;
+  using WireReader<Observer>::skip;
+  using WireReader<Observer>::text;
+  using WireReader<Observer>::varint;
+
+  BodyReader(BinaryStream& stream, const BinaryDecoding& decoding, Observer& observer)
+      : WireReader<Observer>(stream, observer),
+        decoding_(decoding),
+        reserve_(kReserveBase + stream.limit() * kReserveFactor) {}
+
+  /// Reads records into `message` until fewer than four bytes are left before `end`, and leaves those unread.
+  /// False after a reported failure; what was stored before it stays.
+  bool body(XNMessageBase& message, std::uint64_t end) {
+    if (end > stream_.limit()) return overrun();
+    if (decoding_.maxNesting != 0 && depth_ >= decoding_.maxNesting) {
+      return fail("Objects are nested deeper than [%d] levels", decoding_.maxNesting);
+    }
+    ++depth_;
+    const bool complete = records(message, end);
+    --depth_;
+    return complete;
+  }
+
+  /// The same for a sub-object, whose body has `size` bytes.
+  bool nested(XNMessageBase& object, std::uint32_t size) { return body(object, stream_.position() + size); }
+
+ private:
+  using Base = WireReader<Observer>;
+  using Base::noted;
+  using Base::observer_;
+  using Base::stream_;
+
+  /// A body being read.
+  struct Frame {
+    XNMessageBase& message;
+    const _ClassDef* classDef;
+    std::uint64_t end;
+    /// Position after the last match, where the next search starts: fields in declared order cost one
+    /// comparison each.
+    std::int16_t nextPosition = 0;
+    /// Last count seen behind the marker. QUIRK: it is not cleared after use, and is the only count that a
+    /// list or a map has: one without a marker of its own takes the count of an earlier one.
+    std::uint32_t collectionCount = 0;
+  };
+
+  bool records(XNMessageBase& message, std::uint64_t end) {
+    Frame frame{message, MessageAccess::classDef(message), end};
+    observer_.body(frame.classDef);
+    // Unsigned on purpose: what is left of the last record may reach beyond the end.
+    while (stream_.position() < end - 3) {
+      if (!record(frame)) return false;
+    }
+    if (depth_ == 1 && stream_.position() < end) {
+      const std::string_view rest(stream_.buffer() + stream_.position(), end - stream_.position());
+      observer_.part(WirePart::kUnread, stream_.position(), rest.size(), rest);
+    }
+    observer_.bodyEnd();
+    return true;
+  }
+
+  bool record(Frame& frame) {
+    const std::uint64_t position = stream_.position();
+    std::uint32_t key;
+    if (!stream_.fits(sizeof key)) return overrun();
+    stream_.readFixed32(key);
+    const FieldDef* field = find(frame, key);
+    observer_.record(field);
+    noted(WirePart::kKey, sizeof key, key);
+    if (field == nullptr) return unknown(frame, key);
+    if constexpr (Observer::kTraces) {
+      if (traces_) [[unlikely]] {
+        logDebug("BinarySerializer::unserializeBinaryRecur", 15,
+                 "Identified  [%s] : [%s] at buffer position : [%d]", frame.classDef->getName(),
+                 field->getName(), position);
+      }
+    }
+    // QUIRK: the type of the field alone decides; the encoding in the key is not compared with it.
+    return visitStorage(field->getType(), [&](auto storage) { return this->value(frame, *field, storage); });
+  }
+
+  /// The field with the key's hash, the search going on from the last match; null when there is none, for
+  /// hash 0 and for the collection marker.
+  static const FieldDef* find(Frame& frame, std::uint32_t key) {
+    const std::uint32_t hash = wire::hashOfKey(key);
+    if (hash == 0 || key == wire::kCollectionMarker || frame.classDef == nullptr) return nullptr;
+    const FieldDef* fields = frame.classDef->getFields();
+    const int count = frame.classDef->getNumberOfFields();
+    if (fields == nullptr) return nullptr;
+    for (int tried = 0, position = frame.nextPosition; tried < count; ++tried, ++position) {
+      if (position >= count) position = 0;
+      if (fields[position].getFieldHashId() == hash && fields[position].getType() != FDT_NONE) {
+        frame.nextPosition = static_cast<std::int16_t>(position + 1);
+        return &fields[position];
+      }
+    }
+    return nullptr;
+  }
+
+  bool unknown(Frame& frame, std::uint32_t key) {
+    if (stream_.position() >= frame.end) return true;
+    std::uint32_t value = 0;
+    switch (wire::encodingOfKey(key)) {
+      case BinaryEncodingFixed32:
+        return fixed32(WirePart::kUnknownNumber, value);
+      case BinaryEncodingFixed64: {
+        std::uint64_t wide = 0;
+        return this->template number<element::UInt64>(WirePart::kUnknownNumber, wide);
+      }
+      case BinaryEncodingVarint:
+        if (wire::hashOfKey(key) == wire::hashOfKey(wire::kCollectionMarker)) return count(frame);
+        return varint(WirePart::kUnknownNumber, value);
+      case BinaryEncodingSignedVarint: {
+        std::int32_t signedValue = 0;
+        return this->template number<element::Int32>(WirePart::kUnknownNumber, signedValue);
+      }
+      case BinaryEncodingLengthDelimited:
+        return unknownBytes();
+      default:
+        return true;  // nothing: the next four bytes are taken for a key
+    }
+  }
+
+  bool count(Frame& frame) {
+    if (!varint(WirePart::kCount, frame.collectionCount)) return false;
+    if constexpr (Observer::kTraces) {
+      if (traces_) [[unlikely]] {
+        logDebug("BinarySerializer::unserializeBinaryRecur", 15, "Cached collection(list/map) size is : [%d]",
+                 frame.collectionCount);
+      }
+    }
+    return true;
+  }
+
+  bool unknownBytes() {
+    std::uint32_t length = 0;
+    if (!varint(WirePart::kLength, length)) return false;
+    if (!stream_.fits(length)) {
+      return fail(
+          "Error unserializing in binary mode. Specified string size [%u] > buffer size [%u]. "
+          "CurrentPosition : [%u]",
+          length, stream_.limit(), stream_.position());
+    }
+    return skip(WirePart::kSkipped, length);
+  }
+
+  // --- Values by shape.
+
+  bool value(Frame&, const FieldDef&, Nothing) { return true; }
+
+  template <class E>
+  bool value(Frame& frame, const FieldDef& field, Scalar<E>) {
+    typename E::Value content{};
+    if (!this->template number<E>(WirePart::kNumber, content)) return false;
+    if constexpr (std::same_as<E, element::Float>) {
+      MessageAccess::setFloat(frame.message, field, content);
+    } else if constexpr (std::same_as<E, element::Double>) {
+      MessageAccess::setDouble(frame.message, field, content);
+    } else {
+      MessageAccess::setInteger(frame.message, field, static_cast<std::int64_t>(content));
+    }
+    return true;
+  }
+
+  bool value(Frame& frame, const FieldDef& field, InPlace<element::Str>) {
+    std::string_view bytes;
+    if (!text("string", field, bytes)) return false;
+    MessageAccess::inPlace<std::string>(frame.message, field).assign(bytes);
+    MessageAccess::mark(frame.message, field.getMemNum());
+    return true;
+  }
+
+  bool value(Frame& frame, const FieldDef& field, InPlace<element::WStr>) {
+    std::string_view bytes;
+    if (!text("wstring", field, bytes)) return false;
+    assign(MessageAccess::inPlace<std::u16string>(frame.message, field), bytes);
+    MessageAccess::mark(frame.message, field.getMemNum());
+    return true;
+  }
+
+  bool value(Frame& frame, const FieldDef& field, Owned<element::BStr>) {
+    std::string_view bytes;
+    if (!text("bstring", field, bytes)) return false;
+    assign(MessageAccess::make<bstring>(frame.message, field, true), wire::upToNul(bytes));
+    return true;
+  }
+
+  [[gnu::noinline]] bool value(Frame& frame, const FieldDef& field, Owned<element::PStr>) {
+    std::string_view bytes;
+    if (!text("pstring", field, bytes)) return false;
+    if (!field.hasAnnotation()) return fail("No Password annotation found on member : %s", field.getName());
+    std::unique_ptr<pstring> password;
+    if (AnnotationRecord(field).passwordType() == 0 || !wire::transformsText(decoding_.version)) {
+      password = std::make_unique<pstring>(std::string(bytes), 1);
+    } else if constexpr (Observer::kDecrypts) {
+      pstring* decrypted = nullptr;
+      const std::u16string wide = toUtf16(wire::upToNul(bytes));
+      if (!XMLDecoder(decoding_.context).decryptPassword(field, wide.c_str(), decrypted)) {
+        report("Password Handler Not Found while serializing pstring field [%s]", field.getName());
+      }
+      password.reset(decrypted);
+    }
+    if (password == nullptr) return true;
+    pstring& stored = MessageAccess::make<pstring>(frame.message, field, true);
+    stored.str() = std::move(password->str());
+    stored.setEncryptionType(password->getEncryptionType());
+    return true;
+  }
+
+  [[gnu::noinline]] bool value(Frame& frame, const FieldDef& field, Object) {
+    std::uint32_t size = 0;
+    if (!varint(WirePart::kSize, size)) return false;
+    XNMessageBase*& slot = MessageAccess::owned<XNMessageBase>(frame.message, field);
+    std::unique_ptr<XNMessageBase> made;
+    if (slot == nullptr) made.reset(XNMessageBase::createObjectFromClassID(field.namePointer()));
+    XNMessageBase* object = slot == nullptr ? made.get() : slot;
+    if (object == nullptr) {
+      return fail("Error instantiating member : [%s]::[%s]", frame.classDef->getName(), field.getName());
+    }
+    MessageAccess::wipeBitset(*object);
+    // QUIRK: it is the enclosing object that gets the size of this one; its next size pass puts that right.
+    frame.message.SetCachedSize(size);
+    if (!nested(*object, size)) return fail("Error unserializing on field [%s]", field.getName());
+    if (slot == nullptr) slot = made.release();
+    MessageAccess::mark(frame.message, field.getMemNum());
+    return true;
+  }
+
+  // --- Lists. The count stands in the frame; a list starts out empty and grows as its elements arrive.
+
+  template <element::Number E>
+  [[gnu::noinline]] bool value(Frame& frame, const FieldDef& field, List<E>) {
+    std::uint32_t unused = 0;
+    if (!varint(WirePart::kByteCount, unused)) return false;
+    auto& values = MessageAccess::make<typename List<E>::Value>(frame.message, field, true);
+    values.clear();
+    const std::uint64_t count = frame.collectionCount;
+    if (!holds(count * wire::kLeastSize<E>)) return overrun();
+    values.resize(count);
+    for (std::uint32_t i = 0; i < count; ++i) {
+      element(i, "");
+      if (!this->template number<E>(WirePart::kNumber, values[i])) {
+        values.resize(i);
+        return false;
+      }
+    }
+    return true;
+  }
+
+  template <class E>
+  [[gnu::noinline]] bool value(Frame& frame, const FieldDef& field, List<E>) {
+    auto& values = MessageAccess::make<typename List<E>::Value>(frame.message, field, true);
+    values.clear();
+    if (!holdsElements(frame.collectionCount)) return overrun();
+    values.reserve(frame.collectionCount);
+    for (std::uint32_t i = 0; i < frame.collectionCount; ++i) {
+      std::string_view bytes;
+      if (!repeatedKey(i) || !text(listKind<E>(), field, bytes)) return false;
+      assign(values.emplace_back(), wire::upToNul(bytes));
+    }
+    return true;
+  }
+
+  [[gnu::noinline]] bool value(Frame& frame, const FieldDef& field, List<element::Obj>) {
+    auto& values = MessageAccess::make<std::vector<XNMessageBase>>(frame.message, field, true);
+    values.clear();
+    const ClassRef ref = ClassRef::read(field.namePointer());
+    if (ref.subsystem == 0) return fail("Error unserializing on field [%s]", field.getName());
+    if (!holdsElements(frame.collectionCount)) return overrun();
+    reserve(values, frame.collectionCount);
+    for (std::uint32_t i = 0; i < frame.collectionCount; ++i) {
+      std::uint32_t size = 0;
+      if (!repeatedKey(i) || !varint(WirePart::kSize, size)) return false;
+      // QUIRK: unlike a single sub-object an element keeps the set bits that its construction gave it.
+      XNMessageBase& message = values.emplace_back();
+      MessageAccess::initialize(message, ref);
+      message.SetCachedSize(size);
+      if (!nested(message, size)) {
+        values.pop_back();
+        return fail("Error unserializing on field [%s]", field.getName());
+      }
+    }
+    return true;
+  }
+
+  template <class E>
+  static constexpr const char* listKind() {
+    return std::same_as<E, element::Str>    ? "list<string>"
+           : std::same_as<E, element::WStr> ? "list<wstring>"
+                                            : "list<bstring>";
+  }
+
+  /// Elements other than numbers have a length or a size of a byte at least, and all but the first a key.
+  bool holdsElements(std::uint64_t count) const {
+    return count == 0 || holds(count * (wire::kKeySize + 1) - wire::kKeySize);
+  }
+
+  bool repeatedKey(std::uint32_t i) {
+    element(i, "");
+    std::uint32_t unused = 0;
+    return i == 0 || fixed32(WirePart::kRepeatedKey, unused);
+  }
+
+  /// Room for all elements at once while the call's allowance lasts. Lists nest, and each level may claim as
+  /// many elements as there are bytes left: without an allowance a small message could ask for any amount of
+  /// memory.
+  void reserve(std::vector<XNMessageBase>& values, std::uint64_t count) {
+    const std::uint64_t bytes = count * sizeof(XNMessageBase);
+    if (bytes > reserve_) return;
+    reserve_ -= bytes;
+    values.reserve(count);
+  }
+
+  template <class K, class V>
+  [[gnu::noinline]] bool value(Frame& frame, const FieldDef& field, Map<K, V> storage) {
+    return MapReader<BodyReader>(*this, field)
+        .read(
+            storage, frame.collectionCount, [&]() -> auto& {
+              return MessageAccess::make<typename Map<K, V>::Value>(frame.message, field, true);
+            });
+  }
+
+  static void assign(std::string& value, std::string_view bytes) { value.assign(bytes); }
+  static void assign(std::u16string& value, std::string_view bytes) {
+    value.clear();
+    appendUtf16(value, bytes);
+  }
+  /// QUIRK: what decodes to nothing stays as the text that came.
+  void assign(bstring& value, std::string_view bytes) const {
+    std::string decoded;
+    if (wire::transformsText(decoding_.version) && UlBase64::Decode(bytes, decoded) && !decoded.empty()) {
+      value.str() = std::move(decoded);
+    } else {
+      value.assign(bytes.data(), bytes.size());
+    }
+  }
+
+  static constexpr std::uint64_t kReserveBase = 65536;
+  static constexpr std::uint64_t kReserveFactor = 128;
+
+  const BinaryDecoding& decoding_;
+  /// Bytes that lists of objects may still reserve ahead of their elements.
+  std::uint64_t reserve_;
+  int depth_ = 0;
+  const bool traces_ = debugEnabled(15);
+};
+
+}  // namespace zqxml

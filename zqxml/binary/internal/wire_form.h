@@ -1,0 +1,85 @@
+// The binary form of a message: the facts that its writer and its reader share. Byte order: little-endian.
+//
+//   message   fixed32 version word (bits 0 to 15 the version, bit 16 a flag), fixed32 tag id of the root,
+//   body body      the set fields, one record after another in declared order; no count, no end mark record
+//   fixed32 marker when the type is a collection, else fixed32 key; then the value by type key       name
+//   hash (24 bits) shifted left by 3, with the BinaryEncodingType in the low three bits marker
+//   kCollectionMarker, followed by the varint number of elements
+//
+// docs/wire-format.md tells the whole form, with an example.
+#pragma once
+
+#include <zqxml/binary/binary_stream.h>
+#include <zqxml/catalogue/field_types.h>
+#include <zqxml/catalogue/records.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+namespace zqxml::wire {
+
+inline constexpr unsigned kHeaderSize = 8;
+inline constexpr unsigned kKeySize = 4;
+inline constexpr int kDefaultVersion = 2;
+
+/// A well-formed key (hash 0x0FEFEFEF, one varint), which no field can have: a reader that does not know the
+/// field takes the marker for an unknown varint field and moves on.
+inline constexpr std::uint32_t kCollectionMarker = 0x7f7f7f78;
+
+constexpr std::uint32_t hashOfKey(std::uint32_t key) {
+  return key >> 3;
+}
+constexpr BinaryEncodingType encodingOfKey(std::uint32_t key) {
+  return static_cast<BinaryEncodingType>(key & 7);
+}
+constexpr std::uint32_t keyOf(const FieldDef& field) {
+  return (field.getFieldHashId() << 3) | fieldTypeFacts(field.getType()).encoding;
+}
+/// What a field's record starts with.
+constexpr std::uint32_t firstWordOf(const FieldDef& field) {
+  return kCollectionTypes.contains(field.getType()) ? kCollectionMarker : keyOf(field);
+}
+
+/// From this version on binary strings travel as Base64, and passwords in their encrypted text form.
+constexpr bool transformsText(int version) {
+  return version > 1;
+}
+
+/// How a number is written, as a scalar and as an element of a list.
+enum class NumberCoding { kZigzag, kVarint, kFixed64, kFixed32 };
+
+// QUIRK: an enumeration is written as zigzag although its key promises a plain varint. A reader that skips it
+// takes the same number of bytes either way.
+template <element::Number E>
+inline constexpr NumberCoding kCoding =
+    std::same_as<E, element::Int32> || std::same_as<E, element::Enum>    ? NumberCoding::kZigzag
+    : std::same_as<E, element::UInt32> || std::same_as<E, element::Bool> ? NumberCoding::kVarint
+    : std::same_as<E, element::Float>                                    ? NumberCoding::kFixed32
+                                                                         : NumberCoding::kFixed64;
+
+/// Least bytes of one value.
+template <class E>
+inline constexpr unsigned kLeastSize = 1;
+template <element::Number E>
+inline constexpr unsigned kLeastSize<E> = kCoding<E> == NumberCoding::kFixed64   ? 8
+                                          : kCoding<E> == NumberCoding::kFixed32 ? 4
+                                                                                 : 1;
+
+/// Encoding that a map states for one of its sides.
+template <class E>
+inline constexpr BinaryEncodingType kSideEncoding = kFieldTypes[FDT_INT64].encoding;
+template <>
+inline constexpr BinaryEncodingType kSideEncoding<element::Str> = kFieldTypes[FDT_STRING].encoding;
+template <>
+inline constexpr BinaryEncodingType kSideEncoding<element::Obj> = kFieldTypes[FDT_OBJECT].encoding;
+
+/// The text as a C string sees it: up to its first NUL.
+inline std::string_view upToNul(std::string_view text) {
+  const void* nul = text.empty() ? nullptr : std::memchr(text.data(), 0, text.size());
+  return nul == nullptr
+             ? text
+             : text.substr(0, static_cast<std::size_t>(static_cast<const char*>(nul) - text.data()));
+}
+
+}  // namespace zqxml::wire
