@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <xercesc/framework/MemoryManager.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLString.hpp>
+#include <xercesc/util/XercesDefs.hpp>
+
+namespace zqxml::internal {
+
+/// Owner of what Xerces-C wants back through `release()`: documents, serializers, inputs and outputs.
+struct XercesRelease {
+  template <typename T>
+  void operator()(T* object) const {
+    object->release();
+  }
+};
+template <typename T>
+using XercesPtr = std::unique_ptr<T, XercesRelease>;
+
+/// Owner of a block that Xerces-C has taken from a memory manager: texts, decoded bytes.
+struct XercesDeallocate {
+  xercesc::MemoryManager* manager = xercesc::XMLPlatformUtils::fgMemoryManager;
+
+  template <typename T>
+  void operator()(T* block) const {
+    manager->deallocate(const_cast<std::remove_const_t<T>*>(block));
+  }
+};
+template <typename T>
+using XercesBlock = std::unique_ptr<T, XercesDeallocate>;
+
+/// A text of Xerces-C, which may be null, without a copy.
+inline std::u16string_view viewOf(const XMLCh* text) {
+  return text == nullptr ? std::u16string_view() : std::u16string_view(text);
+}
+
+/// A text of Xerces-C, which may be null, as UTF-8.
+std::string utf8Of(const XMLCh* text);
+
+/// Passes requests on to the platform's memory manager until the blocks that are in use together are larger
+/// than the limit: then it throws xercesc::OutOfMemoryException, as the parser expects of a full memory. An
+/// input can so take no more than a fixed multiple of its size, whatever it declares.
+///
+/// One per parse; it must outlive the parser, and belongs to one thread at a time.
+class LimitedMemoryManager final : public xercesc::MemoryManager {
+ public:
+  static constexpr std::size_t kBase = std::size_t{64} << 20;
+  static constexpr std::size_t kFactor = 64;
+
+  /// For an input of so many bytes: 64 MiB and 64 times the input.
+  explicit LimitedMemoryManager(std::size_t inputSize);
+  ~LimitedMemoryManager() override;
+  LimitedMemoryManager(const LimitedMemoryManager&) = delete;
+  LimitedMemoryManager& operator=(const LimitedMemoryManager&) = delete;
+
+  void* allocate(XMLSize_t size) override;
+  void deallocate(void* block) override;
+  /// Exceptions outlive the parse, so they are not counted.
+  xercesc::MemoryManager* getExceptionMemoryManager() override;
+
+  std::size_t limit() const { return limit_; }
+  /// Bytes in use now.
+  std::size_t inUse() const { return inUse_; }
+
+ private:
+  const std::size_t limit_;
+  std::size_t inUse_ = 0;
+};
+
+}  // namespace zqxml::internal

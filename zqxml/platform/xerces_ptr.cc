@@ -1,0 +1,54 @@
+#include <zqxml/platform/internal/xerces_ptr.h>
+#include <zqxml/platform/text.h>
+
+#include <cstring>
+#include <limits>
+#include <xercesc/util/OutOfMemoryException.hpp>
+
+namespace zqxml::internal {
+namespace {
+
+// Before each block stands its size. The room for it keeps the block aligned for every type.
+constexpr std::size_t kHeader = alignof(std::max_align_t);
+static_assert(kHeader >= sizeof(std::size_t));
+
+std::size_t limitFor(std::size_t inputSize) {
+  constexpr std::size_t kMost = std::numeric_limits<std::size_t>::max();
+  if (inputSize > (kMost - LimitedMemoryManager::kBase) / LimitedMemoryManager::kFactor) return kMost;
+  return LimitedMemoryManager::kBase + LimitedMemoryManager::kFactor * inputSize;
+}
+
+}  // namespace
+
+std::string utf8Of(const XMLCh* text) {
+  return toUtf8(viewOf(text));
+}
+
+LimitedMemoryManager::LimitedMemoryManager(std::size_t inputSize) : limit_(limitFor(inputSize)) {}
+
+LimitedMemoryManager::~LimitedMemoryManager() = default;
+
+void* LimitedMemoryManager::allocate(XMLSize_t size) {
+  if (size > limit_ - inUse_ || size > std::numeric_limits<std::size_t>::max() - kHeader) {
+    throw xercesc::OutOfMemoryException();
+  }
+  void* const start = xercesc::XMLPlatformUtils::fgMemoryManager->allocate(size + kHeader);
+  std::memcpy(start, &size, sizeof size);
+  inUse_ += size;
+  return static_cast<char*>(start) + kHeader;
+}
+
+void LimitedMemoryManager::deallocate(void* block) {
+  if (block == nullptr) return;
+  void* const start = static_cast<char*>(block) - kHeader;
+  XMLSize_t size = 0;
+  std::memcpy(&size, start, sizeof size);
+  inUse_ -= size;
+  xercesc::XMLPlatformUtils::fgMemoryManager->deallocate(start);
+}
+
+xercesc::MemoryManager* LimitedMemoryManager::getExceptionMemoryManager() {
+  return xercesc::XMLPlatformUtils::fgMemoryManager;
+}
+
+}  // namespace zqxml::internal
