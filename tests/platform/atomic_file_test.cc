@@ -1,0 +1,143 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <tests/support/failing_file_calls.h>
+#include <tests/support/scratch_folder.h>
+#include <unistd.h>
+#include <zqxml/platform/file.h>
+
+#include <filesystem>
+#include <string>
+
+namespace zqxml {
+namespace {
+
+mode_t modeOf(const std::string& path) {
+  struct stat state = {};
+  EXPECT_EQ(stat(path.c_str(), &state), 0);
+  return state.st_mode & 0777;
+}
+
+TEST(AtomicFile, AppearsWithCommitAndNotBefore) {
+  const ScratchFolder folder;
+  AtomicFile file;
+  ASSERT_FALSE(file.Open(folder.path("f")).IsError());
+  EXPECT_FALSE(file.Write("text").IsError());
+  EXPECT_FALSE(std::filesystem::exists(folder.path("f")));
+  EXPECT_FALSE(file.Commit().IsError());
+  EXPECT_EQ(folder.read("f"), "text");
+  EXPECT_EQ(folder.size(), 1U);
+}
+
+TEST(AtomicFile, LeavesTheOldFileWithoutCommit) {
+  const ScratchFolder folder;
+  folder.write("f", "old");
+  {
+    AtomicFile file;
+    ASSERT_FALSE(file.Open(folder.path("f")).IsError());
+    EXPECT_FALSE(file.Write("new").IsError());
+  }
+  EXPECT_EQ(folder.read("f"), "old");
+  EXPECT_EQ(folder.size(), 1U) << "nothing is left beside it";
+}
+
+TEST(AtomicFile, LeavesTheOldFileWhenTheDiskIsFull) {
+  const ScratchFolder folder;
+  folder.write("f", "old");
+  FailingFileCalls calls;
+  calls.writeError = ENOSPC;
+  {
+    AtomicFile file;
+    ASSERT_FALSE(file.Open(folder.path("f")).IsError());
+    EXPECT_EQ(file.Write("new").GetCode(), ENOSPC);
+  }
+  EXPECT_EQ(folder.read("f"), "old");
+  EXPECT_EQ(folder.size(), 1U);
+}
+
+TEST(AtomicFile, LeavesTheOldFileWhenAStepOfCommitFails) {
+  const ScratchFolder folder;
+  folder.write("f", "old");
+  for (int FailingFileCalls::*error :
+       {&FailingFileCalls::syncError, &FailingFileCalls::closeError, &FailingFileCalls::renameError}) {
+    FailingFileCalls calls;
+    AtomicFile file;
+    ASSERT_FALSE(file.Open(folder.path("f")).IsError());
+    EXPECT_FALSE(file.Write("new").IsError());
+    calls.*error = EIO;
+    EXPECT_EQ(file.Commit().GetCode(), EIO);
+    EXPECT_EQ(folder.read("f"), "old");
+    EXPECT_EQ(folder.size(), 1U);
+  }
+}
+
+TEST(AtomicFile, KeepsPermissionsOfTheOldFile) {
+  const ScratchFolder folder;
+  folder.write("f", "old");
+  ASSERT_EQ(chmod(folder.path("f").c_str(), 0640), 0);
+  AtomicFile file;
+  ASSERT_FALSE(file.Open(folder.path("f")).IsError());
+  EXPECT_FALSE(file.Commit().IsError());
+  EXPECT_EQ(modeOf(folder.path("f")), 0640U);
+}
+
+TEST(AtomicFile, NewFileHasThePermissionsOfTheUmask) {
+  const ScratchFolder folder;
+  const mode_t before = umask(027);
+  AtomicFile file;
+  EXPECT_FALSE(file.Open(folder.path("f")).IsError());
+  EXPECT_FALSE(file.Commit().IsError());
+  umask(before);
+  EXPECT_EQ(modeOf(folder.path("f")), 0640U);
+}
+
+TEST(AtomicFile, LinkStaysALink) {
+  const ScratchFolder folder;
+  folder.write("real", "old");
+  ASSERT_EQ(symlink("real", folder.path("link").c_str()), 0);
+  AtomicFile file;
+  ASSERT_FALSE(file.Open(folder.path("link")).IsError());
+  EXPECT_FALSE(file.Write("new").IsError());
+  EXPECT_FALSE(file.Commit().IsError());
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.path("link")));
+  EXPECT_EQ(folder.read("real"), "new");
+}
+
+TEST(AtomicFile, WritesAtOnceToWhatIsNoRegularFile) {
+  AtomicFile file;
+  ASSERT_FALSE(file.Open("/dev/null").IsError());
+  EXPECT_FALSE(file.Write("text").IsError());
+  EXPECT_FALSE(file.Commit().IsError());
+  EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+}
+
+TEST(AtomicFile, MissingFolderIsAnError) {
+  const ScratchFolder folder;
+  AtomicFile file;
+  EXPECT_EQ(file.Open(folder.path("none/f")).GetCode(), ENOENT);
+  EXPECT_EQ(file.Write("x").GetCode(), EBADF);
+  EXPECT_EQ(file.Commit().GetCode(), EBADF);
+}
+
+TEST(AtomicFile, FolderAsTargetIsAnError) {
+  const ScratchFolder folder;
+  AtomicFile file;
+  EXPECT_EQ(file.Open(folder.path()).GetCode(), EISDIR);
+}
+
+TEST(AtomicFile, NameWithNulIsRefused) {
+  AtomicFile file;
+  EXPECT_EQ(file.Open(std::string("a\0b", 3)).GetCode(), EINVAL);
+}
+
+TEST(AtomicFile, OpeningAgainDiscardsTheFirst) {
+  const ScratchFolder folder;
+  AtomicFile file;
+  ASSERT_FALSE(file.Open(folder.path("f")).IsError());
+  ASSERT_FALSE(file.Open(folder.path("g")).IsError());
+  EXPECT_FALSE(file.Commit().IsError());
+  EXPECT_EQ(folder.size(), 1U);
+  EXPECT_TRUE(std::filesystem::exists(folder.path("g")));
+}
+
+}  // namespace
+}  // namespace zqxml
