@@ -98,6 +98,9 @@ class ZQXML_EXPORT AtomicFile {
 
   /// The file that is written, for those who need more than Write. Valid between Open and Commit.
   CUlFile& file() { return file_; }
+  /// Path of the file beside the target while it is written, for those who remove it when the process is
+  /// killed; empty when the target itself is written, and after Commit.
+  const std::string& temporaryName() const { return temporary_; }
 
  private:
   void discard() noexcept;
