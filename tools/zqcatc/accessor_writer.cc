@@ -20,9 +20,6 @@ constexpr std::string_view cppType(element::Int64) {
 constexpr std::string_view cppType(element::UInt64) {
   return "std::uint64_t";
 }
-constexpr std::string_view cppType(element::Bool) {
-  return "bool";
-}
 constexpr std::string_view cppType(element::Double) {
   return "double";
 }
@@ -37,9 +34,6 @@ constexpr std::string_view cppType(element::WStr) {
 }
 constexpr std::string_view cppType(element::BStr) {
   return "bstring";
-}
-constexpr std::string_view cppType(element::PStr) {
-  return "pstring";
 }
 constexpr std::string_view cppType(element::Obj) {
   return "XNMessageBase";
