@@ -99,6 +99,18 @@ TEST_F(ZqPasswordTest, EveryChangedCharacterIsFound) {
   EXPECT_TRUE(capture_.has(kDecrypt, 0, kBadText));
 }
 
+TEST_F(ZqPasswordTest, BitsThatStandForNothingCountToo) {
+  for (const std::string_view text : {"secret", "secrets"}) {
+    std::string stored = encrypted(text);
+    const std::size_t last = stored.find_last_not_of('=');
+    ASSERT_LT(last, stored.size() - 1) << "there is padding";
+    constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    stored[last] = kAlphabet[kAlphabet.find(stored[last]) | 1];
+    secure_string plain;
+    EXPECT_EQ(password_.decrypt(secure_string(stored), plain), 0);
+  }
+}
+
 TEST_F(ZqPasswordTest, OneVersionDoesNotPassForAnother) {
   std::string stored = encrypted("secret", '2');
   stored[0] = '3';

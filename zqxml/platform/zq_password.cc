@@ -59,6 +59,8 @@ bool open(const KeyFile& key, std::string_view stored, secure_string& plain) {
       !UlBase64::Decode(stored.substr(1), sealed) || sealed.size() < kNonceSize + kTagSize) {
     return false;
   }
+  // Base64 has bits that stand for nothing; changing them is changing the text all the same.
+  if (UlBase64::Encode(sealed) != stored.substr(1)) return false;
   const std::size_t size = sealed.size() - kNonceSize - kTagSize;
   const Context context = startCipher(key, bytesOf(sealed.data()), stored[0], false);
   secure_string text;
