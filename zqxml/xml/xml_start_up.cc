@@ -1,6 +1,6 @@
 #include <zqxml/logging/xml_log_context.h>
+#include <zqxml/platform/internal/xerces_ptr.h>
 #include <zqxml/platform/platform_info.h>
-#include <zqxml/platform/text.h>
 #include <zqxml/xml/internal/xml_start_up_once.h>
 #include <zqxml/xml/xml_serializer.h>
 #include <zqxml/xml/xml_start_up.h>
@@ -35,7 +35,8 @@ bool XmlStartUp::startLibrary(const char* function) {
   try {
     startLibrary_();
   } catch (const xercesc::XMLException& error) {
-    logError(function, "Error initializing Xerces library. Error : [%s]", toUtf8(error.getMessage()));
+    logError(function, "Error initializing Xerces library. Error : [%s]",
+             internal::utf8Of(error.getMessage()));
     return false;
   }
   libraryRuns_ = true;

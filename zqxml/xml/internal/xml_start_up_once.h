@@ -15,8 +15,7 @@ class XmlStartUp {
   using LibraryStart = void (*)();
 
   /// `started` is raised when startCodec succeeds; it outlives this object.
-  XmlStartUp(std::atomic<bool>& started, LibraryStart start)
-      : started_(started), startLibrary_(start) {}
+  XmlStartUp(std::atomic<bool>& started, LibraryStart start) : started_(started), startLibrary_(start) {}
 
   static XmlStartUp& process();
 

@@ -1,0 +1,193 @@
+// The writer's entry points: from a message to a DOM document, and from a document to text.
+#include <zqxml/logging/xml_log_context.h>
+#include <zqxml/message/internal/message_access.h>
+#include <zqxml/message/xn_message_base.h>
+#include <zqxml/platform/internal/xerces_ptr.h>
+#include <zqxml/xml/internal/root_element_name.h>
+#include <zqxml/xml/internal/string_format_target.h>
+#include <zqxml/xml/internal/wide_text.h>
+#include <zqxml/xml/internal/xml_serializer_access.h>
+#include <zqxml/xml/xml_serializer.h>
+
+#include <string>
+#include <utility>
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMElement.hpp>
+#include <xercesc/dom/DOMException.hpp>
+#include <xercesc/dom/DOMImplementation.hpp>
+#include <xercesc/dom/DOMImplementationRegistry.hpp>
+#include <xercesc/dom/DOMLSOutput.hpp>
+#include <xercesc/dom/DOMLSSerializer.hpp>
+#include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/util/XMLException.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+namespace zqxml {
+namespace {
+
+constexpr int kFormVersion = 2;
+
+xercesc::DOMImplementation* domImplementation() {
+  return xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
+}
+
+/// Owns the document of one call.
+class DocumentHolder {
+ public:
+  DocumentHolder() = default;
+  ~DocumentHolder() { release(); }
+  DocumentHolder(const DocumentHolder&) = delete;
+  DocumentHolder& operator=(const DocumentHolder&) = delete;
+
+  xercesc::DOMDocument* get() const { return document_; }
+  void reset(xercesc::DOMDocument* document) { document_ = document; }
+  void release() noexcept {
+    if (document_ == nullptr) return;
+    try {
+      std::exchange(document_, nullptr)->release();
+    } catch (...) {
+      logDebug("XMLSerializer::serialize", 15, "Exception releasing DOMDocument.");
+    }
+  }
+
+ private:
+  xercesc::DOMDocument* document_ = nullptr;
+};
+
+/// What two of the bodies say where they differ.
+struct BodyTexts {
+  const char* function;
+  const char* noImplementation;
+};
+constexpr BodyTexts kUtf8{"XMLSerializer::serialize", "Error initializing xerces library"};
+constexpr BodyTexts kUtf16{"XMLSerializer::serializeUTF16", "Error initializing Xerces library"};
+
+/// Builds the document of `msg`. An exception of a listener ends here too.
+eXNMsgRet buildDocument(XMLSerializer& serializer, XNMessageBase& msg, int version, const BodyTexts& texts,
+                        DocumentHolder& document) {
+  if (const eXNMsgRet started = XMLSerializerAccess::initialize(); started != XN_MSG_OK) return started;
+  xercesc::DOMImplementation* implementation = domImplementation();
+  if (implementation == nullptr) {
+    logError(texts.function, "%s", texts.noImplementation);
+    return XN_MSG_FAILED;
+  }
+  try {
+    if (MessageAccess::classDef(msg) != nullptr) {
+      const WideName root(rootElementName(msg).c_str());
+      document.reset(implementation->createDocument(nullptr, root.c_str(), nullptr));
+      XMLSerializerAccess::serializeXMLRecur(serializer, msg, document.get(),
+                                             document.get()->getDocumentElement(), version);
+      return XN_MSG_OK;
+    }
+    logError(texts.function, "Error creating XML root node.");
+  } catch (const xercesc::DOMException&) {
+    logError(texts.function, "Error creating XML root node. ");
+  } catch (const xercesc::XMLException&) {
+    logError(texts.function, "Error creating XML root node. ");
+  } catch (...) {
+    logError(texts.function, "Error creating XML root node.");
+  }
+  return XN_MSG_FAILED;
+}
+
+DOMWriter* createWriter(bool pretty) {
+  xercesc::DOMImplementation* implementation = domImplementation();
+  if (implementation == nullptr) return nullptr;
+  internal::XercesPtr<DOMWriter> writer(implementation->createLSSerializer());
+  writer->setNewLine(u"\n");
+  if (pretty) writer->getDomConfig()->setParameter(xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, true);
+  return writer.release();
+}
+
+/// The document or its root element as text. What cannot be written is logged, and what there is is given.
+template <class Char>
+std::basic_string<Char> dumpDocument(const char* function, DOMWriter* newWriter, const char16_t* encoding,
+                                     xercesc::DOMDocument* doc, bool rootOnly) {
+  const internal::XercesPtr<DOMWriter> writer(newWriter);
+  StringFormatTarget<Char> target;
+  bool written = false;
+  if (xercesc::DOMImplementation* implementation = domImplementation();
+      writer != nullptr && doc != nullptr && implementation != nullptr) {
+    const internal::XercesPtr<xercesc::DOMLSOutput> output(implementation->createLSOutput());
+    output->setByteStream(&target);
+    output->setEncoding(encoding);
+    const xercesc::DOMNode* node = doc;
+    if (rootOnly) node = doc->getDocumentElement();
+    written = writer->write(node, output.get());
+  }
+  if (!written) logError(function, "Error Writing Xml to String");
+  return target.take();
+}
+
+/// Runs `dump`, and logs what it throws.
+template <class Dump>
+void guardDump(const char* function, const char* failure, Dump dump) {
+  try {
+    dump();
+  } catch (const xercesc::DOMException&) {
+    logError(function, "%s", failure);
+  } catch (const xercesc::XMLException&) {
+    logError(function, "%s", failure);
+  } catch (const xercesc::SAXParseException& error) {
+    logError(function, "SAXParseException: %s", error.getMessage());
+  } catch (...) {
+    logError(function, "Unknown Exception!");
+  }
+}
+
+}  // namespace
+
+XMLSerializationSupport* XMLSerializer::getXMLSerializationSupportObject() {
+  static XMLSerializationSupport instance;
+  return &instance;
+}
+
+eXNMsgRet XMLSerializer::serialize(XNMessageBase& msg, std::string& out) {
+  return serialize(msg, out, kFormVersion);
+}
+
+eXNMsgRet XMLSerializer::serialize(XNMessageBase& msg, std::string& out, int version) {
+  DocumentHolder document;
+  const eXNMsgRet built = buildDocument(*this, msg, version, kUtf8, document);
+  if (built == XN_MSG_OK) DumpDOMDocumentToStringUTF8(out, document.get(), false);
+  return built;
+}
+
+eXNMsgRet XMLSerializer::serialize(XNMessageBase& msg, std::string& out, bool rootOnly) {
+  DocumentHolder document;
+  const eXNMsgRet built = buildDocument(*this, msg, kFormVersion, kUtf8, document);
+  if (built == XN_MSG_OK) DumpDOMDocumentToStringUTF8(out, document.get(), rootOnly);
+  return built;
+}
+
+eXNMsgRet XMLSerializer::serializeUTF16(XNMessageBase& msg, std::u16string& out, bool rootOnly) {
+  DocumentHolder document;
+  const eXNMsgRet built = buildDocument(*this, msg, kFormVersion, kUtf16, document);
+  if (built == XN_MSG_OK) DumpDOMDocumentToWStringUTF16(out, document.get(), rootOnly);
+  return built;
+}
+
+DOMWriter* XMLSerializer::DOMCreateAWriterUTF8() {
+  return createWriter(flags_.readable);
+}
+
+DOMWriter* XMLSerializer::DOMCreateAWriterUTF16() {
+  return createWriter(flags_.readable);
+}
+
+void XMLSerializer::DumpDOMDocumentToStringUTF8(std::string& out, xercesc::DOMDocument* doc, bool rootOnly) {
+  guardDump("XMLEncoder::DOMDumpTostringUTF8", "Error Dumping Xml String from DomTree to String", [&] {
+    out = dumpDocument<char>("XMLSerializer::DumpDOMDocumentToStringUTF8", DOMCreateAWriterUTF8(), u"UTF-8",
+                             doc, rootOnly);
+  });
+}
+
+void XMLSerializer::DumpDOMDocumentToWStringUTF16(std::u16string& out, xercesc::DOMDocument* doc,
+                                                  bool rootOnly) {
+  guardDump("XMLEncoder::DOMDumpTostringUTF16", "Error Dumping Xml String From DomTree to String", [&] {
+    out = dumpDocument<char16_t>("XMLSerializer::DumpDOMDocumentToWStringUTF16", DOMCreateAWriterUTF16(),
+                                 u"UTF-16", doc, rootOnly);
+  });
+}
+
+}  // namespace zqxml
