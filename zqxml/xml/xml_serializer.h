@@ -83,6 +83,9 @@ class ZQXML_EXPORT XMLSerializer : public XMLSerializationSupport {
   /// Writes `msg` to the file: 0; 3 bad argument, 9 not serialized, 6 write error.
   static int dumpXmlToFile(XNMessageBase* msg, CUlFile* file);
 
+  /// The object that a handler reads into or has made.
+  static XNMessageBase* getSAXHandlerMessageObject(MySAX2Handler& handler);
+
   const EncodingFlags& flags() const { return flags_; }
   ZqXMLContextInfo* context() const { return context_; }
 
@@ -138,6 +141,8 @@ class ZQXML_EXPORT XMLSerializer : public XMLSerializationSupport {
 
   eXNMsgRet parserHelper(MySAX2Handler* handler, const std::string& xml);
   eXNMsgRet parserHelperWideChar(MySAX2Handler* handler, const char16_t* xml, bool ignored);
+  template <class View>
+  static bool lookUpTag(View xml, std::string& tag, unsigned& tagId);
   static bool _GetTagAndTagIDFromXML(xercesc::MemBufInputSource* source, std::string& tag, unsigned& tagId);
 
   ZqXMLContextInfo* context_ = nullptr;
