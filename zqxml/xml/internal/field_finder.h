@@ -1,0 +1,72 @@
+// From a name of the text to a field of a class, by the 24-bit name hash.
+#pragma once
+
+#include <zqxml/catalogue/name_hash.h>
+#include <zqxml/catalogue/records.h>
+#include <zqxml/platform/text.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace zqxml {
+
+/// The name hash of UTF-16 text: that of its UTF-8 bytes, taken without a conversion where it is ASCII.
+inline std::uint32_t nameHash(std::u16string_view name) {
+  std::uint32_t hash = 0;
+  for (const char16_t unit : name) {
+    if (unit > 0x7f) return nameHash(toUtf8(name));
+    hash = hash * 31 + unit;
+  }
+  return hash & 0xffffff;
+}
+
+/// Finds the first field in declared order with a hash.
+///
+/// Remembers answers, for all readers of a thread: the catalogue is constant and lives as long as the
+/// process, so they stay true. A message of many equal elements thus searches each class once, whatever its
+/// width, and in whatever order a writer has put the names.
+class FieldFinder {
+ public:
+  FieldFinder() : answers_(threadAnswers()) {}
+
+  /// Null when the class is null or has no such field. A field without a name hash is never found.
+  const FieldDef* find(const _ClassDef* classDef, std::uint32_t hash) {
+    if (classDef == nullptr || hash == 0) return nullptr;
+    if (classDef->getNumberOfFields() <= kSearched) return search(*classDef, hash);
+    Answer& answer = answers_[place(classDef, hash)];
+    if (answer.classDef != classDef || answer.hash != hash)
+      answer = {classDef, search(*classDef, hash), hash};
+    return answer.field;
+  }
+
+ private:
+  struct Answer {
+    const _ClassDef* classDef;
+    const FieldDef* field;
+    std::uint32_t hash;
+  };
+  static constexpr unsigned kPlaceBits = 9;
+  using Answers = std::array<Answer, std::size_t{1} << kPlaceBits>;
+  /// Classes of so few fields are searched faster than looked up.
+  static constexpr int kSearched = 8;
+
+  static const FieldDef* search(const _ClassDef& classDef, std::uint32_t hash) {
+    for (const FieldDef& field : classDef)
+      if (field.getFieldHashId() == hash) return &field;
+    return nullptr;
+  }
+  static std::size_t place(const _ClassDef* classDef, std::uint32_t hash) {
+    const std::uint64_t key = (reinterpret_cast<std::uintptr_t>(classDef) << 24) ^ hash;
+    return static_cast<std::size_t>((key * 0x9e3779b97f4a7c15u) >> (64 - kPlaceBits));
+  }
+  static Answers& threadAnswers() {
+    static constinit thread_local Answers answers{};
+    return answers;
+  }
+
+  Answers& answers_;
+};
+
+}  // namespace zqxml

@@ -1,0 +1,119 @@
+// MessageReader: turns the events of an XML text into a message object.
+//
+// It knows nothing of where the events come from. There is no schema: each name is hashed and looked up in
+// the class of the object that is being read, and an element or attribute whose name is not there is passed
+// over. What it builds on is the catalogue, so the same events give the same object whatever wrote the text.
+#pragma once
+
+#include <zqxml/catalogue/records.h>
+#include <zqxml/message/xn_message_base.h>
+#include <zqxml/xml/encoding_flags.h>
+#include <zqxml/xml/internal/field_finder.h>
+#include <zqxml/xml/internal/message_reader_path.h>
+#include <zqxml/xml/internal/message_reader_values.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace zqxml {
+
+class ZqXMLContextInfo;
+
+/// One attribute: its local name and its value with all references resolved.
+struct AttributeView {
+  std::u16string_view name;
+  std::u16string_view value;
+};
+
+/// Serves one parse, on one thread, and is not reset for another. Views need to hold for the length of a call
+/// only.
+///
+/// Failure: a root element without a class, and objects nested too deep, throw (std::exception); the source
+/// of events then has to stop. Everything else is logged and passed over. The root object holds what was read
+/// until then, and objects that hang nowhere end with the reader.
+class MessageReader {
+ public:
+  /// Reads into `root`, which stays the caller's; null to make an object of the class that the root element
+  /// names. `maxLevels` objects may be nested, 0 for any number.
+  explicit MessageReader(XNMessageBase* root, std::size_t maxLevels);
+
+  void start(std::u16string_view name, std::span<const AttributeView> attributes);
+  void end(std::u16string_view name);
+  /// A part of a text; one text may come in several.
+  void characters(std::u16string_view text) {
+    if (capturing_) text_ += text;
+  }
+
+  /// The object read into, or the one made, which belongs to the caller; null while there is none.
+  XNMessageBase* root() const { return path_.root(); }
+
+  /// For passwords; the context is borrowed.
+  void setEncodingFlags(const EncodingFlags& flags) { values_.flags = flags; }
+  void setContextInfo(ZqXMLContextInfo* context) { values_.context = context; }
+
+ private:
+  /// One side of a map entry: not there yet, a number, a string, or an object.
+  using Side = std::variant<std::monostate, std::int64_t, std::string, std::unique_ptr<XNMessageBase>>;
+  /// A map entry being read. An entry inside the value of another one has a frame of its own.
+  struct MapEntry {
+    const FieldDef* field = nullptr;
+    /// Number of the entry, so that an object on the path knows whether the entry it was made for still is.
+    std::uint64_t number = 0;
+    /// Size of the path when the entry began: its last object has the map.
+    std::size_t depth = 0;
+    Side key;
+    Side value;
+    /// The key is done, the value is next.
+    bool valueSide = false;
+
+    FieldDataType sideType() const;
+    Side& side() { return valueSide ? value : key; }
+  };
+  struct MapInsert;
+
+  // Elements.
+  void openRoot(std::u16string_view name, std::span<const AttributeView> attributes);
+  bool openObject(const FieldDef& field, std::span<const AttributeView> attributes);
+  bool processAttributes(std::span<const AttributeView> attributes);
+  void readVal(const FieldDef* field, std::u16string_view value);
+  bool endObject(std::uint32_t hash);
+  void endUnknown(std::u16string_view name, bool wasCapturing);
+  const FieldDef* find(const XNMessageBase& object, std::uint32_t hash);
+
+  // Maps.
+  bool inMap() const { return !entries_.empty(); }
+  void openEntry(const FieldDef& field);
+  void openMapValue();
+  bool capturesSide(std::uint32_t hash) const;
+  void readSide(std::u16string_view text);
+  void endKeyObject();
+  void endValueObject();
+  bool takeSide(PathRole role);
+  void processMapEnd(const FieldDef& field);
+  /// Forgets the entries of objects that are about to leave the path.
+  void dropEntries(std::size_t depth);
+  const char* mapName() const;
+
+  ObjectPath path_;
+  FieldFinder finder_;
+  FieldTextReader values_;
+  std::vector<MapEntry> entries_;
+  std::uint64_t entryCount_ = 0;
+  /// The field of the last entry that began.
+  FieldDef mapField_;
+  std::u16string text_;
+  std::u16string rootTag_;
+  std::u16string skipTag_;
+  bool started_ = false;
+  bool skipping_ = false;
+  /// The element now open is a value held as text.
+  bool capturing_ = false;
+};
+
+}  // namespace zqxml

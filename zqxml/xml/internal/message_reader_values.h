@@ -1,0 +1,56 @@
+// Texts of XML into the fields of a message.
+#pragma once
+
+#include <zqxml/catalogue/records.h>
+#include <zqxml/message/xn_message_base.h>
+#include <zqxml/xml/encoding_flags.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace zqxml {
+
+class ZqXMLContextInfo;
+
+/// Converts and stores texts. Each field is one of the object's own class; its bit is marked when a value was
+/// stored. What cannot be converted is logged under `where`, the name of the calling operation, and leaves
+/// the field as it was. Belongs to one parse.
+class FieldTextReader {
+ public:
+  /// Both are used when a password is read; the context is borrowed and may be null.
+  EncodingFlags flags;
+  ZqXMLContextInfo* context = nullptr;
+
+  /// The value of an attribute that is named after the field. Lists, maps and objects take none.
+  void storeAttribute(XNMessageBase& object, const FieldDef& field, std::u16string_view text,
+                      const char* where);
+  /// The text inside an element that is named after the field: the same, but numbers may have white space
+  /// around them, and a list gets one more element.
+  void storeText(XNMessageBase& object, const FieldDef& field, std::u16string_view text, const char* where);
+  /// The attribute `val` of an element that is named after a list field: one more element. Anything but a
+  /// list of values takes none.
+  void appendVal(XNMessageBase& object, const FieldDef& field, std::u16string_view text);
+
+  /// The text as UTF-8 into `out`, with what XML cannot hold restored.
+  void readString(std::u16string_view text, std::string& out);
+
+ private:
+  struct ScalarStore;
+  struct ListAppend;
+
+  void storeNumber(XNMessageBase& object, const FieldDef& field, std::u16string_view text, const char* where);
+  void storePassword(XNMessageBase& object, const FieldDef& field, std::u16string_view text,
+                     const char* where);
+  /// With what XML cannot hold restored: the text itself, or a place in scratch_.
+  std::u16string_view restored(std::u16string_view text);
+  std::string readBytes(std::u16string_view text);
+
+  std::u16string scratch_;
+};
+
+/// Reads, at the first call in the process, whether the special treatment of empty list strings is switched
+/// off (setting EnableNewXMLBehaviorForSpecialChars = 0, which is logged).
+void readSpecialCharsSetting();
+
+}  // namespace zqxml

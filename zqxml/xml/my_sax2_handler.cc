@@ -1,0 +1,66 @@
+#include <zqxml/catalogue/name_hash.h>
+#include <zqxml/message/internal/nesting_limit.h>
+#include <zqxml/xml/internal/message_reader.h>
+#include <zqxml/xml/my_sax2_handler.h>
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+#include <xercesc/sax2/Attributes.hpp>
+
+namespace zqxml {
+namespace {
+
+/// The local name, or the qualified one where the parser does not look at namespaces.
+std::u16string_view nameOf(const XMLCh* localname, const XMLCh* qname) {
+  return localname != nullptr && *localname != 0 ? localname : qname;
+}
+
+}  // namespace
+
+struct MySAX2Handler::State {
+  explicit State(XNMessageBase* root) : reader(root, static_cast<std::size_t>(NestingLimit::get())) {}
+
+  MessageReader reader;
+  std::vector<AttributeView> attributes;  // reused from element to element
+};
+
+MySAX2Handler::MySAX2Handler() : MySAX2Handler(nullptr) {}
+MySAX2Handler::MySAX2Handler(XNMessageBase* object) : state_(std::make_unique<State>(object)) {}
+MySAX2Handler::~MySAX2Handler() = default;
+
+std::uint32_t MySAX2Handler::getHash(const char* text, unsigned long long length) {
+  return text == nullptr ? 0 : nameHash(std::string_view(text, length));
+}
+
+XNMessageBase* MySAX2Handler::getMainObject() {
+  return state_->reader.root();
+}
+
+void MySAX2Handler::setContextInfo(ZqXMLContextInfo* context) {
+  state_->reader.setContextInfo(context);
+}
+
+void MySAX2Handler::setEncodingFlags(EncodingFlags& flags) {
+  state_->reader.setEncodingFlags(flags);
+}
+
+void MySAX2Handler::startElement(const XMLCh*, const XMLCh* localname, const XMLCh* qname,
+                                 const xercesc::Attributes& attributes) {
+  const XMLSize_t count = attributes.getLength();
+  state_->attributes.clear();
+  for (XMLSize_t i = 0; i < count; ++i)
+    state_->attributes.push_back(
+        {nameOf(attributes.getLocalName(i), attributes.getQName(i)), attributes.getValue(i)});
+  state_->reader.start(nameOf(localname, qname), state_->attributes);
+}
+
+void MySAX2Handler::endElement(const XMLCh*, const XMLCh* localname, const XMLCh* qname) {
+  state_->reader.end(nameOf(localname, qname));
+}
+
+void MySAX2Handler::characters(const XMLCh* chars, XMLSize_t length) {
+  state_->reader.characters({chars, length});
+}
+
+}  // namespace zqxml
