@@ -1,0 +1,120 @@
+#include "tools/zqmsg/codec.h"
+
+#include <zqxml/binary/binary_buffer.h>
+#include <zqxml/binary/binary_serializer.h>
+#include <zqxml/xml/encoding_flags.h>
+#include <zqxml/xml/xml_serializer.h>
+
+#include "tools/zqmsg/failure.h"
+#include "tools/zqmsg/library_log.h"
+
+namespace zqxml::tool {
+namespace {
+
+// A password that could not be coded: only the log tells it, since a field that fails does not fail the call.
+// A routine of the platform that fails gives an empty text.
+void requirePasswords(const std::string& where, LibraryLog& log) {
+  if (log.mentions("Password Handler Not Found")) {
+    throw Failure(kNoPasswordHandler, where, "a password needs an encryption for which no key is configured")
+        .advise("name a key file in $ZQXML_KEY_FILE, or write XML with --mask-passwords")
+        .explain(log.take());
+  }
+  if (log.mentions("ZQPassword::")) {
+    throw Failure(kNoPasswordHandler, where, "a password cannot be encrypted or decrypted")
+        .advise("look at the key file that $ZQXML_KEY_FILE names")
+        .explain(log.take());
+  }
+}
+
+// Without a byte order mark or a declaration nobody can know that a text is UTF-16.
+std::string withByteOrderMark(const std::string& bytes) {
+  if (bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff")) return bytes;
+  return (bytes.starts_with('<') ? "\xff\xfe" : "\xfe\xff") + bytes;
+}
+
+[[noreturn]] void failXml(const std::string& where, LibraryLog& log) {
+  const bool notWellFormed = log.mentions("SAXParseException");
+  const bool unknownClass = log.mentions("Unable to construct object out of tag");
+  Failure failure(notWellFormed ? kNotWellFormed : kXmlLibraryError, where,
+                  notWellFormed  ? "is not well-formed XML"
+                  : unknownClass ? "its root element names no class of the catalogue"
+                                 : "cannot be read as XML");
+  if (unknownClass) failure.advise("a root element is SUBSYSTEM_CLASS; 'zqmsg catalogue' lists them");
+  throw failure.explain(log.take());
+}
+
+MessagePtr decodeXml(const std::string& bytes, const std::string& where, LibraryLog& log) {
+  MessagePtr message(XMLSerializer().unserialize(bytes, false));
+  if (message == nullptr) failXml(where, log);
+  return message;
+}
+
+MessagePtr decodeBinary(const std::string& bytes, const std::string& where, LibraryLog& log) {
+  BinaryBuffer buffer;
+  buffer.SetReadBuffer(bytes.data(), bytes.size(), true);
+  MessagePtr message(BinarySerializer::unserialize(buffer, nullptr, false));
+  if (message == nullptr) {
+    throw Failure(kFailed, where, "cannot be read as a binary message")
+        .advise("'zqmsg inspect' shows how far it can be read")
+        .explain(log.take());
+  }
+  return message;
+}
+
+EncodingFlags flagsOf(const WriteOptions& options) {
+  EncodingFlags flags;
+  flags.useElements = options.elements;
+  flags.readable = options.readable;
+  flags.enumAsText = options.enumNames;
+  flags.encoding_options = (options.maskPasswords ? std::uint64_t{MASK_PASSWORDS} : 0) |
+                           (options.maskSensitive ? std::uint64_t{MASK_SENSITIVE} : 0);
+  return flags;
+}
+
+std::string encodeXml(XNMessageBase& message, const WriteOptions& options, eXNMsgRet& result) {
+  XMLSerializer serializer(flagsOf(options), nullptr);
+  std::string text;
+  if (options.form == Form::kXml16) {
+    std::u16string wide;
+    result = serializer.serializeUTF16(message, wide, options.rootOnly);
+    return wide.empty() ? text : fileBytes(wide);
+  }
+  result = options.version ? serializer.serialize(message, text, *options.version)
+                           : serializer.serialize(message, text, options.rootOnly);
+  return text;
+}
+
+std::string encodeBinary(XNMessageBase& message, const WriteOptions& options) {
+  BinaryBuffer buffer;
+  const std::uint64_t size = BinarySerializer::serialize(message, buffer, options.version.value_or(2));
+  return size == 0 ? std::string() : std::string(buffer.getBuffer(), size);
+}
+
+}  // namespace
+
+MessagePtr decode(Form form, const std::string& bytes, const std::string& where, LibraryLog& log) {
+  if (bytes.empty()) throw Failure(kFailed, where, "is empty");
+  MessagePtr message = form == Form::kXml     ? decodeXml(bytes, where, log)
+                       : form == Form::kXml16 ? decodeXml(withByteOrderMark(bytes), where, log)
+                                              : decodeBinary(bytes, where, log);
+  requirePasswords(where, log);
+  return message;
+}
+
+std::string encode(XNMessageBase& message, const WriteOptions& options, const std::string& where,
+                   LibraryLog& log) {
+  const bool isXml = options.form == Form::kXml || options.form == Form::kXml16;
+  eXNMsgRet result = XN_MSG_OK;
+  std::string bytes = isXml ? encodeXml(message, options, result) : encodeBinary(message, options);
+  requirePasswords(where, log);
+  // A field that would make the rest of a binary message unreadable.
+  const bool unreadable = !isXml && log.mentions("No Password annotation found on member");
+  if (result != XN_MSG_OK || bytes.empty() || unreadable) {
+    throw Failure(result == XN_MSG_OK ? kFailed : static_cast<ExitStatus>(result), where,
+                  "cannot be written in the form " + std::string(formName(options.form)))
+        .explain(log.take());
+  }
+  return bytes;
+}
+
+}  // namespace zqxml::tool

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <zqxml/message/xn_message_base.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "tools/zqmsg/form.h"
+
+namespace zqxml::tool {
+
+class LibraryLog;
+
+using MessagePtr = std::unique_ptr<XNMessageBase>;
+
+/// Makes the message that `bytes` hold in one of the forms of a single message. Throws Failure, with the
+/// result of the step that failed and what the library said, when that cannot be done; also when a password
+/// could not be taken over. `where` is what messages call the input.
+MessagePtr decode(Form form, const std::string& bytes, const std::string& where, LibraryLog& log);
+
+/// How a message is written. The switches from `elements` to `maskSensitive` are of the XML forms.
+struct WriteOptions {
+  Form form = Form::kXml;
+  bool elements = false;
+  bool readable = false;
+  bool enumNames = false;
+  bool rootOnly = false;
+  bool maskPasswords = false;
+  bool maskSensitive = false;
+  std::optional<int> version;  ///< of `binary` and of `xml` with its declaration; 2 when not given
+};
+
+/// The message as the bytes of a file, for Form::kObjects those of the binary form. Throws Failure as above;
+/// also when the result would lack a password, or could not be read again.
+std::string encode(XNMessageBase& message, const WriteOptions& options, const std::string& where,
+                   LibraryLog& log);
+
+}  // namespace zqxml::tool

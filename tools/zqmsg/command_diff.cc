@@ -1,0 +1,71 @@
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "tools/zqmsg/command.h"
+#include "tools/zqmsg/message_diff.h"
+#include "tools/zqmsg/message_source.h"
+#include "tools/zqmsg/output.h"
+
+namespace zqxml::tool {
+namespace {
+
+constexpr const char* kExamples =
+    R"(Prints one line per difference: the field's path and both values. The exit status is 0
+when there is none, and 10 when there is. Files of objects are compared object by object.
+
+Examples:
+  zqmsg diff alert.xml alert.bin
+  zqmsg convert alert.xml --to binary | zqmsg diff alert.xml -)";
+
+struct Options {
+  std::string a;
+  std::string b;
+};
+
+// Paths of objects in a file of many begin with the object's number.
+std::string rootPath(const MessageSource& source) {
+  return source.form() == Form::kObjects ? "object " + std::to_string(source.number()) : std::string();
+}
+
+void diff(const Options& options, Session& session) {
+  if (options.a == "-" && options.b == "-")
+    throw Failure(kUsageError, "diff", "only one of the two can be standard input");
+  MessageSource a(options.a, std::nullopt, session);
+  MessageSource b(options.b, std::nullopt, session);
+  Output output("-");
+  MessageDiff difference(
+      [&output](const std::string& path, const std::string& aText, const std::string& bText) {
+        output.write(visible(path) + ": " + aText + " != " + bText + '\n');
+      });
+  bool sameCount = true;
+  while (sameCount) {
+    const MessagePtr aMessage = a.next();
+    const MessagePtr bMessage = b.next();
+    sameCount = (aMessage == nullptr) == (bMessage == nullptr);
+    if (!sameCount) {
+      const MessageSource& longer = aMessage != nullptr ? a : b;
+      output.write(visible((aMessage != nullptr ? b : a).name()) + " ends before object " +
+                   std::to_string(longer.number()) + " of " + visible(longer.name()) + '\n');
+    }
+    if (aMessage == nullptr || bMessage == nullptr) break;
+    difference.compare(a.form() == Form::kObjects ? rootPath(a) : rootPath(b), *aMessage, *bMessage);
+    if (a.form() == Form::kObjects) session.console.progress("objects compared", a.number());
+  }
+  session.console.endProgress();
+  output.commit();
+  if (!sameCount || difference.count() != 0) session.status = kDifferent;
+}
+
+}  // namespace
+
+void addDiff(CLI::App& app, Session& session) {
+  CLI::App& command = addCommand(app, session, "diff", "Compare two messages field by field", kExamples);
+  const auto options = std::make_shared<Options>();
+  command.add_option("A", options->a, "Message or file of objects in any form; - is standard input")
+      ->required();
+  command.add_option("B", options->b, "What it is compared with")->required();
+  command.callback([options, &session] { diff(*options, session); });
+}
+
+}  // namespace zqxml::tool

@@ -1,0 +1,69 @@
+#include "tools/zqmsg/form.h"
+
+#include <zqxml/catalogue/lookup.h>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace zqxml::tool {
+namespace {
+
+std::uint32_t littleEndian32(std::string_view bytes) {
+  std::uint32_t value = 0;
+  for (int i = 3; i >= 0; --i)
+    value = value << 8 | static_cast<unsigned char>(bytes[static_cast<std::size_t>(i)]);
+  return value;
+}
+
+bool isTagAt(std::string_view head, std::size_t position) {
+  if (head.size() < position + 4) return false;
+  short subsystem = 0;
+  int classIndex = 0;
+  return catalogue::indicesFromTag(littleEndian32(head.substr(position)), subsystem, classIndex);
+}
+
+bool startsLikeXml(std::string_view head) {
+  if (head.starts_with("\xef\xbb\xbf")) head.remove_prefix(3);
+  const std::size_t start = head.find_first_not_of(" \t\r\n");
+  return start != std::string_view::npos && head[start] == '<';
+}
+
+bool startsLikeXml16(std::string_view head) {
+  using namespace std::string_view_literals;
+  return head.starts_with("\xff\xfe"sv) || head.starts_with("\xfe\xff"sv) || head.starts_with("<\0"sv) ||
+         head.starts_with("\0<"sv);
+}
+
+}  // namespace
+
+std::optional<Form> formByName(std::string_view name) {
+  const auto found = std::find(kFormNames.begin(), kFormNames.end(), name);
+  if (found == kFormNames.end()) return std::nullopt;
+  return static_cast<Form>(found - kFormNames.begin());
+}
+
+bool mayBe(Form form, std::string_view head) {
+  if (form == Form::kXml16) return startsLikeXml16(head);
+  if (form == Form::kXml) return startsLikeXml(head) && !startsLikeXml16(head);
+  return form == Form::kBinary ? isTagAt(head, 4) : isTagAt(head, 8) || head.empty();
+}
+
+std::optional<Form> detectForm(std::string_view head) {
+  if (head.empty()) return std::nullopt;
+  for (Form form : {Form::kXml16, Form::kXml, Form::kBinary, Form::kObjects})
+    if (mayBe(form, head)) return form;
+  return std::nullopt;
+}
+
+std::string fileBytes(std::u16string_view text) {
+  std::string bytes;
+  bytes.reserve(2 * text.size() + 2);
+  bytes += "\xff\xfe";
+  for (char16_t unit : text) {
+    bytes += static_cast<char>(unit & 0xff);
+    bytes += static_cast<char>(unit >> 8);
+  }
+  return bytes;
+}
+
+}  // namespace zqxml::tool

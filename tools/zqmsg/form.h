@@ -1,0 +1,39 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zqxml::tool {
+
+/// The forms that a message can be read from and written to.
+enum class Form {
+  kXml,      ///< one message as XML text, UTF-8 unless its declaration says otherwise
+  kXml16,    ///< one message as XML text in UTF-16
+  kBinary,   ///< one message in the binary form
+  kObjects,  ///< any number of messages: binary forms, each behind its length in 4 bytes, big-endian
+};
+
+inline constexpr std::array<std::string_view, 4> kFormNames{"xml", "xml16", "binary", "objects"};
+
+constexpr std::string_view formName(Form form) {
+  return kFormNames[static_cast<std::size_t>(form)];
+}
+std::optional<Form> formByName(std::string_view name);
+
+/// Bytes of an input's start that are enough for detectForm.
+inline constexpr std::size_t kDetectionBytes = 4096;
+
+/// The form of an input that starts with `head`, which is kDetectionBytes long unless the input is shorter.
+/// XML by its first characters; the others by a tag id of the catalogue at its place in the header.
+std::optional<Form> detectForm(std::string_view head);
+
+/// Whether an input that starts with `head` can be in this form at all.
+bool mayBe(Form form, std::string_view head);
+
+/// UTF-16 code units of `text` as the bytes of a file: a byte order mark, then little-endian units.
+std::string fileBytes(std::u16string_view text);
+
+}  // namespace zqxml::tool

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "tools/zqmsg/byte_source.h"
+#include "tools/zqmsg/codec.h"
+#include "tools/zqmsg/form.h"
+#include "tools/zqmsg/object_stream.h"
+
+namespace zqxml::tool {
+
+struct Session;
+
+/// The messages of one input, one after another: one of a file of a single message, any number of a file of
+/// objects. Only the message at hand is in memory. Failures are thrown as Failure; what the library lost on
+/// the way is warned about.
+class MessageSource {
+ public:
+  /// Opens the input; "-" is standard input. Without `form` it is detected.
+  MessageSource(const std::string& file, std::optional<Form> form, Session& session);
+
+  Form form() const { return form_; }
+  const std::string& name() const { return source_.name(); }
+  /// The next message, null at the end.
+  MessagePtr next();
+  /// Number of the message that next() gave, from 1.
+  std::uint64_t number() const { return number_; }
+  /// What messages call it: the input's name, with the object's number where there may be several.
+  std::string where() const;
+
+ private:
+  Session& session_;
+  ByteSource source_;
+  Form form_;
+  ObjectReader objects_{source_};
+  std::uint64_t number_ = 0;
+};
+
+/// The form of an input, from its first bytes; `claimed` when they do not speak against it. Throws Failure
+/// when it cannot be told, or the input is another form than the claimed one.
+Form formOf(ByteSource& source, std::optional<Form> claimed);
+
+/// All of an input that holds one message. Throws Failure when there is more than any form can hold.
+std::string readWhole(ByteSource& source);
+
+}  // namespace zqxml::tool

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <zqxml/platform/file.h>
+
+#include <string>
+#include <string_view>
+
+#include "tools/zqmsg/interruption.h"
+
+namespace zqxml::tool {
+
+/// Where a command writes: a file, or standard output for the name "-". A file is written beside its target
+/// and takes its place in commit(), so that a run that fails leaves the old file as it was. Every failure
+/// throws Failure with status kFailed.
+class Output {
+ public:
+  explicit Output(const std::string& file);
+
+  bool isStandardOutput() const { return standardOutput_; }
+  void write(std::string_view bytes);
+  /// Writes out what is held back. Must be the last call; without it a file is not made.
+  void commit();
+
+ private:
+  void flush();
+
+  std::string name_;
+  bool standardOutput_;
+  CUlFile stream_;
+  AtomicFile file_;
+  RemovedOnInterruption unfinished_;
+  std::string held_;
+};
+
+}  // namespace zqxml::tool

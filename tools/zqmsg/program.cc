@@ -1,0 +1,101 @@
+#include "tools/zqmsg/program.h"
+
+#include <zqxml/annotation/platform_password_routines.h>
+#include <zqxml/platform/zq_password.h>
+
+#include <exception>
+#include <new>
+#include <string>
+
+#include "tools/zqmsg/command.h"
+#include "tools/zqmsg/output.h"
+
+namespace zqxml::tool {
+namespace {
+
+constexpr const char* kFooter =
+    R"(Classes are named SUBSYSTEM_CLASS or by tag id, 0x...; '-' is standard input or output.
+Exit status: 0 done; 1 failed, 4 not well-formed XML, 5 unknown root element, 6 no key for a
+password; 2 wrong usage; 10 difference found. Passwords are encrypted with the key file that
+$ZQXML_KEY_FILE names.
+
+'zqmsg COMMAND --help' has examples.)";
+
+void addCommands(CLI::App& app, Session& session) {
+  app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("zqmsg ") + ZQMSG_VERSION);
+  app.footer(kFooter);
+  app.get_formatter()->column_width(26);
+  addCatalogue(app, session);
+  addDescribe(app, session);
+  addDumpCatalogue(app, session);
+  addConvert(app, session);
+  addInspect(app, session);
+  addDiff(app, session);
+}
+
+std::string chosenCommand(const CLI::App& app) {
+  const std::vector<CLI::App*> chosen = app.get_subcommands();
+  return chosen.empty() ? std::string() : chosen.front()->get_name();
+}
+
+Failure misuse(const CLI::App& app, const CLI::ParseError& error, const std::string& firstWord) {
+  const std::string command = chosenCommand(app);
+  const bool unknown = command.empty() && !firstWord.empty() && !firstWord.starts_with('-');
+  Failure failure(kUsageError, unknown ? firstWord : command,
+                  unknown ? "there is no such command" : error.what());
+  return failure.advise("'zqmsg" + (command.empty() ? "" : " " + command) + " --help' tells more");
+}
+
+// Help and version are answers and go to standard output.
+void answer(const CLI::App& app, const CLI::ParseError& error) {
+  Output output("-");
+  const bool version = dynamic_cast<const CLI::CallForVersion*>(&error) != nullptr;
+  output.write(version ? std::string(error.what()) + "\n" : app.help());
+  output.commit();
+}
+
+ExitStatus parseAndRun(int argc, const char* const* argv, Session& session) {
+  CLI::App app("Looks at the message catalogue, converts and compares messages.", "zqmsg");
+  addCommands(app, session);
+  if (ZQPassword().isConfigured()) registerPlatformPasswordRoutines();
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success))
+      throw misuse(app, error, argc > 1 ? argv[1] : "");
+    answer(app, error);
+  }
+  return session.status;
+}
+
+}  // namespace
+
+CLI::App& addCommand(CLI::App& app, Session& session, const std::string& name, const std::string& summary,
+                     const std::string& examples) {
+  CLI::App& command = *app.add_subcommand(name, summary);
+  command.footer(examples);
+  command.get_formatter()->column_width(26);
+  command.add_flag_callback(
+      "-v,--verbose", [&session] { session.log.showAll(); }, "Show what the library logs, on standard error");
+  return command;
+}
+
+int runProgram(int argc, const char* const* argv) {
+  Session session;
+  const auto fail = [&session](const Failure& failure) {
+    session.console.report(failure);
+    return failure.status();
+  };
+  try {
+    return parseAndRun(argc, argv, session);
+  } catch (const Failure& failure) {
+    return fail(failure);
+  } catch (const std::bad_alloc&) {
+    return fail(Failure(kFailed, "", "there is not enough memory"));
+  } catch (const std::exception& error) {
+    return fail(Failure(kFailed, "", error.what()).explain(session.log.take()));
+  }
+}
+
+}  // namespace zqxml::tool
