@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zqxml {
+
+/// How a program ended and what it wrote.
+struct ProgramRun {
+  int status =
+      -1;  ///< exit status; 128 and the number of the signal when one ended it; -1 when it did not start
+  std::string out;
+  std::string err;
+};
+
+/// How a program is run.
+struct ProgramSetup {
+  std::string input;                     ///< its standard input
+  std::string folder;                    ///< its working folder; the present one when empty
+  std::vector<std::string> environment;  ///< "NAME=value", on top of the present ones; "NAME" takes one away
+  bool closedOutput = false;             ///< standard output is /dev/full: every write fails
+};
+
+/// Runs a program (its path, then its arguments) to its end, or for at most two minutes: then it is killed.
+ProgramRun runProgram(const std::vector<std::string>& command, const ProgramSetup& setup = {});
+
+}  // namespace zqxml
