@@ -22,6 +22,9 @@ class MessageAccess {
   // --- The object
   // -------------------------------------------------------------------------------------------------------
   static const _ClassDef* classDef(const XNMessageBase& message) { return message.classDef_; }
+  /// Another record over the same storage, for tests: it must describe the slots as they are, and the
+  /// object's own record must be back before the object ends.
+  static void setClassDef(XNMessageBase& message, const _ClassDef* classDef) { message.classDef_ = classDef; }
   /// New object; the caller owns it. Without a class when there is no such record.
   static XNMessageBase* create(int subsystem, int classIndex) {
     return new XNMessageBase(subsystem, classIndex);
