@@ -1,0 +1,247 @@
+// EncodingFlags, ZqXMLContextInfo and the start-up of the XML library.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <zqxml/message/xn_message_base.h>
+#include <zqxml/platform/platform_info.h>
+#include <zqxml/xml/encoding_flags.h>
+#include <zqxml/xml/internal/xml_serializer_access.h>
+#include <zqxml/xml/internal/xml_start_up_once.h>
+#include <zqxml/xml/xml_decoder.h>
+#include <zqxml/xml/xml_start_up.h>
+#include <zqxml/xml/zq_xml_context_info.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <type_traits>
+#include <vector>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/RuntimeException.hpp>
+#include <xercesc/util/XMLExceptMsgs.hpp>
+
+#include "tests/support/log_capture.h"
+
+namespace zqxml {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+/// Answers for the configuration and counts the questions about the validation setting.
+class ValidationSetting {
+ public:
+  explicit ValidationSetting(std::optional<std::string> value) {
+    questions = 0;
+    ZQPlatformInfo::setSource([value](std::string_view, std::string_view section, std::string_view key) {
+      if (section != "EventManager" || key != "nDisableXMLValidation") return std::optional<std::string>();
+      ++questions;
+      return value;
+    });
+  }
+  ~ValidationSetting() { ZQPlatformInfo::setSource({}); }
+  ValidationSetting(const ValidationSetting&) = delete;
+  ValidationSetting& operator=(const ValidationSetting&) = delete;
+
+  static inline std::atomic<int> questions = 0;
+};
+
+/// A start-up of the tests' own, over a library that starts or refuses to.
+struct TestStartUp {
+  static inline std::atomic<int> starts = 0;
+  static inline bool refuse = false;
+
+  TestStartUp() {
+    starts = 0;
+    refuse = false;
+    xercesc::XMLPlatformUtils::Initialize();  // what a refusal's exception needs; counted by the library
+  }
+  static void start() {
+    ++starts;
+    if (refuse)
+      throw xercesc::RuntimeException(__FILE__, __LINE__, xercesc::XMLExcepts::Gen_UnexpectedEOF,
+                                      xercesc::XMLPlatformUtils::fgMemoryManager);
+  }
+
+  std::atomic<bool> started = false;
+  XmlStartUp startUp{started, &start};
+};
+
+TEST(CallContext, ParameterOfEmptyOrUnknownNameIsNull) {
+  ZqXMLContextInfo context;
+  int value = 1;
+  context.addParam("", &value);
+  context.addParam("known", &value);
+  EXPECT_EQ(context.getParam(""), nullptr);
+  EXPECT_EQ(context.getParam("unknown"), nullptr);
+  EXPECT_EQ(context.getParam("known"), &value);
+}
+
+TEST(CallContext, TwoErrorsLeaveTwoEntriesAndBothDetails) {
+  ZqXMLContextInfo context;
+  context.setError(7, "first");
+  context.setError(7, "second");
+  EXPECT_THAT(context.getErrorCodes(), ElementsAre(7, 7));
+  EXPECT_EQ(context.getErrorDetails(), "first\nsecond\n");
+}
+
+TEST(CallContext, SecondInitializeNeitherReadsTheSettingNorStartsTheLibraryAgain) {
+  ValidationSetting setting("0");
+  TestStartUp test;
+  EXPECT_EQ(test.startUp.startCodec(), XN_MSG_OK);
+  EXPECT_EQ(test.startUp.startCodec(), XN_MSG_OK);
+  EXPECT_EQ(ValidationSetting::questions, 1);
+  EXPECT_EQ(TestStartUp::starts, 1);
+
+  // The process's own start-up, whichever call came first.
+  ASSERT_EQ(XMLSerializerAccess::initialize(), XN_MSG_OK);
+  const int before = ValidationSetting::questions;
+  EXPECT_EQ(XMLSerializerAccess::initialize(), XN_MSG_OK);
+  EXPECT_EQ(ValidationSetting::questions, before);
+}
+
+TEST(CallContext, FlagsHaveTheirDefaultsAndWidths) {
+  const EncodingFlags flags;
+  EXPECT_TRUE(flags.reserved0);
+  EXPECT_FALSE(flags.useElements);
+  EXPECT_FALSE(flags.readable);
+  EXPECT_EQ(flags.passwordEncType, 0);
+  EXPECT_EQ(flags.reserved1, 0);
+  EXPECT_EQ(flags.reserved2, -1);
+  EXPECT_FALSE(flags.reserved3);
+  EXPECT_FALSE(flags.keepPasswordEncType);
+  EXPECT_TRUE(flags.reserved4);
+  EXPECT_FALSE(flags.enumAsText);
+  EXPECT_EQ(flags.encoding_options, 0u);
+  static_assert(std::is_same_v<decltype(flags.passwordEncType), std::int32_t>);
+  static_assert(std::is_same_v<decltype(flags.reserved1), std::int32_t>);
+  static_assert(std::is_same_v<decltype(flags.reserved2), std::int32_t>);
+  static_assert(std::is_same_v<decltype(flags.encoding_options), std::uint64_t>);
+  static_assert(MASK_PASSWORDS == 1 && MASK_SENSITIVE == 2);
+  static_assert(std::is_trivially_copyable_v<EncodingFlags>);
+}
+
+TEST(CallContext, NewContextIsEmpty) {
+  const ZqXMLContextInfo context;
+  EXPECT_FALSE(context.isErrorSet());
+  EXPECT_THAT(context.getErrorCodes(), IsEmpty());
+  EXPECT_EQ(context.getErrorDetails(), "");
+  EXPECT_FALSE(context.getValidate());
+  EXPECT_EQ(context.getPasswordEncType(), 0);
+  EXPECT_EQ(context.getEncodingFlags().reserved2, -1);
+}
+
+TEST(CallContext, SetErrorRaisesTheFlag) {
+  ZqXMLContextInfo context;
+  context.setError(0, "");
+  EXPECT_TRUE(context.isErrorSet());
+  EXPECT_EQ(context.getErrorDetails(), "\n");
+}
+
+TEST(CallContext, AddParamKeepsTheFirstValueOfAName) {
+  ZqXMLContextInfo context;
+  int first = 1;
+  int second = 2;
+  context.addParam("name", &first);
+  context.addParam("name", &second);
+  EXPECT_EQ(context.getParam("name"), &first);
+}
+
+TEST(CallContext, PasswordTypeAndValidateAreStored) {
+  ZqXMLContextInfo context;
+  context.setPasswordEncType(6);
+  context.setValidate(true);
+  EXPECT_EQ(context.getPasswordEncType(), 6);
+  EXPECT_EQ(context.getEncodingFlags().passwordEncType, 6);
+  EXPECT_TRUE(context.getValidate());
+}
+
+TEST(XmlStartUp, SettingOtherThanZeroDisablesValidationAndIsLogged) {
+  ValidationSetting setting("2");
+  LogCapture log;
+  TestStartUp test;
+  EXPECT_EQ(test.startUp.startCodec(), XN_MSG_OK);
+  EXPECT_TRUE(test.startUp.validationDisabled());
+  EXPECT_THAT(log.lines(),
+              ElementsAre(CapturedLine{
+                  "XMLSerializer::initialize", 0,
+                  "Disabling XML Validation as [EventManager]/[nDisableXMLValidation] is set to [2]"}));
+}
+
+TEST(XmlStartUp, SettingOfZeroOrNoneLeavesValidationAlone) {
+  for (const std::optional<std::string>& value :
+       {std::optional<std::string>("0"), std::optional<std::string>()}) {
+    ValidationSetting setting(value);
+    LogCapture log;
+    TestStartUp test;
+    EXPECT_EQ(test.startUp.startCodec(), XN_MSG_OK);
+    EXPECT_FALSE(test.startUp.validationDisabled());
+    EXPECT_TRUE(log.empty());
+  }
+}
+
+TEST(XmlStartUp, FailureIsALibraryErrorAndTheNextCallTriesAgain) {
+  ValidationSetting setting("1");
+  LogCapture log;
+  TestStartUp test;
+  TestStartUp::refuse = true;
+  EXPECT_EQ(test.startUp.startCodec(), XN_MSG_XML_LIBRARY_ERROR);
+  EXPECT_FALSE(test.started);
+  EXPECT_TRUE(log.hasPart("XMLSerializer::initialize", 0, "Error initializing Xerces library. Error : ["));
+
+  TestStartUp::refuse = false;
+  EXPECT_EQ(test.startUp.startCodec(), XN_MSG_OK);
+  EXPECT_TRUE(test.started);
+  EXPECT_EQ(TestStartUp::starts, 2);
+  EXPECT_EQ(ValidationSetting::questions, 1);
+  EXPECT_TRUE(test.startUp.validationDisabled());
+}
+
+TEST(XmlStartUp, LibraryAloneDoesNotLookAtTheSetting) {
+  ValidationSetting setting("1");
+  LogCapture log;
+  TestStartUp test;
+  EXPECT_TRUE(test.startUp.startLibrary("initialize"));
+  EXPECT_EQ(ValidationSetting::questions, 0);
+  EXPECT_FALSE(test.started);
+
+  // The codec's start-up afterwards reads it and finds the library running.
+  EXPECT_EQ(test.startUp.startCodec(), XN_MSG_OK);
+  EXPECT_EQ(ValidationSetting::questions, 1);
+  EXPECT_EQ(TestStartUp::starts, 1);
+}
+
+TEST(XmlStartUp, FailureOfTheLibraryAloneIsLoggedUnderInitialize) {
+  LogCapture log;
+  TestStartUp test;
+  TestStartUp::refuse = true;
+  EXPECT_FALSE(test.startUp.startLibrary("initialize"));
+  EXPECT_TRUE(log.hasPart("initialize", 0, "Error initializing Xerces library. Error : ["));
+  EXPECT_THAT(log.lines(), SizeIs(1));
+}
+
+TEST(XmlStartUp, ConcurrentCallsStartTheLibraryOnce) {
+  ValidationSetting setting("0");
+  TestStartUp test;
+  std::atomic<int> succeeded = 0;
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 8; ++i)
+    threads.emplace_back([&] { succeeded += test.startUp.startCodec() == XN_MSG_OK ? 1 : 0; });
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(succeeded, 8);
+  EXPECT_EQ(TestStartUp::starts, 1);
+  EXPECT_EQ(ValidationSetting::questions, 1);
+}
+
+TEST(XmlStartUp, EveryDoorStartsTheProcessesLibrary) {
+  EXPECT_EQ(XNMessageBase::Initialize(), XN_MSG_OK);
+  EXPECT_TRUE(XMLSerializer::isXercesInitialized);
+  EXPECT_EQ(XMLSerializationSupport::initialize(), XN_MSG_OK);
+  EXPECT_TRUE(initialize());
+  EXPECT_FALSE(xmlValidationDisabled());
+  EXPECT_EQ(XMLDecoder::initialize(), 0);
+}
+
+}  // namespace
+}  // namespace zqxml
