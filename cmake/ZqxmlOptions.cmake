@@ -30,6 +30,9 @@ if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
       "CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime" "${CCACHE_PROGRAM}")
 endif()
 
+# A time in the precompiled header would keep ccache from ever finding what was compiled with it.
+add_compile_options("$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>")
+
 add_library(zqxml_options INTERFACE)
 target_compile_options(zqxml_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion $<$<BOOL:${ZQXML_WERROR}>:-Werror> -fno-strict-aliasing)

@@ -24,6 +24,7 @@ function(zqxml_add_test name)
   endif()
   add_executable(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE zqxml_test_support)
+  target_precompile_headers(${name} REUSE_FROM zqxml_test_support)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
                        WORKING_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}" PROPERTIES TIMEOUT 300)
 endfunction()
@@ -33,6 +34,9 @@ endfunction()
 # With ZQXML_FUZZ it is a libFuzzer program. In every other build the same sources get a plain main, and one
 # test runs every file of fuzz/corpus/<name>/ through them.
 function(zqxml_add_fuzz name)
+  if(ZQXML_THREAD_TESTS_ONLY)
+    return()
+  endif()
   add_executable(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE zqxml_test_support)
   if(ZQXML_FUZZ)
