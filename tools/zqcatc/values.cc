@@ -14,8 +14,9 @@ std::optional<std::int64_t> parseNumber(std::string_view text) {
   const char* end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, value, hexadecimal ? 16 : 10);
   if (error != std::errc() || stop != end) return std::nullopt;
-  if (value > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) return std::nullopt;
-  return negative ? -static_cast<std::int64_t>(value) : static_cast<std::int64_t>(value);
+  constexpr auto kMax = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+  if (value > (negative ? kMax + 1 : kMax)) return std::nullopt;
+  return static_cast<std::int64_t>(negative ? 0 - value : value);
 }
 
 std::optional<std::int64_t> numberAttribute(const Element& element, std::string_view attribute,
