@@ -1,8 +1,8 @@
 #include <zqxml/annotation/annotation_base.h>
 #include <zqxml/annotation/annotation_record.h>
-#include <zqxml/annotation/annotation_tags.h>
 #include <zqxml/annotation/internal/annotation_sections.h>
 #include <zqxml/catalogue/field_types.h>
+#include <zqxml/catalogue/generated/Annotation.h>
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/catalogue/name_hash.h>
 #include <zqxml/logging/xml_log_context.h>
@@ -76,20 +76,20 @@ Values sectionValues(const AnnotationRecord& record) {
 
 /// In the order in which FillAnnotationIds lists them.
 constexpr AnnotationKind kKinds[] = {
-    {annotation_tag::kPassword, 0, 0xf0, passwordValues},
-    {annotation_tag::kZQTime, 0, 0x08, noValues},
-    {annotation_tag::kSuppress, 0, 0x04, noValues},
-    {annotation_tag::kXDate, 0, 0x03, dateValues},
-    {annotation_tag::kGenPath, 1, 0x80, noValues},
-    {annotation_tag::kHideInReports, 1, 0x40, noValues},
-    {annotation_tag::kSingleInstanced, 1, 0x20, noValues},
-    {annotation_tag::kCommandParam, 1, 0x10, sectionValues<0x10>},
-    {annotation_tag::kText, 1, 0x08, sectionValues<0x08>},
-    {annotation_tag::kSearchCriteriaDef, 1, 0x04, sectionValues<0x04>},
-    {annotation_tag::kStoredProcedure, 1, 0x02, sectionValues<0x02>},
-    {annotation_tag::kIndexAttr, 1, 0x01, indexValues, true},
-    {annotation_tag::kMarkAsCDATA, 2, 0x80, noValues},
-    {annotation_tag::kSensitive, 2, 0x40, noValues},
+    {Annotation::Password::kTagId, 0, 0xf0, passwordValues},
+    {Annotation::ZQTime::kTagId, 0, 0x08, noValues},
+    {Annotation::Suppress::kTagId, 0, 0x04, noValues},
+    {Annotation::XDate::kTagId, 0, 0x03, dateValues},
+    {Annotation::GenPath::kTagId, 1, 0x80, noValues},
+    {Annotation::HideInReports::kTagId, 1, 0x40, noValues},
+    {Annotation::SingleInstanced::kTagId, 1, 0x20, noValues},
+    {Annotation::CommandParam::kTagId, 1, 0x10, sectionValues<0x10>},
+    {Annotation::Text::kTagId, 1, 0x08, sectionValues<0x08>},
+    {Annotation::SearchCriteriaDef::kTagId, 1, 0x04, sectionValues<0x04>},
+    {Annotation::StoredProcedure::kTagId, 1, 0x02, sectionValues<0x02>},
+    {Annotation::IndexAttr::kTagId, 1, 0x01, indexValues, true},
+    {Annotation::MarkAsCDATA::kTagId, 2, 0x80, noValues},
+    {Annotation::Sensitive::kTagId, 2, 0x40, noValues},
 };
 
 bool isPresent(const AnnotationKind& kind, const AnnotationRecord& record) {
