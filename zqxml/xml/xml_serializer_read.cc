@@ -69,10 +69,16 @@ eXNMsgRet XMLSerializer::unserialize(XNMessageBase& msg, const char16_t* xml, bo
 
 XNMessageBase* XMLSerializer::unserialize(const std::string& xml, bool keepExisting) {
   if (refuseEmpty(xml.empty())) return nullptr;
-  MySAX2Handler handler;
-  if (keepExisting) handler.setDefaultsWhileUnserialization();
-  if (parserHelper(&handler, xml) == XN_MSG_OK) return handler.getMainObject();
-  delete handler.getMainObject();
+  XNMessageBase* made = nullptr;
+  {
+    MySAX2Handler handler;
+    if (keepExisting) handler.setDefaultsWhileUnserialization();
+    const eXNMsgRet result = parserHelper(&handler, xml);
+    made = handler.getMainObject();
+    if (result == XN_MSG_OK) return made;
+  }
+  // Not before the handler is gone: it still takes out of the object what was not read to its end.
+  delete made;
   return nullptr;
 }
 
