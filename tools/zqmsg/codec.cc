@@ -3,6 +3,7 @@
 #include <zqxml/binary/binary_buffer.h>
 #include <zqxml/binary/binary_serializer.h>
 #include <zqxml/xml/encoding_flags.h>
+#include <zqxml/xml/internal/parse_error_place.h>
 #include <zqxml/xml/xml_serializer.h>
 
 #include "tools/zqmsg/failure.h"
@@ -32,20 +33,28 @@ std::string withByteOrderMark(const std::string& bytes) {
   return (bytes.starts_with('<') ? "\xff\xfe" : "\xfe\xff") + bytes;
 }
 
-[[noreturn]] void failXml(const std::string& where, LibraryLog& log) {
-  const bool notWellFormed = log.mentions("SAXParseException");
+std::string notWellFormed(const std::string& bytes) {
+  const std::optional<TextPlace> place = placeOfParseError(bytes);
+  if (!place) return "is not well-formed XML";
+  return "is not well-formed XML at line " + std::to_string(place->line) + ", column " +
+         std::to_string(place->column);
+}
+
+Failure xmlFailure(const std::string& bytes, const std::string& where, LibraryLog& log) {
+  const bool parseError = log.mentions("SAXParseException");
   const bool unknownClass = log.mentions("Unable to construct object out of tag");
-  Failure failure(notWellFormed ? kNotWellFormed : kXmlLibraryError, where,
-                  notWellFormed  ? "is not well-formed XML"
+  const std::vector<std::string> explanation = log.take();
+  Failure failure(parseError ? kNotWellFormed : kXmlLibraryError, where,
+                  parseError     ? notWellFormed(bytes)
                   : unknownClass ? "its root element names no class of the catalogue"
                                  : "cannot be read as XML");
   if (unknownClass) failure.advise("a root element is SUBSYSTEM_CLASS; 'zqmsg catalogue' lists them");
-  throw failure.explain(log.take());
+  return failure.explain(explanation);
 }
 
 MessagePtr decodeXml(const std::string& bytes, const std::string& where, LibraryLog& log) {
   MessagePtr message(XMLSerializer().unserialize(bytes, false));
-  if (message == nullptr) failXml(where, log);
+  if (message == nullptr) throw xmlFailure(bytes, where, log);
   return message;
 }
 
