@@ -122,7 +122,8 @@ struct DefaultReader {
   std::string operator()(Scalar<E>) const {
     using Value = typename E::Value;
     // The runtime reads a signed 64-bit number, whatever the field's type.
-    const std::optional<std::int64_t> number = text.starts_with("0x") ? std::nullopt : parseNumber(text);
+    const std::optional<std::int64_t> number =
+        text.find_first_of("xX") == std::string::npos ? parseNumber(text) : std::nullopt;
     const auto high =
         std::min<std::uint64_t>(std::numeric_limits<Value>::max(), std::numeric_limits<std::int64_t>::max());
     const auto low = static_cast<std::int64_t>(std::numeric_limits<Value>::min());
@@ -140,7 +141,9 @@ struct DefaultReader {
     double value = 0;
     const char* end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, value);
-    return error == std::errc() && stop == end && std::isfinite(value) ? "" : "a decimal number";
+    const bool good =
+        error == std::errc() && stop == end && std::isfinite(static_cast<typename E::Value>(value));
+    return good ? "" : "a decimal number";
   }
   template <class E>
   std::string operator()(InPlace<E>) const {
@@ -184,7 +187,8 @@ void checkDefaults(const Catalogue& catalogue, Diagnostics& diagnostics) {
   for (const auto& subsystem : catalogue.subsystems) {
     for (const auto& record : subsystem->classes) {
       for (const Field& field : record->fields)
-        if (field.defaultText.has_value()) checkDefault(*record, field, diagnostics);
+        if (field.defaultText.has_value() && field.type != FDT_NONE)
+          checkDefault(*record, field, diagnostics);
     }
   }
 }

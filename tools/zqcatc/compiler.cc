@@ -56,11 +56,13 @@ Catalogue compileCatalogue(std::span<const SchemaSource> sources, Diagnostics& d
   // What follows would only repeat the consequences of an invalid file.
   if (diagnostics.hasErrors()) return {};
   Catalogue catalogue = buildCatalogue(roots, diagnostics);
-  checkCppNames(catalogue, diagnostics);
-  if (!followReferences(catalogue, diagnostics) || diagnostics.hasErrors()) return catalogue;
-  assignNumbers(catalogue, diagnostics);
   checkNames(catalogue, diagnostics);
+  checkCppNames(catalogue, diagnostics);
   checkDefaults(catalogue, diagnostics);
+  followReferences(catalogue, diagnostics);
+  assignNumbers(catalogue, diagnostics);
+  if (diagnostics.hasErrors()) return catalogue;
+  // These walk from class to class and need every reference.
   checkCycles(catalogue, diagnostics);
   checkPaths(catalogue, diagnostics);
   return catalogue;

@@ -38,12 +38,21 @@ std::string withUnderscores(std::string_view name) {
   return result;
 }
 
-void checkUnique(std::map<std::string, const Position*>& taken, std::string cppName, std::string_view what,
-                 const Position& position, std::string_view instead, Diagnostics& diagnostics) {
-  const auto [entry, isNew] = taken.try_emplace(std::move(cppName), &position);
-  if (isNew) return;
-  diagnostics.error(position, cat(what, " would have the C++ name '", entry->first, "', like the one at ",
-                                  entry->second->file, ":", entry->second->line, "; ", instead));
+/// What already has a C++ name.
+struct Holder {
+  std::string_view name;
+  const Position* position;
+};
+
+/// Equal names are an error of their own and not repeated here.
+void checkUnique(std::map<std::string, Holder>& taken, std::string cppName, std::string_view kind,
+                 const Holder& holder, std::string_view instead, Diagnostics& diagnostics) {
+  const auto [entry, isNew] = taken.try_emplace(std::move(cppName), holder);
+  const Holder& first = entry->second;
+  if (isNew || first.name == holder.name) return;
+  diagnostics.error(*holder.position,
+                    cat(kind, " '", holder.name, "' would have the C++ name '", entry->first, "', like '",
+                        first.name, "' at ", first.position->file, ":", first.position->line, "; ", instead));
 }
 
 }  // namespace
@@ -104,17 +113,19 @@ std::string docComment(std::string_view text, std::string_view indent) {
 
 void checkCppNames(const Catalogue& catalogue, Diagnostics& diagnostics) {
   for (const auto& subsystem : catalogue.subsystems) {
-    std::map<std::string, const Position*> classes;
+    std::map<std::string, Holder> classes;
     for (const auto& record : subsystem->classes) {
-      checkUnique(classes, cppIdentifier(record->name), cat("class '", record->name, "'"), record->position,
-                  "rename one", diagnostics);
-      std::map<std::string, const Position*> members;
+      checkUnique(classes, cppIdentifier(record->name), record->isEnumeration ? "enumeration" : "class",
+                  {record->name, &record->position}, "rename one", diagnostics);
+      std::map<std::string, Holder> members;
       for (const Field& field : record->fields) {
-        if (field.isSelf) continue;
-        const std::string what = cat(record->isEnumeration ? "enumerator '" : "field '", field.name, "'");
-        checkUnique(members, record->isEnumeration ? cppIdentifier(field.name) : accessorStem(field), what,
-                    field.position, record->isEnumeration ? "rename one" : "give one a name with cpp=\"...\"",
-                    diagnostics);
+        const Holder holder{field.name, &field.position};
+        if (record->isEnumeration) {
+          checkUnique(members, cppIdentifier(field.name), "enumerator", holder, "rename one", diagnostics);
+        } else if (!field.isSelf) {
+          checkUnique(members, accessorStem(field), "field", holder, "give one a name with cpp=\"...\"",
+                      diagnostics);
+        }
       }
     }
   }

@@ -182,6 +182,7 @@ void Builder::addField(const Element& element, Class& owner) {
       diagnostics_.error(element.at("label"), cat(where, " has hash 0 and so no label; remove the label"));
     }
   }
+  field.hash = field.hashless ? 0 : nameHash(field.name);
   if (const Attribute* text = element.find("default")) field.defaultText = *text;
   owner.fields.push_back(std::move(field));
 }
@@ -235,6 +236,7 @@ void Builder::addEnumerator(const Element& element, Class& owner) {
 void Builder::addSelf(const Element& element, Class& owner) {
   Field field;
   field.name = owner.name;
+  field.hash = nameHash(owner.name);
   field.position = element.position;
   field.isSelf = true;
   field.annotationElements = annotationsOf(element);

@@ -1,7 +1,5 @@
 #include "resolve.h"
 
-#include <zqxml/catalogue/name_hash.h>
-
 #include "annotation_packer.h"
 #include "values.h"
 
@@ -41,7 +39,6 @@ void placeFields(Class& record, Diagnostics& diagnostics) {
   int position = 0;
   int slot = 0;
   for (Field& field : record.fields) {
-    field.hash = field.hashless ? 0 : nameHash(field.name);
     if (!field.isSelf) {
       field.memNum = static_cast<std::int16_t>(position);
       field.index = static_cast<std::int16_t>(slot);
@@ -58,12 +55,10 @@ void placeFields(Class& record, Diagnostics& diagnostics) {
 
 }  // namespace
 
-bool followReferences(Catalogue& catalogue, Diagnostics& diagnostics) {
-  const std::size_t before = diagnostics.count();
+void followReferences(Catalogue& catalogue, Diagnostics& diagnostics) {
   for (const auto& subsystem : catalogue.subsystems)
     for (const auto& record : subsystem->classes)
       for (Field& field : record->fields) follow(catalogue, *record, field, diagnostics);
-  return diagnostics.count() == before;
 }
 
 void assignNumbers(Catalogue& catalogue, Diagnostics& diagnostics) {
@@ -74,7 +69,7 @@ void assignNumbers(Catalogue& catalogue, Diagnostics& diagnostics) {
       if (!record->isEnumeration) placeFields(*record, diagnostics);
       int run = 0;
       for (Field& field : record->fields) {
-        field.annotation = packer.pack(*record, field);
+        if (field.type != FDT_NONE || field.isSelf) field.annotation = packer.pack(*record, field);
         if (field.defaultText.has_value()) ++run;
       }
       if (run == 0) continue;

@@ -62,10 +62,13 @@ class TreeHandler : public xc::DefaultHandler {
     Element element;
     element.name = utf8(localName);
     element.position = positions_.position(tag);
+    // The parser gives the attributes in the order of the text, without those that declare a namespace.
     const std::vector<TextPositions::AttributeName> names = positions_.attributes(tag);
+    auto next = names.begin();
     for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
       std::string name = utf8(attributes.getQName(i));
-      const std::size_t at = i < names.size() && names[i].name == name ? names[i].offset : tag;
+      while (next != names.end() && next->name != name) ++next;
+      const std::size_t at = next == names.end() ? tag : next->offset;
       element.attributes.push_back({std::move(name), utf8(attributes.getValue(i)), positions_.position(at)});
     }
     open_.push_back(std::move(element));

@@ -1,0 +1,102 @@
+// Text of the typed classes; what they do is tested with the message classes.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "compile_text.h"
+
+namespace zqxml::zqcatc {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+TEST(TypedClassesTest, DocumentationIsCarriedOver) {
+  const std::string header = compile(
+                                 "<class name=\"C\" index=\"0\"><doc>\n  First line.\n\n  Second \\\n</doc>"
+                                 "<field name=\"a\" type=\"int\"><doc>Of a field.</doc></field></class>")
+                                 .output("T.h");
+  EXPECT_THAT(header, HasSubstr("/// First line.\n///\n/// Second\nclass C : public XNMessageBase {"));
+  EXPECT_THAT(header, HasSubstr("  // a: int\n  /// Of a field.\n  std::int32_t getA() const"));
+}
+
+TEST(TypedClassesTest, EnumerationsAreScopedAndWideWhereNeeded) {
+  const std::string header =
+      compile(
+          "<enum name=\"E\" index=\"0\"><doc>Kinds.</doc><value name=\"A\" "
+          "value=\"-1\"><doc>Below.</doc></value></enum>"
+          "<enum name=\"F\" index=\"1\"><value name=\"default\" value=\"0x80000000\"/></enum>")
+          .output("T_enums.h");
+  EXPECT_THAT(header, HasSubstr("/// Kinds.\nenum class E : std::int32_t {\n  /// Below.\n  A = -1,\n};"));
+  EXPECT_THAT(header, HasSubstr("enum class F : std::uint32_t {\n  default_ = 0x80000000,\n};"));
+  EXPECT_THAT(header, AllOf(HasSubstr("#include <cstdint>"), Not(HasSubstr("#include <zqxml"))));
+}
+
+TEST(TypedClassesTest, EveryFieldNameHasACppName) {
+  const std::string header =
+      compileClass(
+          "<field name=\"class\" type=\"int\"/><field name=\"_type_\" type=\"int\"/>"
+          "<field name=\"with-dash\" type=\"int\"/><field name=\"x\" type=\"int\" cpp=\"other\"/>")
+          .output("T.h");
+  EXPECT_THAT(header,
+              AllOf(HasSubstr(" getClass() "), HasSubstr(" get_type_() "), HasSubstr(" getWith_dash() "),
+                    HasSubstr(" getOther() "), HasSubstr("kOther = 3;")));
+}
+
+TEST(TypedClassesTest, FirstFieldOfTheBaseIsLeftToIt) {
+  const std::string header =
+      compile(
+          "<class name=\"P\" index=\"1\"/><class name=\"C\" index=\"0\">"
+          "<field name=\"processinginstructioninfo\" type=\"object\" class=\"P\"/></class>")
+          .output("T.h");
+  EXPECT_THAT(header, AllOf(HasSubstr("kProcessinginstructioninfo = 0;"),
+                            Not(HasSubstr("getProcessinginstructioninfo"))));
+}
+
+TEST(TypedClassesTest, OtherSubsystemsAreOnlyDeclared) {
+  const Compiled compiled =
+      compileFiles({{"T.xml",
+                     "<subsystem name=\"T\" slot=\"202\" records=\"1\"><class name=\"C\" index=\"0\">"
+                     "<field name=\"o\" type=\"object\" class=\"U.D\"/><field name=\"e\" type=\"enum\" "
+                     "class=\"U.E\"/></class></subsystem>"},
+                    {"U.xml",
+                     "<subsystem name=\"U\" slot=\"203\" records=\"2\"><class name=\"D\" index=\"0\">"
+                     "<field name=\"o\" type=\"object\" class=\"T.C\"/></class>"
+                     "<enum name=\"E\" index=\"1\"><value name=\"A\" value=\"1\"/></enum></subsystem>"}});
+  EXPECT_THAT(
+      compiled.output("T.h"),
+      AllOf(HasSubstr("namespace zqxml::U {\nclass D;\n}"),
+            HasSubstr("#include <zqxml/catalogue/generated/U_enums.h>"), Not(HasSubstr("generated/U.h")),
+            HasSubstr("const ::zqxml::U::D* getO() const"), HasSubstr("::zqxml::U::E getE() const")));
+}
+
+TEST(TypedClassesTest, AnnotationClassesHaveTheirOwnBase) {
+  const std::string header =
+      compileFiles({{"T.xml",
+                     "<subsystem name=\"T\" slot=\"202\" records=\"1\" annotations=\"true\">"
+                     "<class name=\"C\" index=\"0\"/></subsystem>"}})
+          .output("T.h");
+  EXPECT_THAT(header, AllOf(HasSubstr("#include <zqxml/annotation/annotation_base.h>"),
+                            HasSubstr("class C : public AnnotationBase {"),
+                            HasSubstr("C() : AnnotationBase(kSubsystem, kClassIndex) {}")));
+}
+
+TEST(TypedClassesTest, PasswordTypeIsTheEnumerationWhereThereIsOne) {
+  EXPECT_THAT(compileClass("<field name=\"p\" type=\"pstring\"/>").output("T.h"),
+              HasSubstr("void setP(std::string_view value, int type = 1) {"));
+  const Compiled compiled =
+      compileFiles({{"A.xml",
+                     "<subsystem name=\"A\" slot=\"27\" records=\"1\" annotations=\"true\"><enum "
+                     "name=\"PasswordEncryptType\" "
+                     "index=\"0\"><value name=\"PLAIN_TEXT\" value=\"1\"/></enum></subsystem>"},
+                    {"T.xml",
+                     "<subsystem name=\"T\" slot=\"202\" records=\"1\"><class name=\"C\" index=\"0\">"
+                     "<field name=\"p\" type=\"pstring\"/></class></subsystem>"}});
+  EXPECT_THAT(compiled.output("T.h"),
+              AllOf(HasSubstr("#include <zqxml/catalogue/generated/A_enums.h>"),
+                    HasSubstr("void setP(std::string_view value, ::zqxml::A::PasswordEncryptType type = "
+                              "::zqxml::A::PasswordEncryptType{1}) {")));
+}
+
+}  // namespace
+}  // namespace zqxml::zqcatc
