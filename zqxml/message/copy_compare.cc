@@ -5,7 +5,9 @@
 #include <zqxml/platform/exception.h>
 
 #include <new>
+#include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace zqxml {
 namespace {
@@ -43,10 +45,7 @@ struct FieldCopier {
     const XNMessageBase* source = MessageAccess::owned<XNMessageBase>(from, field);
     if (source == nullptr) return;
     XNMessageBase*& target = MessageAccess::owned<XNMessageBase>(to, field);
-    if (target != nullptr && MessageAccess::classDef(*target) != MessageAccess::classDef(*source)) {
-      delete target;
-      target = nullptr;
-    }
+    // An object that was built with its owner is assigned, and so refuses one of another class.
     if (target == nullptr)
       target = new XNMessageBase(*source);
     else
@@ -109,6 +108,13 @@ void forEachSetField(const XNMessageBase& source, Handle handle) {
 template <class T>
 bool pointeesEqual(const T* a, const T* b) {
   return a == nullptr || b == nullptr ? a == b : *a == *b;
+}
+
+/// A list of numbers is its own equal even when one of them is no number.
+template <class Number>
+requires std::is_arithmetic_v<Number>
+bool pointeesEqual(const std::vector<Number>* a, const std::vector<Number>* b) {
+  return a == b || (a != nullptr && b != nullptr && *a == *b);
 }
 
 /// Compares the values of a field that is set in both objects.
