@@ -37,6 +37,11 @@ XNMessageBase* MySAX2Handler::getMainObject() {
   return state_->reader.root();
 }
 
+XNMessageBase* MySAX2Handler::finish() {
+  state_->reader.finish();
+  return getMainObject();
+}
+
 void MySAX2Handler::setContextInfo(ZqXMLContextInfo* context) {
   state_->reader.setContextInfo(context);
 }

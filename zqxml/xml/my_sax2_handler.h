@@ -26,7 +26,7 @@ class ZQXML_EXPORT MySAX2Handler : public xercesc::DefaultHandler {
   /// Reads into `object`, which stays the caller's and outlives the handler. Its class is not compared with
   /// the root element: the root's attributes go to the object, whatever its name.
   explicit MySAX2Handler(XNMessageBase* object);
-  /// Ends what hangs nowhere, but never the main object.
+  /// Ends what hangs nowhere, but never the main object, which has to be there unless finish() was called.
   ~MySAX2Handler() override;
   MySAX2Handler(const MySAX2Handler&) = delete;
   MySAX2Handler& operator=(const MySAX2Handler&) = delete;
@@ -36,6 +36,8 @@ class ZQXML_EXPORT MySAX2Handler : public xercesc::DefaultHandler {
 
   /// The object read into, or the one made: that belongs to the caller. Null while there is none.
   XNMessageBase* getMainObject();
+  /// Ends what the parse has left unfinished and gives the main object. No event may follow.
+  XNMessageBase* finish();
   /// For passwords. The context is borrowed, the flags are copied.
   void setContextInfo(ZqXMLContextInfo* context);
   void setEncodingFlags(EncodingFlags& flags);

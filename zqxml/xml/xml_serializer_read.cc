@@ -41,7 +41,7 @@ eXNMsgRet readInto(XNMessageBase& msg, bool keepExisting, Parse parse) {
 /// Ends the object that a handler has made, whatever became of the parse.
 struct MainObjectOwner {
   MySAX2Handler& handler;
-  ~MainObjectOwner() { delete handler.getMainObject(); }
+  ~MainObjectOwner() { delete handler.finish(); }
 };
 
 bool refuseEmpty(bool empty) {
@@ -69,15 +69,11 @@ eXNMsgRet XMLSerializer::unserialize(XNMessageBase& msg, const char16_t* xml, bo
 
 XNMessageBase* XMLSerializer::unserialize(const std::string& xml, bool keepExisting) {
   if (refuseEmpty(xml.empty())) return nullptr;
-  XNMessageBase* made = nullptr;
-  {
-    MySAX2Handler handler;
-    if (keepExisting) handler.setDefaultsWhileUnserialization();
-    const eXNMsgRet result = parserHelper(&handler, xml);
-    made = handler.getMainObject();
-    if (result == XN_MSG_OK) return made;
-  }
-  // Not before the handler is gone: it still takes out of the object what was not read to its end.
+  MySAX2Handler handler;
+  if (keepExisting) handler.setDefaultsWhileUnserialization();
+  const eXNMsgRet result = parserHelper(&handler, xml);
+  XNMessageBase* made = handler.finish();
+  if (result == XN_MSG_OK) return made;
   delete made;
   return nullptr;
 }

@@ -53,6 +53,13 @@ class MessageReader {
   /// The object read into, or the one made, which belongs to the caller; null while there is none.
   XNMessageBase* root() const { return path_.root(); }
 
+  /// Ends what is unfinished, which needs the root to be there: before the destructor, when the root ends
+  /// earlier. No event may follow.
+  void finish() {
+    entries_.clear();
+    path_.finish();
+  }
+
   /// For passwords; the context is borrowed.
   void setEncodingFlags(const EncodingFlags& flags) { values_.flags = flags; }
   void setContextInfo(ZqXMLContextInfo* context) { values_.context = context; }

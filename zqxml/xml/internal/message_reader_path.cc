@@ -12,7 +12,7 @@ using Elements = std::vector<XNMessageBase>;
 
 }  // namespace
 
-ObjectPath::~ObjectPath() {
+void ObjectPath::finish() {
   while (levels_.size() > 1) discard(leave());
 }
 

@@ -24,7 +24,7 @@ class ObjectPath {
  public:
   /// `maxLevels` objects may be open at once, 0 for any number.
   explicit ObjectPath(std::size_t maxLevels) : maxLevels_(maxLevels) {}
-  ~ObjectPath();
+  ~ObjectPath() { finish(); }
   ObjectPath(const ObjectPath&) = delete;
   ObjectPath& operator=(const ObjectPath&) = delete;
 
@@ -41,6 +41,8 @@ class ObjectPath {
   std::uint64_t entry() const { return levels_.back().entry; }
 
   void openRoot(XNMessageBase& root);
+  /// Ends all objects but the root.
+  void finish();
   // The following make or take an object in or for the innermost one, clear its set bits and make it the
   // innermost. False when the catalogue does not give a class. Throw std::length_error when too many objects
   // are open.
