@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <zqxml/message/xn_message_base.h>
-#include <zqxml/platform/platform_info.h>
 #include <zqxml/xml/encoding_flags.h>
 #include <zqxml/xml/internal/xml_serializer_access.h>
 #include <zqxml/xml/internal/xml_start_up_once.h>
@@ -10,9 +9,7 @@
 #include <zqxml/xml/xml_start_up.h>
 #include <zqxml/xml/zq_xml_context_info.h>
 
-#include <optional>
 #include <string>
-#include <string_view>
 #include <thread>
 #include <type_traits>
 #include <vector>
@@ -21,6 +18,7 @@
 #include <xercesc/util/XMLExceptMsgs.hpp>
 
 #include "tests/support/log_capture.h"
+#include "tests/support/settings.h"
 
 namespace zqxml {
 namespace {
@@ -29,22 +27,12 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-/// Answers for the configuration and counts the questions about the validation setting.
-class ValidationSetting {
- public:
-  explicit ValidationSetting(std::optional<std::string> value) {
-    questions = 0;
-    ZQPlatformInfo::setSource([value](std::string_view, std::string_view section, std::string_view key) {
-      if (section != "EventManager" || key != "nDisableXMLValidation") return std::optional<std::string>();
-      ++questions;
-      return value;
-    });
-  }
-  ~ValidationSetting() { ZQPlatformInfo::setSource({}); }
-  ValidationSetting(const ValidationSetting&) = delete;
-  ValidationSetting& operator=(const ValidationSetting&) = delete;
+constexpr const char* kValidation = "EventManager/nDisableXMLValidation";
 
-  static inline std::atomic<int> questions = 0;
+/// The validation setting, with its questions counted.
+class ValidationSetting : public TestSettings {
+ public:
+  explicit ValidationSetting(const char* value) : TestSettings({{kValidation, value}}) { count(kValidation); }
 };
 
 /// A start-up of the tests' own, over a library that starts or refuses to.
@@ -87,18 +75,18 @@ TEST(CallContext, TwoErrorsLeaveTwoEntriesAndBothDetails) {
 }
 
 TEST(CallContext, SecondInitializeNeitherReadsTheSettingNorStartsTheLibraryAgain) {
-  ValidationSetting setting("0");
+  const ValidationSetting setting("0");
   TestStartUp test;
   EXPECT_EQ(test.startUp.startCodec(), XN_MSG_OK);
   EXPECT_EQ(test.startUp.startCodec(), XN_MSG_OK);
-  EXPECT_EQ(ValidationSetting::questions, 1);
+  EXPECT_EQ(setting.lookUps(), 1);
   EXPECT_EQ(TestStartUp::starts, 1);
 
   // The process's own start-up, whichever call came first.
   ASSERT_EQ(XMLSerializerAccess::initialize(), XN_MSG_OK);
-  const int before = ValidationSetting::questions;
+  const int before = setting.lookUps();
   EXPECT_EQ(XMLSerializerAccess::initialize(), XN_MSG_OK);
-  EXPECT_EQ(ValidationSetting::questions, before);
+  EXPECT_EQ(setting.lookUps(), before);
 }
 
 TEST(CallContext, FlagsHaveTheirDefaultsAndWidths) {
@@ -158,7 +146,7 @@ TEST(CallContext, PasswordTypeAndValidateAreStored) {
 }
 
 TEST(XmlStartUp, SettingOtherThanZeroDisablesValidationAndIsLogged) {
-  ValidationSetting setting("2");
+  const ValidationSetting setting("2");
   LogCapture log;
   TestStartUp test;
   EXPECT_EQ(test.startUp.startCodec(), XN_MSG_OK);
@@ -170,19 +158,22 @@ TEST(XmlStartUp, SettingOtherThanZeroDisablesValidationAndIsLogged) {
 }
 
 TEST(XmlStartUp, SettingOfZeroOrNoneLeavesValidationAlone) {
-  for (const std::optional<std::string>& value :
-       {std::optional<std::string>("0"), std::optional<std::string>()}) {
-    ValidationSetting setting(value);
+  {
+    const ValidationSetting zero("0");
     LogCapture log;
     TestStartUp test;
     EXPECT_EQ(test.startUp.startCodec(), XN_MSG_OK);
     EXPECT_FALSE(test.startUp.validationDisabled());
     EXPECT_TRUE(log.empty());
   }
+  const TestSettings none;
+  TestStartUp test;
+  EXPECT_EQ(test.startUp.startCodec(), XN_MSG_OK);
+  EXPECT_FALSE(test.startUp.validationDisabled());
 }
 
 TEST(XmlStartUp, FailureIsALibraryErrorAndTheNextCallTriesAgain) {
-  ValidationSetting setting("1");
+  const ValidationSetting setting("1");
   LogCapture log;
   TestStartUp test;
   TestStartUp::refuse = true;
@@ -194,21 +185,21 @@ TEST(XmlStartUp, FailureIsALibraryErrorAndTheNextCallTriesAgain) {
   EXPECT_EQ(test.startUp.startCodec(), XN_MSG_OK);
   EXPECT_TRUE(test.started);
   EXPECT_EQ(TestStartUp::starts, 2);
-  EXPECT_EQ(ValidationSetting::questions, 1);
+  EXPECT_EQ(setting.lookUps(), 1);
   EXPECT_TRUE(test.startUp.validationDisabled());
 }
 
 TEST(XmlStartUp, LibraryAloneDoesNotLookAtTheSetting) {
-  ValidationSetting setting("1");
+  const ValidationSetting setting("1");
   LogCapture log;
   TestStartUp test;
   EXPECT_TRUE(test.startUp.startLibrary("initialize"));
-  EXPECT_EQ(ValidationSetting::questions, 0);
+  EXPECT_EQ(setting.lookUps(), 0);
   EXPECT_FALSE(test.started);
 
   // The codec's start-up afterwards reads it and finds the library running.
   EXPECT_EQ(test.startUp.startCodec(), XN_MSG_OK);
-  EXPECT_EQ(ValidationSetting::questions, 1);
+  EXPECT_EQ(setting.lookUps(), 1);
   EXPECT_EQ(TestStartUp::starts, 1);
 }
 
@@ -222,7 +213,7 @@ TEST(XmlStartUp, FailureOfTheLibraryAloneIsLoggedUnderInitialize) {
 }
 
 TEST(XmlStartUp, ConcurrentCallsStartTheLibraryOnce) {
-  ValidationSetting setting("0");
+  const ValidationSetting setting("0");
   TestStartUp test;
   std::atomic<int> succeeded = 0;
   std::vector<std::thread> threads;
@@ -231,7 +222,26 @@ TEST(XmlStartUp, ConcurrentCallsStartTheLibraryOnce) {
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(succeeded, 8);
   EXPECT_EQ(TestStartUp::starts, 1);
-  EXPECT_EQ(ValidationSetting::questions, 1);
+  EXPECT_EQ(setting.lookUps(), 1);
+}
+
+TEST(XmlStartUp, FailureReachesEveryDoor) {
+  TestStartUp test;
+  TestStartUp::refuse = true;
+  XmlStartUp::replacement = &test.startUp;
+  LogCapture log;
+  XNMessageBase msg;
+  std::string text = "before";
+  std::u16string wide = u"before";
+  EXPECT_EQ(XNMessageBase::Initialize(), XN_MSG_XML_LIBRARY_ERROR);
+  EXPECT_EQ(XMLSerializationSupport::initialize(), XN_MSG_XML_LIBRARY_ERROR);
+  EXPECT_EQ(msg.serialize(text), XN_MSG_XML_LIBRARY_ERROR);
+  EXPECT_EQ(msg.serializeUTF16(wide), XN_MSG_XML_LIBRARY_ERROR);
+  EXPECT_FALSE(initialize());
+  XmlStartUp::replacement = nullptr;
+  EXPECT_EQ(text, "before");
+  EXPECT_EQ(wide, u"before");
+  EXPECT_THAT(log.lines(), SizeIs(5));
 }
 
 TEST(XmlStartUp, EveryDoorStartsTheProcessesLibrary) {

@@ -27,10 +27,6 @@ namespace {
 
 constexpr int kFormVersion = 2;
 
-xercesc::DOMImplementation* domImplementation() {
-  return xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
-}
-
 /// Owns the document of one call.
 class DocumentHolder {
  public:
@@ -66,7 +62,7 @@ constexpr BodyTexts kUtf16{"XMLSerializer::serializeUTF16", "Error initializing 
 eXNMsgRet buildDocument(XMLSerializer& serializer, XNMessageBase& msg, int version, const BodyTexts& texts,
                         DocumentHolder& document) {
   if (const eXNMsgRet started = XMLSerializerAccess::initialize(); started != XN_MSG_OK) return started;
-  xercesc::DOMImplementation* implementation = domImplementation();
+  xercesc::DOMImplementation* implementation = XMLSerializerAccess::domImplementation();
   if (implementation == nullptr) {
     logError(texts.function, "%s", texts.noImplementation);
     return XN_MSG_FAILED;
@@ -91,7 +87,7 @@ eXNMsgRet buildDocument(XMLSerializer& serializer, XNMessageBase& msg, int versi
 }
 
 DOMWriter* createWriter(bool pretty) {
-  xercesc::DOMImplementation* implementation = domImplementation();
+  xercesc::DOMImplementation* implementation = XMLSerializerAccess::domImplementation();
   if (implementation == nullptr) return nullptr;
   internal::XercesPtr<DOMWriter> writer(implementation->createLSSerializer());
   writer->setNewLine(u"\n");
@@ -106,7 +102,7 @@ std::basic_string<Char> dumpDocument(const char* function, DOMWriter* newWriter,
   const internal::XercesPtr<DOMWriter> writer(newWriter);
   StringFormatTarget<Char> target;
   bool written = false;
-  if (xercesc::DOMImplementation* implementation = domImplementation();
+  if (xercesc::DOMImplementation* implementation = XMLSerializerAccess::domImplementation();
       writer != nullptr && doc != nullptr && implementation != nullptr) {
     const internal::XercesPtr<xercesc::DOMLSOutput> output(implementation->createLSOutput());
     output->setByteStream(&target);
@@ -136,6 +132,9 @@ void guardDump(const char* function, const char* failure, Dump dump) {
 }
 
 }  // namespace
+
+XMLSerializerAccess::DomLookUp XMLSerializerAccess::domImplementation =
+    +[] { return xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS"); };
 
 XMLSerializationSupport* XMLSerializer::getXMLSerializationSupportObject() {
   static XMLSerializationSupport instance;

@@ -7,11 +7,20 @@
 #include <string>
 #include <utility>
 
+XERCES_CPP_NAMESPACE_BEGIN
+class DOMImplementation;
+XERCES_CPP_NAMESPACE_END
+
 namespace zqxml {
 
-/// Forwards, nothing else; XMLSerializer documents each operation.
+/// Forwards; XMLSerializer documents each operation.
 class XMLSerializerAccess {
  public:
+  using DomLookUp = xercesc::DOMImplementation* (*)();
+  /// Finds the library's implementation of "LS", or null. Tests put a failing one in its place while no other
+  /// thread writes.
+  static DomLookUp domImplementation;
+
   static eXNMsgRet initialize() { return XMLSerializer::initialize(); }
   static XMLSerializationSupport* registry() { return XMLSerializer::getXMLSerializationSupportObject(); }
 

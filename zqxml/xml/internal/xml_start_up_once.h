@@ -18,6 +18,8 @@ class XmlStartUp {
   XmlStartUp(std::atomic<bool>& started, LibraryStart start) : started_(started), startLibrary_(start) {}
 
   static XmlStartUp& process();
+  /// Takes the place of the process's own while it is not null: tests make the start fail with it.
+  static std::atomic<XmlStartUp*> replacement;
 
   /// XMLSerializer::initialize. Costs one atomic read once it has succeeded.
   eXNMsgRet startCodec();
