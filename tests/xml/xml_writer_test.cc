@@ -9,7 +9,6 @@
 
 #include <array>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,21 +25,24 @@ using Demo::EveryMode;
 using Demo::EveryType;
 using Demo::Sample;
 using Demo::SampleMode;
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::StartsWith;
 
-constexpr std::string_view kDeclaration = R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)";
+/// The text of a document with this root element.
+std::string document(std::string_view root) {
+  std::string text = R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)";
+  text += root;
+  return text;
+}
 
 TEST(XmlWriter, ObjectWithNothingSetIsAnEmptyRootElement) {
   Sample nothingSet;
   std::string text;
   ASSERT_EQ(nothingSet.serialize(text), XN_MSG_OK);
-  EXPECT_EQ(text, std::string(kDeclaration) + "<Demo_Sample/>");
+  EXPECT_EQ(text, document("<Demo_Sample/>"));
 
   Demo::Empty noFields;
   ASSERT_EQ(noFields.serialize(text), XN_MSG_OK);
-  EXPECT_EQ(text, std::string(kDeclaration) + "<Demo_Empty/>");
+  EXPECT_EQ(text, document("<Demo_Empty/>"));
 }
 
 TEST(XmlWriter, EmptyListWritesNoElement) {
@@ -148,9 +150,9 @@ TEST(XmlForm, OneLineExampleToTheByte) {
   Sample msg = oneLineExample();
   std::string text;
   ASSERT_EQ(msg.serialize(text), XN_MSG_OK);
-  EXPECT_EQ(text, std::string(kDeclaration) +
-                      R"(<Demo_Sample id="7" mode="2" title="a&amp;b"><tags val="x"/><tags val="y"/><sizes>)"
-                      R"(<__mapKey__ val="k"/><__mapValue__ val="3"/></sizes><child n="5"/></Demo_Sample>)");
+  EXPECT_EQ(text,
+            document(R"(<Demo_Sample id="7" mode="2" title="a&amp;b"><tags val="x"/><tags val="y"/><sizes>)"
+                     R"(<__mapKey__ val="k"/><__mapValue__ val="3"/></sizes><child n="5"/></Demo_Sample>)"));
 }
 
 TEST(XmlForm, OneLineExampleWithElements) {
