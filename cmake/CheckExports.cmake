@@ -1,0 +1,16 @@
+# cmake -DNM=<nm> -DLIBRARY=<file> -P CheckExports.cmake: fails when the library exports a name outside its namespace, or
+# none at all.
+execute_process(COMMAND "${NM}" -D -C --defined-only "${LIBRARY}" OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "[^\n]+" lines "${symbols}")
+set(own 0)
+foreach(line IN LISTS lines)
+  if(line MATCHES "^[0-9a-f]+ [A-Za-z] (typeinfo for |typeinfo name for |vtable for |VTT for |.*thunk to )?zqxml::")
+    math(EXPR own "${own} + 1")
+  else()
+    message(SEND_ERROR "exported, but not of this library: ${line}")
+  endif()
+endforeach()
+if(own EQUAL 0)
+  message(FATAL_ERROR "nothing is exported")
+endif()
+message(STATUS "${own} names are exported")
