@@ -223,8 +223,8 @@ bool explainBinary(std::string_view bytes, const std::function<void(const Binary
   }
   const bool known = MessageAccess::classDef(*object) != nullptr;
   const BinaryDecoding decoding{version, nullptr, NestingLimit::get()};
-  BodyReader reader(stream, decoding, narrator);
-  const bool complete = reader.body(*object, bytes.size());
+  BodyReader reader(bytes.size(), decoding, narrator);
+  const bool complete = reader.body(*object, stream, bytes.size());
   if (!complete) narrator.failed(stream.position());
   return complete && known;
 }

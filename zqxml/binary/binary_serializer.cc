@@ -32,6 +32,12 @@ bool prepareBuffer(BinaryBuffer& buffer, std::uint64_t required) {
   return false;
 }
 
+void writeBody(XNMessageBase& object, BinaryStream& stream, BinaryEncoding& encoding) {
+  const ByteWriter sink(stream.buffer(), stream.limit());
+  const std::uint64_t end = BodyWriter(sink, encoding).body(object, stream.position());
+  stream.claim(end - stream.position());
+}
+
 }  // namespace
 
 std::uint64_t BinarySerializer::serialize(XNMessageBase& object, BinaryBuffer& buffer) {
@@ -45,8 +51,7 @@ std::uint64_t BinarySerializer::serialize(XNMessageBase& object, BinaryBuffer& b
 std::uint64_t BinarySerializer::serialize(XNMessageBase& object, BinaryBuffer& buffer, int version,
                                           const BinarySerializerParameters* parameters) {
   BinaryEncoding encoding{version, parameters};
-  ByteCounter counter;
-  const std::uint64_t required = wire::kHeaderSize + BodyWriter(counter, encoding).bodySize(object);
+  const std::uint64_t required = wire::kHeaderSize + BodyWriter(ByteCounter(), encoding).bodySize(object);
   logDebug("BinarySerializer::serialize", 15, "Required buffer size is %d", required);
   if (!prepareBuffer(buffer, required)) return 0;
   // The second pass may yield fewer bytes than the first: the rest shall not tell what the heap held before.
@@ -56,23 +61,20 @@ std::uint64_t BinarySerializer::serialize(XNMessageBase& object, BinaryBuffer& b
   BinaryStream stream(buffer.getBuffer(), buffer.getBufferSize());
   stream.writeFixed32(static_cast<std::uint32_t>(version));  // bit 16, the flag, is the version's own
   stream.writeFixed32(object.getTagID());
-  ByteWriter writer(stream);
-  BodyWriter(writer, encoding).body(object);
+  writeBody(object, stream, encoding);
   return buffer.getDataSize();
 }
 
 unsigned BinarySerializer::calculateReqBinStreamSize(XNMessageBase& object, int version,
                                                      const BinarySerializerParameters* parameters) {
   BinaryEncoding encoding{version, parameters};
-  ByteCounter counter;
-  return static_cast<unsigned>(BodyWriter(counter, encoding).bodySize(object));
+  return static_cast<unsigned>(BodyWriter(ByteCounter(), encoding).bodySize(object));
 }
 
 void BinarySerializer::serializeBinaryRecursive(XNMessageBase& object, BinaryStream& stream, int version,
                                                 const BinarySerializerParameters* parameters) {
   BinaryEncoding encoding{version, parameters};
-  ByteWriter writer(stream);
-  BodyWriter(writer, encoding).body(object);
+  writeBody(object, stream, encoding);
 }
 
 BinaryEncodingType BinarySerializer::getEncodingType(char fieldType) {
@@ -113,7 +115,7 @@ bool BinarySerializer::unserializeBinaryRecur(XNMessageBase& object, BinaryStrea
   // Keeping what an object holds is decided where the reading starts: fields are only ever added.
   const BinaryDecoding decoding{version, context, NestingLimit::get()};
   SilentObserver observer;
-  return BodyReader(stream, decoding, observer).body(object, end);
+  return BodyReader(stream.limit(), decoding, observer).body(object, stream, end);
 }
 
 int BinarySerializer::unserialize(XNMessageBase& object, BinaryBuffer& buffer, ZqXMLContextInfo* context,

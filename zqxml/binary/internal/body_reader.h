@@ -34,39 +34,38 @@ class BodyReader : public WireReader<Observer> {
   using WireReader<Observer>::element;
   using WireReader<Observer>::fail;
   using WireReader<Observer>::fixed32;
-  using WireReader<Observer>::holds;
   using WireReader<Observer>::overrun;
   using WireReader<Observer>::report;
   using WireReader<Observer>::skip;
   using WireReader<Observer>::text;
   using WireReader<Observer>::varint;
 
-  BodyReader(BinaryStream& stream, const BinaryDecoding& decoding, Observer& observer)
-      : WireReader<Observer>(stream, observer),
-        decoding_(decoding),
-        reserve_(kReserveBase + stream.limit() * kReserveFactor) {}
+  /// `size` is that of the whole message.
+  BodyReader(std::uint64_t size, const BinaryDecoding& decoding, Observer& observer)
+      : WireReader<Observer>(observer), decoding_(decoding), reserve_(kReserveBase + size * kReserveFactor) {}
 
   /// Reads records into `message` until fewer than four bytes are left before `end`, and leaves those unread.
   /// False after a reported failure; what was stored before it stays.
-  bool body(XNMessageBase& message, std::uint64_t end) {
-    if (end > stream_.limit()) return overrun();
+  bool body(XNMessageBase& message, BinaryStream& in, std::uint64_t end) {
+    if (end > in.limit()) return overrun(in);
     if (decoding_.maxNesting != 0 && depth_ >= decoding_.maxNesting) {
       return fail("Objects are nested deeper than [%d] levels", decoding_.maxNesting);
     }
     ++depth_;
-    const bool complete = records(message, end);
+    const bool complete = records(message, in, end);
     --depth_;
     return complete;
   }
 
   /// The same for a sub-object, whose body has `size` bytes.
-  bool nested(XNMessageBase& object, std::uint32_t size) { return body(object, stream_.position() + size); }
+  bool nested(XNMessageBase& object, BinaryStream& in, std::uint32_t size) {
+    return body(object, in, in.position() + size);
+  }
 
  private:
   using Base = WireReader<Observer>;
   using Base::noted;
   using Base::observer_;
-  using Base::stream_;
 
   /// A body being read.
   struct Frame {
@@ -81,30 +80,33 @@ class BodyReader : public WireReader<Observer> {
     std::uint32_t collectionCount = 0;
   };
 
-  bool records(XNMessageBase& message, std::uint64_t end) {
+  /// Flat, with what is long kept out: this is where the time goes.
+  [[gnu::flatten]] bool records(XNMessageBase& message, BinaryStream& stream, std::uint64_t end) {
     Frame frame{message, MessageAccess::classDef(message), end};
     observer_.body(frame.classDef);
+    BinaryStream in = stream;  // stays in registers from one call to the next
+    bool complete = true;
     // Unsigned on purpose: what is left of the last record may reach beyond the end.
-    while (stream_.position() < end - 3) {
-      if (!record(frame)) return false;
-    }
-    if (depth_ == 1 && stream_.position() < end) {
-      const std::string_view rest(stream_.buffer() + stream_.position(), end - stream_.position());
-      observer_.part(WirePart::kUnread, stream_.position(), rest.size(), rest);
+    while (complete && in.position() < end - 3) complete = record(frame, in);
+    stream = in;
+    if (!complete) return false;
+    if (depth_ == 1 && in.position() < end) {
+      const std::string_view rest(in.buffer() + in.position(), end - in.position());
+      observer_.part(WirePart::kUnread, in.position(), rest.size(), rest);
     }
     observer_.bodyEnd();
     return true;
   }
 
-  bool record(Frame& frame) {
-    const std::uint64_t position = stream_.position();
+  bool record(Frame& frame, BinaryStream& in) {
+    const std::uint64_t position = in.position();
     std::uint32_t key;
-    if (!stream_.fits(sizeof key)) return overrun();
-    stream_.readFixed32(key);
+    if (!in.fits(sizeof key)) return overrun(in);
+    in.readFixed32(key);
     const FieldDef* field = find(frame, key);
     observer_.record(field);
-    noted(WirePart::kKey, sizeof key, key);
-    if (field == nullptr) return unknown(frame, key);
+    noted(in, WirePart::kKey, sizeof key, key);
+    if (field == nullptr) return unknown(frame, in, key);
     if constexpr (Observer::kTraces) {
       if (traces_) [[unlikely]] {
         logDebug("BinarySerializer::unserializeBinaryRecur", 15,
@@ -113,7 +115,8 @@ class BodyReader : public WireReader<Observer> {
       }
     }
     // QUIRK: the type of the field alone decides; the encoding in the key is not compared with it.
-    return visitStorage(field->getType(), [&](auto storage) { return this->value(frame, *field, storage); });
+    return visitStorage(field->getType(),
+                        [&](auto storage) { return this->value(frame, in, *field, storage); });
   }
 
   /// The field with the key's hash, the search going on from the last match; null when there is none, for
@@ -134,32 +137,32 @@ class BodyReader : public WireReader<Observer> {
     return nullptr;
   }
 
-  bool unknown(Frame& frame, std::uint32_t key) {
-    if (stream_.position() >= frame.end) return true;
+  [[gnu::noinline]] bool unknown(Frame& frame, BinaryStream& in, std::uint32_t key) {
+    if (in.position() >= frame.end) return true;
     std::uint32_t value = 0;
     switch (wire::encodingOfKey(key)) {
       case BinaryEncodingFixed32:
-        return fixed32(WirePart::kUnknownNumber, value);
+        return fixed32(in, WirePart::kUnknownNumber, value);
       case BinaryEncodingFixed64: {
         std::uint64_t wide = 0;
-        return this->template number<element::UInt64>(WirePart::kUnknownNumber, wide);
+        return this->template number<element::UInt64>(in, WirePart::kUnknownNumber, wide);
       }
       case BinaryEncodingVarint:
-        if (wire::hashOfKey(key) == wire::hashOfKey(wire::kCollectionMarker)) return count(frame);
-        return varint(WirePart::kUnknownNumber, value);
+        if (wire::hashOfKey(key) == wire::hashOfKey(wire::kCollectionMarker)) return count(frame, in);
+        return varint(in, WirePart::kUnknownNumber, value);
       case BinaryEncodingSignedVarint: {
         std::int32_t signedValue = 0;
-        return this->template number<element::Int32>(WirePart::kUnknownNumber, signedValue);
+        return this->template number<element::Int32>(in, WirePart::kUnknownNumber, signedValue);
       }
       case BinaryEncodingLengthDelimited:
-        return unknownBytes();
+        return unknownBytes(in);
       default:
         return true;  // nothing: the next four bytes are taken for a key
     }
   }
 
-  bool count(Frame& frame) {
-    if (!varint(WirePart::kCount, frame.collectionCount)) return false;
+  bool count(Frame& frame, BinaryStream& in) {
+    if (!varint(in, WirePart::kCount, frame.collectionCount)) return false;
     if constexpr (Observer::kTraces) {
       if (traces_) [[unlikely]] {
         logDebug("BinarySerializer::unserializeBinaryRecur", 15, "Cached collection(list/map) size is : [%d]",
@@ -169,26 +172,26 @@ class BodyReader : public WireReader<Observer> {
     return true;
   }
 
-  bool unknownBytes() {
+  bool unknownBytes(BinaryStream& in) {
     std::uint32_t length = 0;
-    if (!varint(WirePart::kLength, length)) return false;
-    if (!stream_.fits(length)) {
+    if (!varint(in, WirePart::kLength, length)) return false;
+    if (!in.fits(length)) {
       return fail(
           "Error unserializing in binary mode. Specified string size [%u] > buffer size [%u]. "
           "CurrentPosition : [%u]",
-          length, stream_.limit(), stream_.position());
+          length, in.limit(), in.position());
     }
-    return skip(WirePart::kSkipped, length);
+    return skip(in, WirePart::kSkipped, length);
   }
 
   // --- Values by shape.
 
-  bool value(Frame&, const FieldDef&, Nothing) { return true; }
+  bool value(Frame&, BinaryStream&, const FieldDef&, Nothing) { return true; }
 
   template <class E>
-  bool value(Frame& frame, const FieldDef& field, Scalar<E>) {
+  bool value(Frame& frame, BinaryStream& in, const FieldDef& field, Scalar<E>) {
     typename E::Value content{};
-    if (!this->template number<E>(WirePart::kNumber, content)) return false;
+    if (!this->template number<E>(in, WirePart::kNumber, content)) return false;
     if constexpr (std::same_as<E, element::Float>) {
       MessageAccess::setFloat(frame.message, field, content);
     } else if constexpr (std::same_as<E, element::Double>) {
@@ -199,32 +202,32 @@ class BodyReader : public WireReader<Observer> {
     return true;
   }
 
-  bool value(Frame& frame, const FieldDef& field, InPlace<element::Str>) {
+  bool value(Frame& frame, BinaryStream& in, const FieldDef& field, InPlace<element::Str>) {
     std::string_view bytes;
-    if (!text("string", field, bytes)) return false;
+    if (!text(in, "string", field, bytes)) return false;
     MessageAccess::inPlace<std::string>(frame.message, field).assign(bytes);
     MessageAccess::mark(frame.message, field.getMemNum());
     return true;
   }
 
-  bool value(Frame& frame, const FieldDef& field, InPlace<element::WStr>) {
+  bool value(Frame& frame, BinaryStream& in, const FieldDef& field, InPlace<element::WStr>) {
     std::string_view bytes;
-    if (!text("wstring", field, bytes)) return false;
+    if (!text(in, "wstring", field, bytes)) return false;
     assign(MessageAccess::inPlace<std::u16string>(frame.message, field), bytes);
     MessageAccess::mark(frame.message, field.getMemNum());
     return true;
   }
 
-  bool value(Frame& frame, const FieldDef& field, Owned<element::BStr>) {
+  bool value(Frame& frame, BinaryStream& in, const FieldDef& field, Owned<element::BStr>) {
     std::string_view bytes;
-    if (!text("bstring", field, bytes)) return false;
+    if (!text(in, "bstring", field, bytes)) return false;
     assign(MessageAccess::make<bstring>(frame.message, field, true), wire::upToNul(bytes));
     return true;
   }
 
-  [[gnu::noinline]] bool value(Frame& frame, const FieldDef& field, Owned<element::PStr>) {
+  [[gnu::noinline]] bool value(Frame& frame, BinaryStream& in, const FieldDef& field, Owned<element::PStr>) {
     std::string_view bytes;
-    if (!text("pstring", field, bytes)) return false;
+    if (!text(in, "pstring", field, bytes)) return false;
     if (!field.hasAnnotation()) return fail("No Password annotation found on member : %s", field.getName());
     std::unique_ptr<pstring> password;
     if (AnnotationRecord(field).passwordType() == 0 || !wire::transformsText(decoding_.version)) {
@@ -244,9 +247,9 @@ class BodyReader : public WireReader<Observer> {
     return true;
   }
 
-  [[gnu::noinline]] bool value(Frame& frame, const FieldDef& field, Object) {
+  [[gnu::noinline]] bool value(Frame& frame, BinaryStream& in, const FieldDef& field, Object) {
     std::uint32_t size = 0;
-    if (!varint(WirePart::kSize, size)) return false;
+    if (!varint(in, WirePart::kSize, size)) return false;
     XNMessageBase*& slot = MessageAccess::owned<XNMessageBase>(frame.message, field);
     std::unique_ptr<XNMessageBase> made;
     if (slot == nullptr) made.reset(XNMessageBase::createObjectFromClassID(field.namePointer()));
@@ -257,7 +260,7 @@ class BodyReader : public WireReader<Observer> {
     MessageAccess::wipeBitset(*object);
     // QUIRK: it is the enclosing object that gets the size of this one; its next size pass puts that right.
     frame.message.SetCachedSize(size);
-    if (!nested(*object, size)) return fail("Error unserializing on field [%s]", field.getName());
+    if (!nested(*object, in, size)) return fail("Error unserializing on field [%s]", field.getName());
     if (slot == nullptr) slot = made.release();
     MessageAccess::mark(frame.message, field.getMemNum());
     return true;
@@ -266,17 +269,17 @@ class BodyReader : public WireReader<Observer> {
   // --- Lists. The count stands in the frame; a list starts out empty and grows as its elements arrive.
 
   template <element::Number E>
-  [[gnu::noinline]] bool value(Frame& frame, const FieldDef& field, List<E>) {
+  [[gnu::noinline]] bool value(Frame& frame, BinaryStream& in, const FieldDef& field, List<E>) {
     std::uint32_t unused = 0;
-    if (!varint(WirePart::kByteCount, unused)) return false;
+    if (!varint(in, WirePart::kByteCount, unused)) return false;
     auto& values = MessageAccess::make<typename List<E>::Value>(frame.message, field, true);
     values.clear();
     const std::uint64_t count = frame.collectionCount;
-    if (!holds(count * wire::kLeastSize<E>)) return overrun();
+    if (!in.fits(count * wire::kLeastSize<E>)) return overrun(in);
     values.resize(count);
     for (std::uint32_t i = 0; i < count; ++i) {
       element(i, "");
-      if (!this->template number<E>(WirePart::kNumber, values[i])) {
+      if (!this->template number<E>(in, WirePart::kNumber, values[i])) {
         values.resize(i);
         return false;
       }
@@ -285,34 +288,34 @@ class BodyReader : public WireReader<Observer> {
   }
 
   template <class E>
-  [[gnu::noinline]] bool value(Frame& frame, const FieldDef& field, List<E>) {
+  [[gnu::noinline]] bool value(Frame& frame, BinaryStream& in, const FieldDef& field, List<E>) {
     auto& values = MessageAccess::make<typename List<E>::Value>(frame.message, field, true);
     values.clear();
-    if (!holdsElements(frame.collectionCount)) return overrun();
+    if (!holdsElements(in, frame.collectionCount)) return overrun(in);
     values.reserve(frame.collectionCount);
     for (std::uint32_t i = 0; i < frame.collectionCount; ++i) {
       std::string_view bytes;
-      if (!repeatedKey(i) || !text(listKind<E>(), field, bytes)) return false;
+      if (!repeatedKey(in, i) || !text(in, listKind<E>(), field, bytes)) return false;
       assign(values.emplace_back(), wire::upToNul(bytes));
     }
     return true;
   }
 
-  [[gnu::noinline]] bool value(Frame& frame, const FieldDef& field, List<element::Obj>) {
+  [[gnu::noinline]] bool value(Frame& frame, BinaryStream& in, const FieldDef& field, List<element::Obj>) {
     auto& values = MessageAccess::make<std::vector<XNMessageBase>>(frame.message, field, true);
     values.clear();
     const ClassRef ref = ClassRef::read(field.namePointer());
     if (ref.subsystem == 0) return fail("Error unserializing on field [%s]", field.getName());
-    if (!holdsElements(frame.collectionCount)) return overrun();
+    if (!holdsElements(in, frame.collectionCount)) return overrun(in);
     reserve(values, frame.collectionCount);
     for (std::uint32_t i = 0; i < frame.collectionCount; ++i) {
       std::uint32_t size = 0;
-      if (!repeatedKey(i) || !varint(WirePart::kSize, size)) return false;
+      if (!repeatedKey(in, i) || !varint(in, WirePart::kSize, size)) return false;
       // QUIRK: unlike a single sub-object an element keeps the set bits that its construction gave it.
       XNMessageBase& message = values.emplace_back();
       MessageAccess::initialize(message, ref);
       message.SetCachedSize(size);
-      if (!nested(message, size)) {
+      if (!nested(message, in, size)) {
         values.pop_back();
         return fail("Error unserializing on field [%s]", field.getName());
       }
@@ -328,14 +331,14 @@ class BodyReader : public WireReader<Observer> {
   }
 
   /// Elements other than numbers have a length or a size of a byte at least, and all but the first a key.
-  bool holdsElements(std::uint64_t count) const {
-    return count == 0 || holds(count * (wire::kKeySize + 1) - wire::kKeySize);
+  static bool holdsElements(const BinaryStream& in, std::uint64_t count) {
+    return count == 0 || in.fits(count * (wire::kKeySize + 1) - wire::kKeySize);
   }
 
-  bool repeatedKey(std::uint32_t i) {
+  bool repeatedKey(BinaryStream& in, std::uint32_t i) {
     element(i, "");
     std::uint32_t unused = 0;
-    return i == 0 || fixed32(WirePart::kRepeatedKey, unused);
+    return i == 0 || fixed32(in, WirePart::kRepeatedKey, unused);
   }
 
   /// Room for all elements at once while the call's allowance lasts. Lists nest, and each level may claim as
@@ -349,8 +352,8 @@ class BodyReader : public WireReader<Observer> {
   }
 
   template <class K, class V>
-  [[gnu::noinline]] bool value(Frame& frame, const FieldDef& field, Map<K, V> storage) {
-    return MapReader<BodyReader>(*this, field)
+  [[gnu::noinline]] bool value(Frame& frame, BinaryStream& in, const FieldDef& field, Map<K, V> storage) {
+    return MapReader<BodyReader>(*this, in, field)
         .read(
             storage, frame.collectionCount, [&]() -> auto& {
               return MessageAccess::make<typename Map<K, V>::Value>(frame.message, field, true);

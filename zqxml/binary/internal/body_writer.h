@@ -28,211 +28,207 @@ struct BinaryEncoding {
   bool usesPasswordRoutines = false;
 };
 
-/// One writer serves one pass over one object. Bodies nest by recursion.
+/// One writer serves one pass over one object. Bodies nest by recursion. As in the sink, each operation
+/// returns the position behind what it wrote.
 template <class Sink>
 class BodyWriter {
  public:
-  BodyWriter(Sink& sink, BinaryEncoding& encoding) : sink_(sink), encoding_(encoding) {}
+  using Position = typename Sink::Position;
 
-  /// The set fields of `message`, in declared order.
-  void body(XNMessageBase& message) {
+  BodyWriter(const Sink& sink, BinaryEncoding& encoding) : sink_(sink), encoding_(encoding) {}
+
+  /// The set fields of `message`, in declared order. Flat, with what is long kept out: this is where the time
+  /// goes.
+  [[gnu::flatten]] Position body(XNMessageBase& message, Position at) {
     const _ClassDef* classDef = MessageAccess::classDef(message);
-    if (classDef == nullptr || classDef->getFields() == nullptr) return;
+    if (classDef == nullptr || classDef->getFields() == nullptr) return at;
     const int count = classDef->getNumberOfFields();
     const unsigned char* bits = MessageAccess::buffer(message).getIsSet();
     for (int first = 0; first < count; first += 8) {
       for (unsigned set = *bits++; set != 0; set &= set - 1) {
         const int position = first + std::countr_zero(set);
-        if (position >= count) return;
-        record(message, *classDef, classDef->getFields()[position]);
+        if (position >= count) return at;
+        at = record(message, *classDef, classDef->getFields()[position], at);
       }
     }
+    return at;
   }
 
   /// Size of the body of `message`: counted, and stored in the object, in the first pass; the stored one in
   /// the second.
   std::uint64_t bodySize(XNMessageBase& message) {
     if constexpr (Sink::kCounts) {
-      ByteCounter counter;
-      BodyWriter<ByteCounter>(counter, encoding_).body(message);
-      message.SetCachedSize(static_cast<std::uint32_t>(counter.size()));
-      return counter.size();
+      const std::uint64_t size = body(message, 0);
+      message.SetCachedSize(static_cast<std::uint32_t>(size));
+      return size;
     } else {
       return message.GetCachedSize();
     }
   }
 
  private:
-  void record(XNMessageBase& message, const _ClassDef& classDef, const FieldDef& field) {
+  Position record(XNMessageBase& message, const _ClassDef& classDef, const FieldDef& field, Position at) {
     const FieldDataType type = field.getType();
-    if (type == FDT_NONE) return;  // the self record of a class: no field
+    if (type == FDT_NONE) return at;  // the self record of a class: no field
     if constexpr (!Sink::kCounts) {
-      if (traces_) [[unlikely]] {
-        logDebug("BinarySerializer::serializeBinaryRecursive", 15,
-                 "Writing field [%s]:[%s] at buffer position : [%d]", classDef.getName(), field.getName(),
-                 sink_.position());
-      }
+      if (traces_) [[unlikely]]
+        trace(classDef, field, at);
     }
     // QUIRK: an FDT_ULONGLONG counts as a collection, so its value stands behind the marker without a key,
     // and an FDT_LIST_ULONGLONG does not, so its key stands in the marker's place. Readers cannot read either
     // back.
-    sink_.fixed32(wire::firstWordOf(field));
-    visitStorage(type, [&](auto storage) { value(message, field, storage); });
+    at = sink_.fixed32(at, wire::firstWordOf(field));
+    return visitStorage(type, [&](auto storage) { return value(message, field, storage, at); });
+  }
+
+  [[gnu::noinline, gnu::cold]] static void trace(const _ClassDef& classDef, const FieldDef& field,
+                                                 Position at) {
+    logDebug("BinarySerializer::serializeBinaryRecursive", 15,
+             "Writing field [%s]:[%s] at buffer position : [%d]", classDef.getName(), field.getName(), at);
   }
 
   /// No value form: the key stands alone.
-  void value(XNMessageBase&, const FieldDef&, Nothing) {}
+  Position value(XNMessageBase&, const FieldDef&, Nothing, Position at) { return at; }
 
   template <class E>
-  void value(XNMessageBase& message, const FieldDef& field, Scalar<E>) {
+  Position value(XNMessageBase& message, const FieldDef& field, Scalar<E>, Position at) {
     if constexpr (wire::kCoding<E> == wire::NumberCoding::kZigzag) {
-      sink_.varint(BinaryStream::zigzag(MessageAccess::scalar<std::int32_t>(message, field)));
+      return sink_.varint(at, BinaryStream::zigzag(MessageAccess::scalar<std::int32_t>(message, field)));
     } else if constexpr (wire::kCoding<E> == wire::NumberCoding::kVarint) {
-      sink_.varint(MessageAccess::scalar<std::uint32_t>(message, field));
+      return sink_.varint(at, MessageAccess::scalar<std::uint32_t>(message, field));
     } else if constexpr (wire::kCoding<E> == wire::NumberCoding::kFixed64) {
-      sink_.fixed64(MessageAccess::scalar<std::uint64_t>(message, field));
+      return sink_.fixed64(at, MessageAccess::scalar<std::uint64_t>(message, field));
     } else {
-      sink_.fixed32(MessageAccess::scalar<std::uint32_t>(message, field));
+      return sink_.fixed32(at, MessageAccess::scalar<std::uint32_t>(message, field));
     }
   }
 
   template <class E>
-  void value(XNMessageBase& message, const FieldDef& field, InPlace<E>) {
-    text<E>(MessageAccess::inPlace<typename E::Value>(message, field));
+  Position value(XNMessageBase& message, const FieldDef& field, InPlace<E>, Position at) {
+    return text(MessageAccess::inPlace<typename E::Value>(message, field), at);
   }
 
-  void value(XNMessageBase& message, const FieldDef& field, Owned<element::BStr>) {
+  [[gnu::noinline]] Position value(XNMessageBase& message, const FieldDef& field, Owned<element::BStr>,
+                                   Position at) {
+    static const bstring kNone;
     const bstring* bytes = MessageAccess::owned<bstring>(message, field);
-    text<element::BStr>(bytes == nullptr ? std::string_view() : std::string_view(bytes->str()));
+    return text(bytes == nullptr ? kNone : *bytes, at);
   }
 
-  void value(XNMessageBase& message, const FieldDef& field, Owned<element::PStr>) {
+  [[gnu::noinline]] Position value(XNMessageBase& message, const FieldDef& field, Owned<element::PStr>,
+                                   Position at) {
     if (!field.hasAnnotation()) {
       logError(Sink::kFunction, "No Password annotation found on member : %s", field.getName());
-      return;
+      return at;
     }
     const pstring* password = MessageAccess::owned<pstring>(message, field);
     const int type = AnnotationRecord(field).passwordType();
     if (!wire::transformsText(encoding_.version) || type == 0) {
-      prefixed(password == nullptr ? std::string_view() : wire::upToNul(password->str()));
-      return;
+      return prefixed(password == nullptr ? std::string_view() : wire::upToNul(password->str()), at);
     }
     std::string encrypted;
     if (encrypt(type, password == nullptr ? pstring() : *password, encrypted) == XN_MSG_NO_PASSWORD_HANDLER) {
       logError(Sink::kFunction, "Password Handler Not Found while serializing pstring field [%s]",
                field.getName());
     }
-    prefixed(encrypted);
+    return prefixed(encrypted, at);
   }
 
-  void value(XNMessageBase& message, const FieldDef& field, Object) {
+  [[gnu::noinline]] Position value(XNMessageBase& message, const FieldDef& field, Object, Position at) {
     XNMessageBase* object = MessageAccess::owned<XNMessageBase>(message, field);
-    if (object == nullptr) {
-      sink_.varint(0);
-    } else {
-      nested(*object);
-    }
+    return object == nullptr ? sink_.varint(at, 0) : nested(*object, at);
   }
 
   /// Numbers are packed: one key and the byte count, then the elements.
   template <element::Number E>
-  void value(XNMessageBase& message, const FieldDef& field, List<E>) {
+  [[gnu::noinline]] Position value(XNMessageBase& message, const FieldDef& field, List<E>, Position at) {
     using Values = typename List<E>::Value;
     static const Values kNone;
     const Values* present = MessageAccess::owned<Values>(message, field);
     const Values& values = present == nullptr ? kNone : *present;
     const std::uint64_t size = packedSize<E>(values);
-    sink_.varint(static_cast<std::uint32_t>(values.size()));
-    sink_.fixed32(wire::keyOf(field));
-    sink_.varint(static_cast<std::uint32_t>(size));
-    sink_.group(size, [&] { sink_.template numbers<E>(values); });
+    at = sink_.varint(at, static_cast<std::uint32_t>(values.size()));
+    at = sink_.fixed32(at, wire::keyOf(field));
+    at = sink_.varint(at, static_cast<std::uint32_t>(size));
+    return sink_.template numbers<E>(at, size, values);
   }
 
   /// Everything else repeats the key before each element. QUIRK: so an empty list has no key at all, and its
   /// reader cannot know that the field was set.
   template <class E>
-  void value(XNMessageBase& message, const FieldDef& field, List<E>) {
+  [[gnu::noinline]] Position value(XNMessageBase& message, const FieldDef& field, List<E>, Position at) {
     auto* values = MessageAccess::owned<typename List<E>::Value>(message, field);
-    sink_.varint(values == nullptr ? 0 : static_cast<std::uint32_t>(values->size()));
-    if (values == nullptr) return;
+    if (values == nullptr) return sink_.varint(at, 0);
+    at = sink_.varint(at, static_cast<std::uint32_t>(values->size()));
     for (auto& element : *values) {
-      sink_.fixed32(wire::keyOf(field));
+      at = sink_.fixed32(at, wire::keyOf(field));
       if constexpr (std::same_as<E, element::Obj>) {
-        nested(element);
+        at = nested(element, at);
       } else {
-        text<E>(view(element));
+        at = text(element, at);
       }
     }
+    return at;
   }
 
   template <class K, class V>
-  void value(XNMessageBase& message, const FieldDef& field, Map<K, V>) {
-    auto* pairs = MessageAccess::owned<typename Map<K, V>::Value>(message, field);
+  [[gnu::noinline]] Position value(XNMessageBase& message, const FieldDef& field, Map<K, V>, Position at) {
+    static const typename Map<K, V>::Value kNone;
+    const auto* present = MessageAccess::owned<typename Map<K, V>::Value>(message, field);
+    const auto& pairs = present == nullptr ? kNone : *present;
     std::uint64_t payload = 0;
-    if (pairs != nullptr) {
-      for (auto& [key, mapped] : *pairs) payload += sideSize(key) + sideSize(mapped);
-    }
-    sink_.varint(pairs == nullptr ? 0 : static_cast<std::uint32_t>(pairs->size()));
-    sink_.fixed32(wire::keyOf(field));
+    for (const auto& [key, mapped] : pairs) payload += sideSize(key) + sideSize(mapped);
+    at = sink_.varint(at, static_cast<std::uint32_t>(pairs.size()));
+    at = sink_.fixed32(at, wire::keyOf(field));
     // The body size counts the two encodings, a byte each, and the pairs.
-    sink_.varint(static_cast<std::uint32_t>(payload + 2));
-    sink_.varint(wire::kSideEncoding<K>);
-    sink_.varint(wire::kSideEncoding<V>);
-    if (pairs == nullptr) return;
-    sink_.group(payload, [&] {
-      for (auto& [key, mapped] : *pairs) {
-        side(key);
-        side(mapped);
-      }
+    at = sink_.varint(at, static_cast<std::uint32_t>(payload + 2));
+    at = sink_.varint(at, wire::kSideEncoding<K>);
+    at = sink_.varint(at, wire::kSideEncoding<V>);
+    return sink_.group(at, payload, [&](Position next) {
+      for (const auto& [key, mapped] : pairs) next = side(mapped, side(key, next));
+      return next;
     });
   }
 
+  // A cached size is no part of a message's value, so the objects of a constant map take it too.
+  static XNMessageBase& cacheable(const XNMessageBase& object) { return const_cast<XNMessageBase&>(object); }
+
   static std::uint64_t sideSize(std::int64_t) { return 8; }
   static std::uint64_t sideSize(const std::string& text) { return prefixedSize(wire::upToNul(text).size()); }
-  /// A map's key is constant, but the cached size is no part of its value.
-  std::uint64_t sideSize(const XNMessageBase& object) {
-    return prefixedSize(bodySize(const_cast<XNMessageBase&>(object)));
-  }
+  std::uint64_t sideSize(const XNMessageBase& object) { return prefixedSize(bodySize(cacheable(object))); }
   static std::uint64_t prefixedSize(std::uint64_t size) {
     return BinaryStream::varint32Size(static_cast<std::uint32_t>(size)) + size;
   }
 
-  void side(std::int64_t value) { sink_.fixed64(static_cast<std::uint64_t>(value)); }
-  void side(const std::string& value) { prefixed(wire::upToNul(value)); }
-  void side(const XNMessageBase& object) { nested(const_cast<XNMessageBase&>(object)); }
+  Position side(std::int64_t number, Position at) {
+    return sink_.fixed64(at, static_cast<std::uint64_t>(number));
+  }
+  Position side(const std::string& value, Position at) { return text(value, at); }
+  Position side(const XNMessageBase& object, Position at) { return nested(cacheable(object), at); }
 
-  void nested(XNMessageBase& object) {
+  Position nested(XNMessageBase& object, Position at) {
     const std::uint64_t size = bodySize(object);
-    sink_.varint(static_cast<std::uint32_t>(size));
-    sink_.group(size, [&] { body(object); });
+    at = sink_.varint(at, static_cast<std::uint32_t>(size));
+    return sink_.group(at, size, [&](Position first) { return body(object, first); });
   }
 
-  void prefixed(std::string_view bytes) {
-    sink_.varint(static_cast<std::uint32_t>(bytes.size()));
-    sink_.bytes(bytes);
+  Position prefixed(std::string_view bytes, Position at) {
+    return sink_.bytes(sink_.varint(at, static_cast<std::uint32_t>(bytes.size())), bytes);
   }
 
-  static std::string_view view(const std::string& value) { return value; }
-  static std::u16string_view view(const std::u16string& value) { return value; }
-  static std::string_view view(const bstring& value) { return value.str(); }
+  // One text with its length.
 
-  /// One text with its length: narrow text up to its first NUL, wide text as UTF-8, bytes by the version's
-  /// rule.
-  template <class E>
-  void text(std::conditional_t<std::same_as<E, element::WStr>, std::u16string_view, std::string_view> value) {
-    if constexpr (std::same_as<E, element::Str>) {
-      prefixed(wire::upToNul(value));
-    } else if constexpr (std::same_as<E, element::WStr>) {
-      const std::size_t size = utf8Length(value);
-      sink_.varint(static_cast<std::uint32_t>(size));
-      sink_.produce(size, [value](char* to) { writeUtf8(value, to); });
-    } else if (!wire::transformsText(encoding_.version)) {
-      prefixed(value);
-    } else {
-      const std::size_t size = UlBase64::encodedLength(value.size());
-      sink_.varint(static_cast<std::uint32_t>(size));
-      sink_.produce(size, [value](char* to) { UlBase64::EncodeTo(value, to); });
-    }
+  Position text(const std::string& value, Position at) { return prefixed(wire::upToNul(value), at); }
+  [[gnu::noinline]] Position text(const std::u16string& value, Position at) {
+    const std::size_t size = utf8Length(value);
+    at = sink_.varint(at, static_cast<std::uint32_t>(size));
+    return sink_.produce(at, size, [&value](char* to) { writeUtf8(value, to); });
+  }
+  [[gnu::noinline]] Position text(const bstring& value, Position at) {
+    if (!wire::transformsText(encoding_.version)) return prefixed(value.str(), at);
+    const std::size_t size = UlBase64::encodedLength(value.size());
+    at = sink_.varint(at, static_cast<std::uint32_t>(size));
+    return sink_.produce(at, size, [&value](char* to) { UlBase64::EncodeTo(value.str(), to); });
   }
 
   /// Runs in both passes: what the application's routine yields cannot be computed, and is not kept.
@@ -247,7 +243,7 @@ class BodyWriter {
     return XMLDecoder(parameters->contextInfo).encryptPassword(type, password, out);
   }
 
-  Sink& sink_;
+  const Sink sink_;
   BinaryEncoding& encoding_;
   const bool traces_ = debugEnabled(15);
 };

@@ -1,12 +1,15 @@
 // The two sinks of BodyWriter: one counts the bytes of a body, the other one writes them.
 //
-// Both have the same operations, so that one body of code serves both passes and they cannot drift:
+// Both have the same operations, so that one body of code serves both passes and they cannot drift. Each
+// takes the position that it starts at and returns the one behind it: handed on by value, it stays in a
+// register.
 //
 //   fixed32, fixed64, varint   one value
 //   bytes                      a byte run that exists
-//   produce(size, make)        a byte run of known size that make(char*) writes in place; counting does not
-//   call it group(size, write)         values of known size that write() hands to the sink; counting does not
-//   call it
+//   produce(at, size, make)    a byte run of known size that make(char*) writes in place; counting does not
+//   call it group(at, size, nested)    values of known size that nested(at) hands to the sink; counting does
+//   not call it numbers<E>                 the elements of a packed list, whose size the caller knows: only
+//   in a group
 #pragma once
 
 #include <zqxml/binary/binary_stream.h>
@@ -18,6 +21,93 @@
 #include <vector>
 
 namespace zqxml {
+
+/// First pass: sizes only.
+class ByteCounter {
+ public:
+  static constexpr bool kCounts = true;
+  static constexpr const char* kFunction = "BinarySerializer::calculateReqBinStreamSize";
+  using Position = std::uint64_t;
+
+  static Position fixed32(Position at, std::uint32_t) { return at + 4; }
+  static Position fixed64(Position at, std::uint64_t) { return at + 8; }
+  static Position varint(Position at, std::uint32_t value) { return at + BinaryStream::varint32Size(value); }
+  static Position bytes(Position at, std::string_view run) { return at + run.size(); }
+  template <class Make>
+  static Position produce(Position at, std::uint64_t size, Make&&) {
+    return at + size;
+  }
+  template <class Nested>
+  static Position group(Position at, std::uint64_t size, Nested&&) {
+    return at + size;
+  }
+  template <element::Number E>
+  static Position numbers(Position at, std::uint64_t size, const std::vector<typename E::Value>&) {
+    return at + size;
+  }
+};
+
+/// Second pass: into a byte range. What does not fit is not stored, as BinaryStream has it, and counts all
+/// the same.
+class ByteWriter {
+ public:
+  static constexpr bool kCounts = false;
+  static constexpr const char* kFunction = "BinarySerializer::serializeBinaryRecursive";
+  using Position = std::uint64_t;
+
+  ByteWriter(char* buffer, std::uint64_t limit) : buffer_(buffer), limit_(limit) {}
+
+  Position fixed32(Position at, std::uint32_t value) const {
+    return write(at, [value](BinaryStream& stream) { stream.writeFixed32(value); });
+  }
+  Position fixed64(Position at, std::uint64_t value) const {
+    return write(at, [value](BinaryStream& stream) { stream.writeFixed64(value); });
+  }
+  Position varint(Position at, std::uint32_t value) const {
+    return write(at, [value](BinaryStream& stream) { stream.writeVarint32(value); });
+  }
+  Position bytes(Position at, std::string_view run) const {
+    return write(at, [run](BinaryStream& stream) { stream.writeBytes(run.data(), run.size()); });
+  }
+  template <class Make>
+  Position produce(Position at, std::uint64_t size, Make&& make) const {
+    return write(at, [size, &make](BinaryStream& stream) {
+      if (char* place = stream.claim(size); place != nullptr) make(place);
+    });
+  }
+  template <class Nested>
+  static Position group(Position at, std::uint64_t, Nested&& nested) {
+    return nested(at);
+  }
+  template <element::Number E>
+  Position numbers(Position at, std::uint64_t, const std::vector<typename E::Value>& values) const {
+    return write(at, [&values](BinaryStream& stream) {
+      for (const auto value : values) {
+        if constexpr (wire::kCoding<E> == wire::NumberCoding::kZigzag) {
+          stream.writeSignedVarint32(value);
+        } else if constexpr (wire::kCoding<E> == wire::NumberCoding::kVarint) {
+          stream.writeVarint32(value);
+        } else if constexpr (wire::kCoding<E> == wire::NumberCoding::kFixed64) {
+          stream.writeFixed64(std::bit_cast<std::uint64_t>(value));
+        } else {
+          stream.writeFixed32(std::bit_cast<std::uint32_t>(value));
+        }
+      }
+    });
+  }
+
+ private:
+  /// The stream lives in registers for the length of `values`.
+  template <class Values>
+  Position write(Position at, Values&& values) const {
+    BinaryStream stream(buffer_, limit_, at);
+    values(stream);
+    return stream.position();
+  }
+
+  char* const buffer_;
+  const std::uint64_t limit_;
+};
 
 /// Bytes of a packed list's elements.
 template <element::Number E>
@@ -36,75 +126,5 @@ std::uint64_t packedSize(const std::vector<typename E::Value>& values) {
     return size;
   }
 }
-
-/// First pass: sizes only.
-class ByteCounter {
- public:
-  static constexpr bool kCounts = true;
-  static constexpr const char* kFunction = "BinarySerializer::calculateReqBinStreamSize";
-
-  std::uint64_t size() const { return size_; }
-
-  void fixed32(std::uint32_t) { size_ += 4; }
-  void fixed64(std::uint64_t) { size_ += 8; }
-  void varint(std::uint32_t value) { size_ += BinaryStream::varint32Size(value); }
-  void bytes(std::string_view run) { size_ += run.size(); }
-  template <class Make>
-  void produce(std::size_t size, Make&&) {
-    size_ += size;
-  }
-  template <class Write>
-  void group(std::uint64_t size, Write&&) {
-    size_ += size;
-  }
-  template <element::Number E>
-  void numbers(const std::vector<typename E::Value>&) {}
-
- private:
-  std::uint64_t size_ = 0;
-};
-
-/// Second pass: into a stream.
-class ByteWriter {
- public:
-  static constexpr bool kCounts = false;
-  static constexpr const char* kFunction = "BinarySerializer::serializeBinaryRecursive";
-
-  explicit ByteWriter(BinaryStream& stream) : stream_(stream) {}
-
-  std::uint64_t position() const { return stream_.position(); }
-
-  void fixed32(std::uint32_t value) { stream_.writeFixed32(value); }
-  void fixed64(std::uint64_t value) { stream_.writeFixed64(value); }
-  void varint(std::uint32_t value) { stream_.writeVarint32(value); }
-  void bytes(std::string_view run) { stream_.writeBytes(run.data(), run.size()); }
-  template <class Make>
-  void produce(std::size_t size, Make&& make) {
-    if (char* place = stream_.claim(size); place != nullptr) make(place);
-  }
-  template <class Write>
-  void group(std::uint64_t, Write&& write) {
-    write();
-  }
-  template <element::Number E>
-  void numbers(const std::vector<typename E::Value>& values) {
-    BinaryStream stream = stream_;  // a copy that nothing else can reach stays in registers
-    for (const auto value : values) {
-      if constexpr (wire::kCoding<E> == wire::NumberCoding::kZigzag) {
-        stream.writeSignedVarint32(value);
-      } else if constexpr (wire::kCoding<E> == wire::NumberCoding::kVarint) {
-        stream.writeVarint32(value);
-      } else if constexpr (wire::kCoding<E> == wire::NumberCoding::kFixed64) {
-        stream.writeFixed64(std::bit_cast<std::uint64_t>(value));
-      } else {
-        stream.writeFixed32(std::bit_cast<std::uint32_t>(value));
-      }
-    }
-    stream_ = stream;
-  }
-
- private:
-  BinaryStream& stream_;
-};
 
 }  // namespace zqxml

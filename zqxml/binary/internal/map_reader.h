@@ -18,7 +18,8 @@ namespace zqxml {
 template <class Reader>
 class MapReader {
  public:
-  MapReader(Reader& reader, const FieldDef& field) : reader_(reader), field_(field) {}
+  MapReader(Reader& reader, BinaryStream& in, const FieldDef& field)
+      : reader_(reader), in_(in), field_(field) {}
 
   /// Reads `count` entries into the map that make() gives; it is asked only after the encodings have been
   /// found right.
@@ -26,7 +27,7 @@ class MapReader {
   bool read(Map<K, V> storage, std::uint64_t count, Make&& make) {
     if (!encodings(wire::kSideEncoding<K>, wire::kSideEncoding<V>)) return false;
     auto& map = make();
-    if (!reader_.holds(count * (wire::kLeastSize<K> + wire::kLeastSize<V>))) return reader_.overrun();
+    if (!in_.fits(count * (wire::kLeastSize<K> + wire::kLeastSize<V>))) return reader_.overrun(in_);
     for (std::uint32_t i = 0; i < count; ++i) {
       index_ = i;
       if (!entry(storage, map)) return false;
@@ -41,8 +42,9 @@ class MapReader {
 
   bool encodings(BinaryEncodingType expectedKey, BinaryEncodingType expectedValue) {
     std::uint32_t unused = 0, key = 0, value = 0;
-    if (!reader_.varint(WirePart::kByteCount, unused) || !reader_.varint(WirePart::kKeyEncoding, key) ||
-        !reader_.varint(WirePart::kValueEncoding, value)) {
+    if (!reader_.varint(in_, WirePart::kByteCount, unused) ||
+        !reader_.varint(in_, WirePart::kKeyEncoding, key) ||
+        !reader_.varint(in_, WirePart::kValueEncoding, value)) {
       return false;
     }
     if (key == expectedKey && value == expectedValue) return true;
@@ -105,11 +107,11 @@ class MapReader {
     return side(kind, value);
   }
   bool side(const char*, std::int64_t& value) {
-    return reader_.template number<Int64>(WirePart::kNumber, value);
+    return reader_.template number<Int64>(in_, WirePart::kNumber, value);
   }
   bool side(const char* kind, std::string& value) {
     std::string_view bytes;
-    if (!reader_.text(kind, field_, bytes)) return false;
+    if (!reader_.text(in_, kind, field_, bytes)) return false;
     value.assign(bytes);
     return true;
   }
@@ -118,21 +120,22 @@ class MapReader {
   /// are passed over. QUIRK: unlike a single sub-object it keeps the set bits that its construction gave it.
   bool object(const char* classRef, const char* failure, ObjectPointer& made) {
     std::uint32_t size = 0;
-    if (!reader_.varint(WirePart::kSize, size)) return false;
+    if (!reader_.varint(in_, WirePart::kSize, size)) return false;
     made.reset(XNMessageBase::createObjectFromClassID(classRef));
     if (made == nullptr) {
       reader_.report("Error constructing map object : [%s]", field_.getName());
-      return reader_.skip(WirePart::kSkipped, size);
+      return reader_.skip(in_, WirePart::kSkipped, size);
     }
     made->SetCachedSize(size);
-    return reader_.nested(*made, size) || reader_.fail(failure, field_.getName());
+    return reader_.nested(*made, in_, size) || reader_.fail(failure, field_.getName());
   }
   bool passOver() {
     std::uint32_t size = 0;
-    return reader_.varint(WirePart::kSize, size) && reader_.skip(WirePart::kSkipped, size);
+    return reader_.varint(in_, WirePart::kSize, size) && reader_.skip(in_, WirePart::kSkipped, size);
   }
 
   Reader& reader_;
+  BinaryStream& in_;
   const FieldDef& field_;
   std::uint32_t index_ = 0;
 };

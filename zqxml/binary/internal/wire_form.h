@@ -76,6 +76,19 @@ inline constexpr BinaryEncodingType kSideEncoding<element::Obj> = kFieldTypes[FD
 
 /// The text as a C string sees it: up to its first NUL.
 inline std::string_view upToNul(std::string_view text) {
+  // Most texts are short and have no NUL: eight bytes at a time, the last ones once more, without a call.
+  constexpr std::size_t kWord = sizeof(std::uint64_t);
+  if (text.size() >= kWord && text.size() <= 8 * kWord) {
+    const auto hasNul = [&text](std::size_t at) {
+      std::uint64_t word;
+      std::memcpy(&word, text.data() + at, kWord);
+      return (word - 0x0101010101010101) & ~word & 0x8080808080808080;
+    };
+    std::uint64_t found = hasNul(text.size() - kWord);
+    for (std::size_t at = 0; at + kWord < text.size(); at += kWord) found |= hasNul(at);
+    if (found == 0) [[likely]]
+      return text;
+  }
   const void* nul = text.empty() ? nullptr : std::memchr(text.data(), 0, text.size());
   return nul == nullptr
              ? text

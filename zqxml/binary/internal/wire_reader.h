@@ -52,11 +52,12 @@ class SilentObserver {
   void part(WirePart, std::uint64_t, std::uint64_t, const Value&) {}
 };
 
-/// Reads are false after a reported failure; the bytes of a value that is cut off by the end are left unread.
+/// Every read takes the stream that it reads from. It is false after a reported failure; the bytes of a value
+/// that is cut off by the end are left unread.
 template <class Observer>
 class WireReader {
  public:
-  WireReader(BinaryStream& stream, Observer& observer) : stream_(stream), observer_(observer) {}
+  explicit WireReader(Observer& observer) : observer_(observer) {}
 
   template <class... Args>
   void report(const char* format, const Args&... args) {
@@ -68,87 +69,91 @@ class WireReader {
     return false;
   }
   /// Not inlined: the way out of every read.
-  [[gnu::noinline, gnu::cold]] bool overrun() {
-    return fail("Buffer ends before its content does. Buffer size : [%llu]. CurrentPosition : [%llu]",
-                stream_.limit(), stream_.position());
+  [[gnu::noinline, gnu::cold]] bool overrun(std::uint64_t limit, std::uint64_t position) {
+    return fail("Buffer ends before its content does. Buffer size : [%llu]. CurrentPosition : [%llu]", limit,
+                position);
   }
+  bool overrun(const BinaryStream& in) { return overrun(in.limit(), in.position()); }
 
-  /// Whether `size` bytes are left.
-  bool holds(std::uint64_t size) const { return stream_.fits(size); }
   /// Tells the observer which element of a list or entry of a map comes next, and which side of it.
   void element(std::uint32_t index, const char* side) { observer_.element(index, side); }
 
-  bool fixed32(WirePart part, std::uint32_t& value) {
-    if (!stream_.fits(4)) return overrun();
-    return noted(part, stream_.readFixed32(value), value);
+  bool fixed32(BinaryStream& in, WirePart part, std::uint32_t& value) {
+    if (!in.fits(sizeof value)) return overrun(in);
+    return noted(in, part, in.readFixed32(value), value);
   }
-  bool varint(WirePart part, std::uint32_t& value) {
-    if (!stream_.fits(BinaryStream::kMaxVarint) && !varintEnds()) return overrun();
-    return noted(part, stream_.readVarint32(value), value);
+  bool varint(BinaryStream& in, WirePart part, std::uint32_t& value) {
+    if (!holdsVarint(in)) return overrun(in);
+    return noted(in, part, in.readVarint32(value), value);
   }
 
   template <element::Number E>
-  bool number(WirePart part, typename E::Value& value) {
+  bool number(BinaryStream& in, WirePart part, typename E::Value& value) {
     using Value = typename E::Value;
     if constexpr (wire::kCoding<E> == wire::NumberCoding::kZigzag) {
-      if (!stream_.fits(BinaryStream::kMaxVarint) && !varintEnds()) return overrun();
-      return noted(part, stream_.readSignedVarint32(value), value);
+      if (!holdsVarint(in)) return overrun(in);
+      return noted(in, part, in.readSignedVarint32(value), value);
     } else if constexpr (wire::kCoding<E> == wire::NumberCoding::kVarint) {
-      return varint(part, value);
+      return varint(in, part, value);
     } else if constexpr (wire::kCoding<E> == wire::NumberCoding::kFixed64) {
-      if (!stream_.fits(8)) return overrun();
       std::uint64_t bits = 0;
-      const unsigned size = stream_.readFixed64(bits);
+      if (!in.fits(sizeof bits)) return overrun(in);
+      in.readFixed64(bits);
       value = std::bit_cast<Value>(bits);
-      return noted(part, size, value);
+      return noted(in, part, sizeof bits, value);
     } else {
-      if (!stream_.fits(4)) return overrun();
       std::uint32_t bits = 0;
-      const unsigned size = stream_.readFixed32(bits);
+      if (!in.fits(sizeof bits)) return overrun(in);
+      in.readFixed32(bits);
       value = std::bit_cast<Value>(bits);
-      return noted(part, size, value);
+      return noted(in, part, sizeof bits, value);
     }
   }
 
   /// A length and that many bytes, which stay where they are. `kind` is the type's name in the message of a
   /// failure.
-  bool text(const char* kind, const FieldDef& field, std::string_view& bytes) {
+  bool text(BinaryStream& in, const char* kind, const FieldDef& field, std::string_view& bytes) {
     std::uint32_t length = 0;
-    if (!varint(WirePart::kLength, length)) return false;
-    if (!stream_.fits(length)) [[unlikely]] {
-      return fail(
-          "Error constructing %s field [%s]. Specified string size [%d] causes a buffer overrun. Buffer size "
-          ": [%d]. CurrentPosition : [%d]",
-          kind, field.getName(), length, stream_.limit(), stream_.position());
-    }
-    bytes = {stream_.buffer() + stream_.position(), length};
-    stream_.skip(length);
-    return noted(WirePart::kText, length, bytes);
+    if (!varint(in, WirePart::kLength, length)) return false;
+    if (!in.fits(length)) [[unlikely]]
+      return textOverrun(kind, field, length, in.limit(), in.position());
+    bytes = {in.buffer() + in.position(), length};
+    in.skip(length);
+    return noted(in, WirePart::kText, length, bytes);
   }
 
   /// Passes over bytes. QUIRK: what cannot be passed over is read on from where it stands.
-  bool skip(WirePart part, std::uint64_t size) {
-    const std::string_view bytes(stream_.buffer() + stream_.position(), holds(size) ? size : 0);
-    stream_.skip(size);
-    return noted(part, bytes.size(), bytes);
+  bool skip(BinaryStream& in, WirePart part, std::uint64_t size) {
+    const std::string_view bytes(in.buffer() + in.position(), in.fits(size) ? size : 0);
+    in.skip(size);
+    return noted(in, part, bytes.size(), bytes);
   }
 
  protected:
   /// Tells the observer of the last `size` bytes.
   template <class Value>
-  bool noted(WirePart part, std::uint64_t size, const Value& value) {
-    observer_.part(part, stream_.position() - size, size, value);
+  bool noted(const BinaryStream& in, WirePart part, std::uint64_t size, const Value& value) {
+    observer_.part(part, in.position() - size, size, value);
     return true;
   }
 
-  BinaryStream& stream_;
   Observer& observer_;
 
  private:
-  /// Whether a varint that starts in the last few bytes ends there too.
-  bool varintEnds() const {
-    for (std::uint64_t at = stream_.position(); at < stream_.limit(); ++at) {
-      if (static_cast<unsigned char>(stream_.buffer()[at]) < 0x80) return true;
+  [[gnu::noinline, gnu::cold]] bool textOverrun(const char* kind, const FieldDef& field, std::uint32_t length,
+                                                std::uint64_t limit, std::uint64_t position) {
+    return fail(
+        "Error constructing %s field [%s]. Specified string size [%d] causes a buffer overrun. Buffer size : "
+        "[%d]. CurrentPosition : [%d]",
+        kind, field.getName(), length, limit, position);
+  }
+
+  /// Whether a varint that starts here ends before the limit.
+  static bool holdsVarint(const BinaryStream& in) {
+    if (in.fits(BinaryStream::kMaxVarint)) [[likely]]
+      return true;
+    for (std::uint64_t at = in.position(); at < in.limit(); ++at) {
+      if (static_cast<unsigned char>(in.buffer()[at]) < 0x80) return true;
     }
     return false;
   }
