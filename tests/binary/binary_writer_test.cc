@@ -1,0 +1,544 @@
+// Messages into the binary form.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <tests/annotation/password_routines.h>
+#include <tests/binary/binary_forms.h>
+#include <tests/binary/hand_made_class.h>
+#include <tests/support/log_capture.h>
+#include <tests/support/open_message.h>
+#include <zqxml/catalogue/generated/App.h>
+#include <zqxml/catalogue/generated/Demo.h>
+#include <zqxml/xml/encoding_flags.h>
+#include <zqxml/xml/xml_encoder.h>
+#include <zqxml/xml/zq_xml_context_info.h>
+
+#include <array>
+#include <limits>
+#include <numeric>
+#include <string>
+#include <vector>
+
+namespace zqxml {
+namespace {
+
+using Demo::EveryType;
+using Parameters = BinarySerializer::BinarySerializerParameters;
+using testing::IsEmpty;
+
+void makeEmpty(XNMessageBase& message, const FieldDef& field) {
+  visitStorage(field.getType(),
+               Overloaded{[&]<class E>(List<E>) {
+                            MessageAccess::make<typename List<E>::Value>(message, field, true);
+                          },
+                          [&]<class K, class V>(Map<K, V>) {
+                            MessageAccess::make<typename Map<K, V>::Value>(message, field, true);
+                          },
+                          [](auto) {}});
+}
+
+/// Body of a message in which this one field is set and empty.
+std::string emptyCollection(std::string_view name) {
+  EveryType message;
+  makeEmpty(message, fieldOf(message, name));
+  EXPECT_TRUE(hasBit(message, name));
+  return serializedBody(message);
+}
+
+TEST(BinaryWriterTest, MessageWithoutSetFieldsIsItsHeader) {
+  Demo::Sample message;
+  EXPECT_EQ(BinarySerializerTestAccess::bodySize(message), 0u);
+  EXPECT_EQ(serialized(message), Wire().fixed32(2).fixed32(message.getTagID()).bytes());
+}
+
+TEST(BinaryWriterTest, EmptyNumericListWritesMarkerZeroKeyZero) {
+  for (const char* name :
+       {"listIntField", "listUintField", "listLongField", "listUlongField", "listLonglongField",
+        "listEnumField", "listBoolField", "listFloatField", "listDoubleField"}) {
+    EXPECT_EQ(emptyCollection(name), Wire().marker(0).key(name, 2).varint(0).bytes()) << name;
+  }
+}
+
+TEST(BinaryWriterTest, EmptyListOfTextsOrObjectsWritesMarkerAndZeroAlone) {
+  for (const char* name : {"listStringField", "listWstringField", "listBstringField", "listObjectField"}) {
+    EXPECT_EQ(emptyCollection(name), Wire().marker(0).bytes()) << name;
+  }
+}
+
+TEST(BinaryWriterTest, EmptyMapWritesItsEncodings) {
+  struct Row {
+    const char* name;
+    unsigned keyEncoding, valueEncoding;
+  };
+  for (const Row& row : std::vector<Row>{{"mapInt64Int64Field", 1, 1},
+                                         {"mapInt64StringField", 1, 2},
+                                         {"mapInt64ObjectField", 1, 2},
+                                         {"mapStringInt64Field", 2, 1},
+                                         {"mapStringStringField", 2, 2},
+                                         {"mapStringObjectField", 2, 2},
+                                         {"mapObjectObjectField", 2, 2}}) {
+    Wire expected;
+    expected.marker(0).key(row.name, 2).varint(2).varint(row.keyEncoding).varint(row.valueEncoding);
+    EXPECT_EQ(emptyCollection(row.name), expected.bytes()) << row.name;
+  }
+}
+
+TEST(BinaryWriterTest, KeepsEnumerationsAsZigzagUnderAVarintKey) {
+  EveryType message;
+  setInteger(message, "enumField", 3);
+  EXPECT_EQ(serializedBody(message), Wire().key("enumField", 0).raw("\x06").bytes());
+}
+
+TEST(BinaryWriterTest, IntegerOutsideOf32BitsLosesItsHighHalf) {
+  EveryType message;
+  setInteger(message, "intField", 0x7ffffffff);  // the low half is -1
+  setInteger(message, "uintField", 0x500000001);
+  EXPECT_EQ(serializedBody(message),
+            Wire().key("intField", 6).raw("\x01").key("uintField", 0).raw("\x01").bytes());
+}
+
+TEST(BinaryWriterTest, StringEndsAtItsFirstNul) {
+  EveryType message;
+  message.setStringField(std::string("ab\0cd", 5));
+  EXPECT_EQ(serializedBody(message), Wire().key("stringField", 2).text("ab").bytes());
+}
+
+TEST(BinaryWriterTest, WideTextIsCountedInBytesOfUtf8) {
+  EveryType message;
+  message.setWstringField(u"aé€\U0001F600");
+  EXPECT_EQ(serializedBody(message), Wire().key("wstringField", 2).text("aé€\U0001F600").bytes());
+}
+
+TEST(BinaryWriterTest, BinaryStringIsRawAtVersion1AndBase64AtVersion2) {
+  EveryType message;
+  message.setBstringField(std::string("a\0b", 3));
+  EXPECT_EQ(serializedBody(message, 1),
+            Wire().key("bstringField", 2).text(std::string_view("a\0b", 3)).bytes());
+  EXPECT_EQ(serializedBody(message, 2), Wire().key("bstringField", 2).text("YQBi").bytes());
+}
+
+TEST(BinaryWriterTest, SecondCallReplacesTheOwnedBlock) {
+  EveryType message;
+  message.setStringField("first and long");
+  BinaryBuffer buffer;
+  ASSERT_NE(BinarySerializer::serialize(message, buffer), 0u);
+  message.setStringField("2nd");
+  const std::uint64_t size = BinarySerializer::serialize(message, buffer);
+  EXPECT_EQ(size, 8u + 4 + 1 + 3);
+  EXPECT_EQ(buffer.getDataSize(), size);
+  EXPECT_EQ(buffer.getBufferSize(), size);  // exactly: not what was left of the first block
+  EXPECT_EQ(contentOf(buffer), serialized(message));
+}
+
+TEST(BinaryWriterTest, VersionWordIsTheVersionAsGiven) {
+  EveryType message;
+  message.setBstringField(std::string("a\0b", 3));
+  EXPECT_EQ(toHex(serialized(message, 2).substr(0, 4)), "02 00 00 00");
+  EXPECT_EQ(toHex(serialized(message, 0).substr(0, 4)), "00 00 00 00");
+  EXPECT_EQ(serializedBody(message, 0), serializedBody(message, 1));
+  EXPECT_EQ(toHex(serialized(message, 3).substr(0, 4)), "03 00 00 00");
+  EXPECT_EQ(serializedBody(message, 3), serializedBody(message, 2));
+  EXPECT_EQ(toHex(serialized(message, -1).substr(0, 4)), "ff ff ff ff");
+  EXPECT_EQ(serializedBody(message, -1), serializedBody(message, 1));
+}
+
+// --- The worked example.
+
+TEST(BinaryWriterTest, WorkedExampleIsRightToTheByte) {
+  App::TestMessage2 message;
+  ASSERT_EQ(message.getTagID(), 0x1ED44BDDu);
+  setInteger(message, "intField", -3);
+  setText(message, "strField", "hi");
+  collectionOf<std::vector<std::int32_t>>(message, "ListInt") = {1, -1};
+  setInteger(message.mutableM1(), "intFieldM1", 5);
+  collectionOf<std::map<std::string, std::int64_t>>(message, "mapStr_LL")["a"] = 7;
+  EXPECT_EQ(toHex(serialized(message)),
+            "02 00 00 00 dd 4b d4 1e "
+            "5e b2 35 02 05 "
+            "4a 4a 71 00 02 68 69 "
+            "78 7f 7f 7f 02 8a d2 86 00 02 02 01 "
+            "22 4c 00 00 05 7e c8 92 03 0a "
+            "78 7f 7f 7f 01 52 96 4a 03 0c 02 01 01 61 07 00 00 00 00 00 00 00");
+}
+
+// --- The buffer.
+
+TEST(BinaryWriterTest, ExternalMemoryIsWrittenToAndKeepsItsDataSize) {
+  EveryType message;
+  message.setIntField(1);
+  std::array<char, 32> block{};
+  BinaryBuffer buffer(block.data(), block.size());
+  EXPECT_EQ(BinarySerializer::serialize(message, buffer), 0u);
+  EXPECT_EQ(buffer.getBuffer(), block.data());
+  EXPECT_EQ(std::string(block.data(), 13), serialized(message));
+  EXPECT_EQ(toHex(std::string_view(block.data() + 13, 1)), "00");
+  buffer.setDataSize(13);
+  EXPECT_EQ(BinarySerializer::serialize(message, buffer), 13u);
+}
+
+TEST(BinaryWriterTest, ExternalMemoryOfExactlyTheSizeSuffices) {
+  EveryType message;
+  message.setIntField(1);
+  std::array<char, 13> block{};
+  BinaryBuffer buffer(block.data(), block.size());
+  LogCapture capture;
+  BinarySerializer::serialize(message, buffer);
+  EXPECT_EQ(std::string(block.data(), block.size()), serialized(message));
+  EXPECT_THAT(capture.lines(), IsEmpty());
+}
+
+TEST(BinaryWriterTest, KeepsTheFunctionNameAsTheTextWhenExternalMemoryIsTooSmall) {
+  EveryType message;
+  message.setIntField(1);
+  std::array<char, 12> block{};
+  BinaryBuffer buffer(block.data(), block.size());
+  buffer.setDataSize(12);
+  LogCapture capture;
+  EXPECT_EQ(BinarySerializer::serialize(message, buffer), 0u);
+  EXPECT_THAT(capture.lines(), testing::ElementsAre(CapturedLine{"BinarySerializer::serialize", 0,
+                                                                 "BinarySerializer::serialize"}));
+  EXPECT_EQ(toHex(std::string_view(block.data(), 4)), "00 00 00 00");
+}
+
+TEST(BinaryWriterTest, ExternalBufferWithoutMemoryIsTooSmall) {
+  EveryType message;
+  BinaryBuffer buffer(nullptr, 100);
+  LogCapture capture;
+  EXPECT_EQ(BinarySerializer::serialize(message, buffer), 0u);
+  EXPECT_TRUE(capture.has("BinarySerializer::serialize", 0, "BinarySerializer::serialize"));
+}
+
+TEST(BinaryWriterTest, BodyThatThirtyTwoBitsCannotTellFails) {
+  // One value of 32 MiB in 128 objects: 4 GiB to write, and no more memory than the one value.
+  HandMadeClass handMade;
+  handMade.field(FDT_LIST_OBJECT, "objects", std::string("\xca\0\0\x05", 4));
+  OpenMessage outer = handMade.message();
+  auto& elements = collectionOf<std::vector<XNMessageBase>>(outer, "objects");
+  for (int i = 0; i < 128; ++i) elements.push_back(EveryType());
+  bstring shared(std::string(std::size_t{32} << 20, 'x'));
+  ASSERT_GT(elements.size() * shared.size(), std::numeric_limits<std::uint32_t>::max());
+  std::vector<bstring*> own;
+  for (XNMessageBase& element : elements) {
+    bstring*& slot = MessageAccess::owned<bstring>(element, fieldOf(element, "bstringField"));
+    own.push_back(std::exchange(slot, &shared));
+    setBit(element, "bstringField");
+  }
+  LogCapture capture;
+  BinaryBuffer buffer;
+  EXPECT_EQ(BinarySerializer::serialize(outer, buffer, 1), 0u);
+  EXPECT_EQ(capture.lines().size(), 1u);
+  EXPECT_TRUE(
+      capture.hasPart("BinarySerializer::serialize", 0, "Unable to create a buffer of required size : ["));
+  EXPECT_FALSE(buffer.isSet());
+  for (std::size_t i = 0; i < own.size(); ++i) {
+    MessageAccess::owned<bstring>(elements[i], fieldOf(elements[i], "bstringField")) = own[i];
+  }
+}
+
+TEST(BinaryWriterTest, SmallStreamDropsTheTail) {
+  EveryType message;
+  message.setIntField(1);
+  message.setStringField("text");
+  std::string range(8, '\xee');
+  BinaryStream stream(range.data(), range.size());
+  BinarySerializerTestAccess::writeBody(message, stream);
+  EXPECT_EQ(stream.position(), 5u + 4 + 1 + 4);
+  EXPECT_EQ(range, std::string(Wire().key("intField", 6).raw("\x02").raw("\xee\xee\xee")));
+}
+
+// --- Log lines and cached sizes.
+
+TEST(BinaryWriterTest, TracesSizeAndFieldsAtLevel15) {
+  EveryType message;
+  message.setIntField(1);
+  message.setStringField("text");
+  LogCapture capture(15);
+  serialized(message);
+  EXPECT_THAT(capture.lines(),
+              testing::ElementsAre(
+                  CapturedLine{"BinarySerializer::serialize", 15, "Required buffer size is 22"},
+                  CapturedLine{"BinarySerializer::serializeBinaryRecursive", 15,
+                               "Writing field [EveryType]:[intField] at buffer position : [8]"},
+                  CapturedLine{"BinarySerializer::serializeBinaryRecursive", 15,
+                               "Writing field [EveryType]:[stringField] at buffer position : [13]"}));
+}
+
+TEST(BinaryWriterTest, TracesNothingAtLevel14) {
+  EveryType message;
+  message.setIntField(1);
+  LogCapture capture(14);
+  serialized(message);
+  EXPECT_THAT(capture.lines(), IsEmpty());
+}
+
+TEST(BinaryWriterTest, SizesAreCachedInEveryObject) {
+  EveryType message;
+  message.setIntField(1);
+  message.mutableObjectField().setNumber(2);
+  message.addToListObjectField().setText("ab");
+  auto& map = collectionOf<std::map<std::int64_t, XNMessageBase>>(message, "mapInt64ObjectField");
+  map.emplace(1, Demo::EveryChild());
+  setInteger(map.at(1), "number", 1000);
+  const unsigned size = BinarySerializerTestAccess::bodySize(message);
+  EXPECT_EQ(message.GetCachedSize(), size);
+  EXPECT_EQ(serialized(message).size(), 8u + size);
+  EXPECT_EQ(ownedBy<XNMessageBase>(message, "objectField")->GetCachedSize(), 5u);
+  EXPECT_EQ(message.mutableListObjectFieldVector()[0].GetCachedSize(), 7u);
+  EXPECT_EQ(map.at(1).GetCachedSize(), 6u);
+}
+
+TEST(BinaryWriterTest, ForwardersUseVersion2) {
+  EveryType message;
+  message.setBstringField(std::string("a\0b", 3));
+  const std::string expected = serialized(message, 2);
+  BinaryBuffer buffer;
+  EXPECT_EQ(message.SerializeBinary(buffer), expected.size());
+  EXPECT_EQ(contentOf(buffer), expected);
+  EXPECT_EQ(BinarySerializer::serialize(message, buffer), expected.size());
+  EXPECT_EQ(contentOf(buffer), expected);
+  EXPECT_EQ(XMLEncoder().SerializeBinary(message, buffer), expected.size());
+  EXPECT_EQ(contentOf(buffer), expected);
+  message.SerializeBinary(buffer, 1);
+  EXPECT_EQ(contentOf(buffer), serialized(message, 1));
+  XMLEncoder().SerializeBinary(message, buffer, 1);
+  EXPECT_EQ(contentOf(buffer), serialized(message, 1));
+}
+
+// --- Set fields without a value.
+
+TEST(BinaryWriterTest, SetObjectWithoutAValueIsKeyAndZero) {
+  EveryType message;
+  setBit(message, "objectField");
+  EXPECT_EQ(serializedBody(message), Wire().key("objectField", 2).varint(0).bytes());
+}
+
+TEST(BinaryWriterTest, SetCollectionWithoutAValueIsAnEmptyOne) {
+  for (const FieldDef& field : *XNMessageBase::GetClassDef(classNamed("Demo_EveryType").tag())) {
+    if (field.getType() != FDT_LIST_ULONGLONG &&
+        !BinarySerializerTestAccess::isCollectionType(field.getType()))
+      continue;
+    if (field.getType() == FDT_ULONGLONG) continue;
+    EveryType message;
+    setBit(message, field.getName());
+    EXPECT_EQ(serializedBody(message), emptyCollection(field.getName())) << field.getName();
+  }
+}
+
+TEST(BinaryWriterTest, TypesWithoutAValueFormWriteTheirKeyAlone) {
+  for (FieldDataType type : {FDT_RESERVED_24, FDT_RESERVED_29, FDT_ENUM_VALUE, FDT_INT64}) {
+    HandMadeClass handMade;
+    handMade.field(type, "odd").field(FDT_INT, "after");
+    OpenMessage message = handMade.message();
+    setBit(message, "odd");
+    setInteger(message, "after", 1);
+    const unsigned encoding = type == FDT_INT64 ? 1 : 7;
+    EXPECT_EQ(serializedBody(message), Wire().key("odd", encoding).key("after", 6).raw("\x02").bytes())
+        << +type;
+  }
+}
+
+TEST(BinaryWriterTest, UnknownTypeWritesItsKeyAlone) {
+  HandMadeClass handMade;
+  handMade.field(static_cast<FieldDataType>(200), "odd");
+  OpenMessage message = handMade.message();
+  setBit(message, "odd");
+  EXPECT_EQ(serializedBody(message), Wire().key("odd", 7).bytes());
+}
+
+TEST(BinaryWriterTest, SelfRecordIsPassedOver) {
+  OpenMessage message = newMessage("Demo_SelfPair");
+  setInteger(message, "number", 1);
+  MessageAccess::mark(message, 2);
+  EXPECT_EQ(serializedBody(message), Wire().key("number", 6).raw("\x02").bytes());
+}
+
+TEST(BinaryWriterTest, FieldWithoutHashHasAKeyOfItsEncodingAlone) {
+  OpenMessage message = newMessage("Demo_Hashless");
+  MessageAccess::wipeBitset(message);  // one of its fields has a default
+  for (const FieldDef& field : *XNMessageBase::GetClassDef(&message)) {
+    if (field.getFieldHashId() != 0 || field.getType() != FDT_INT) continue;
+    MessageAccess::setInteger(message, field, 4);
+    EXPECT_EQ(toHex(serializedBody(message)), "06 00 00 00 08");
+    return;
+  }
+  FAIL() << "the class has no integer without a hash";
+}
+
+TEST(BinaryWriterTest, ObjectWithoutAClassIsAHeaderOfTagZero) {
+  XNMessageBase message;
+  EXPECT_EQ(toHex(serialized(message)), "02 00 00 00 00 00 00 00");
+}
+
+TEST(BinaryWriterTest, FieldsOfALongClassKeepTheirOrder) {
+  OpenMessage message = newMessage("Demo_Hundred");
+  Wire expected;
+  int value = 0;
+  for (const FieldDef& field : *XNMessageBase::GetClassDef(&message)) {
+    if (++value % 3 == 0) continue;
+    MessageAccess::setInteger(message, field, value);
+    expected.key(field.getName(), 6).varint(static_cast<unsigned>(2 * value));
+  }
+  EXPECT_EQ(serializedBody(message), expected.bytes());
+}
+
+// --- Passwords.
+
+class BinaryWriterPasswordTest : public PasswordRoutinesTest {
+ protected:
+  App::AnnotationSample message_;
+
+  static std::string record(const char* field, std::string_view text) {
+    return Wire().key(field, 2).text(text);
+  }
+};
+
+TEST_F(BinaryWriterPasswordTest, PasswordOfVersion1StandsAsItIsUpToItsFirstNul) {
+  message_.setVer3Password(std::string_view("se\0cret", 7), typeOf(5));
+  EXPECT_EQ(serializedBody(message_, 1), record("ver3Password", "se"));
+}
+
+TEST_F(BinaryWriterPasswordTest, PlainPasswordIsTheTextAtVersion2) {
+  message_.setPlainPassword("secret", typeOf(1));
+  EXPECT_EQ(serializedBody(message_), record("plainPassword", "secret"));
+}
+
+TEST_F(BinaryWriterPasswordTest, RecordWithoutAPasswordTypeWritesThePasswordAsItStands) {
+  message_.setBarePassword(std::string_view("se\0cret", 7), typeOf(5));
+  EXPECT_EQ(serializedBody(message_), record("barePassword", "se"));
+}
+
+TEST_F(BinaryWriterPasswordTest, AnnotatedTypeIsWrittenAsMarkAndBase64) {
+  message_.setVer3Password("bytes", typeOf(5));
+  EXPECT_EQ(serializedBody(message_), record("ver3Password",
+                                             "\x05"
+                                             "Ynl0ZXM="));
+}
+
+TEST_F(BinaryWriterPasswordTest, EncryptionRunsInBothPasses) {
+  registerEncryption<5>();
+  message_.setVer3Password("secret", typeOf(1));
+  EXPECT_EQ(serializedBody(message_), record("ver3Password",
+                                             "\x05"
+                                             "ZW5jNShzZWNyZXQp"));
+  EXPECT_EQ(calls().size(), 2u);
+}
+
+TEST_F(BinaryWriterPasswordTest, EncryptionRunsTwiceForAPasswordInAMapToo) {
+  registerEncryption<5>();
+  HandMadeClass handMade;
+  handMade.field(FDT_MAP_INT64_OBJECT, "map", std::string(4, '\0'));
+  OpenMessage outer = handMade.message();
+  message_.setVer3Password("secret", typeOf(1));
+  collectionOf<std::map<std::int64_t, XNMessageBase>>(outer, "map").emplace(1, message_);
+  serialized(outer);
+  EXPECT_EQ(calls().size(), 2u);
+}
+
+TEST_F(BinaryWriterPasswordTest, MissingHandlerIsReportedInBothPassesAndLeavesAnEmptyValue) {
+  message_.setVer3Password("secret", typeOf(1));
+  message_.setVer5Password("bytes", typeOf(10));
+  LogCapture capture;
+  EXPECT_EQ(serializedBody(message_), record("ver3Password", "") + record("ver5Password",
+                                                                          "\x0a"
+                                                                          "Ynl0ZXM="));
+  EXPECT_THAT(capture.lines(),
+              testing::ElementsAre(
+                  CapturedLine{"BinarySerializer::calculateReqBinStreamSize", 0,
+                               "Password Handler Not Found while serializing pstring field [ver3Password]"},
+                  CapturedLine{"BinarySerializer::serializeBinaryRecursive", 0,
+                               "Password Handler Not Found while serializing pstring field [ver3Password]"}));
+}
+
+TEST_F(BinaryWriterPasswordTest, PasswordWithoutAnnotationWritesItsKeyAloneAndIsReportedInBothPasses) {
+  HandMadeClass handMade;
+  handMade.field(FDT_PSTRING, "password").field(FDT_INT, "after");
+  OpenMessage message = handMade.message();
+  MessageAccess::make<pstring>(message, fieldOf(message, "password"), true) = std::string("secret");
+  setInteger(message, "after", 1);
+  for (int version : {1, 2}) {
+    LogCapture capture;
+    EXPECT_EQ(serializedBody(message, version),
+              Wire().key("password", 2).key("after", 6).raw("\x02").bytes());
+    EXPECT_THAT(capture.lines(),
+                testing::ElementsAre(CapturedLine{"BinarySerializer::calculateReqBinStreamSize", 0,
+                                                  "No Password annotation found on member : password"},
+                                     CapturedLine{"BinarySerializer::serializeBinaryRecursive", 0,
+                                                  "No Password annotation found on member : password"}));
+  }
+}
+
+TEST_F(BinaryWriterPasswordTest, ParametersWithFlagsChooseTheType) {
+  registerEncryption<9>();
+  message_.setVer3Password("secret", typeOf(1));
+  EncodingFlags flags;
+  flags.passwordEncType = 9;
+  ZqXMLContextInfo context;
+  const Parameters parameters{&flags, &context};
+  BinaryBuffer buffer;
+  BinarySerializer::serialize(message_, buffer, 2, &parameters);
+  EXPECT_EQ(contentOf(buffer).substr(8), record("ver3Password",
+                                                "\x09"
+                                                "ZW5jOShzZWNyZXQp"));
+  ASSERT_EQ(calls().size(), 2u);
+  EXPECT_EQ(calls()[0].context, &context);
+}
+
+TEST_F(BinaryWriterPasswordTest, ParametersWithoutFlagsGiveTheContextAlone) {
+  registerEncryption<5>();
+  message_.setVer3Password("secret", typeOf(1));
+  ZqXMLContextInfo context;
+  const Parameters parameters{nullptr, &context};
+  BinaryBuffer buffer;
+  BinarySerializer::serialize(message_, buffer, 2, &parameters);
+  ASSERT_EQ(calls().size(), 2u);
+  EXPECT_EQ(calls()[0].context, &context);
+}
+
+TEST_F(BinaryWriterPasswordTest, EncoderGivesItsFlagsAndContext) {
+  registerEncryption<9>();
+  message_.setVer3Password("secret", typeOf(1));
+  EncodingFlags flags;
+  flags.passwordEncType = 9;
+  ZqXMLContextInfo context;
+  XMLEncoder encoder(flags, &context);
+  BinaryBuffer buffer;
+  encoder.SerializeBinary(message_, buffer);
+  ASSERT_EQ(calls().size(), 2u);
+  EXPECT_EQ(calls()[0].context, &context);
+  EXPECT_EQ(calls()[0].routine, "enc9");
+}
+
+/// Yields as many bytes as stand in front of the list; the number changes from call to call.
+std::vector<std::size_t>& plannedSizes() {
+  static std::vector<std::size_t> sizes;
+  return sizes;
+}
+bstring plannedSize(bstring, ZqXMLContextInfo*) {
+  const std::size_t size = plannedSizes().front();
+  plannedSizes().erase(plannedSizes().begin());
+  return std::string(size, 'x');
+}
+
+TEST_F(BinaryWriterPasswordTest, ShorterSecondResultLeavesZeros) {
+  XMLDecoder::registerPasswordEncAlgo(typeOf(5), plannedSize);
+  message_.setVer3Password("secret", typeOf(1));
+  plannedSizes() = {30, 3};
+  EXPECT_EQ(serializedBody(message_), record("ver3Password",
+                                             "\x05"
+                                             "eHh4") +
+                                          std::string(36, '\0'));
+}
+
+TEST_F(BinaryWriterPasswordTest, LongerSecondResultDropsTheTail) {
+  XMLDecoder::registerPasswordEncAlgo(typeOf(5), plannedSize);
+  message_.setVer3Password("secret", typeOf(1));
+  message_.setVer5Password("bytes", typeOf(10));
+  plannedSizes() = {3, 30};
+  // The length goes out; the text does not fit, and nothing behind it is written.
+  const std::string expected = Wire().key("ver3Password", 2).varint(41);
+  const std::string body = serializedBody(message_);
+  EXPECT_EQ(body, expected + std::string(body.size() - expected.size(), '\0'));
+  EXPECT_EQ(body.size(), 4u + 1 + 5 + 4 + 1 + 9);
+}
+
+}  // namespace
+}  // namespace zqxml
