@@ -1,0 +1,168 @@
+// Encoding and decoding, in the binary form beside protobuf and in XML beside plain Xerces-C.
+//
+// Three messages: seven scalars; sixty fields with twenty sub-objects, lists and a map; the same with five
+// thousand sub-objects. Every call makes its output anew, ours and the peer's alike.
+#include <bench/job_data.h>
+#include <bench/our_messages.h>
+#include <bench/protobuf_peer.h>
+#include <bench/ratio_table.h>
+#include <bench/xerces_peer.h>
+#include <benchmark/benchmark.h>
+#include <zqxml/binary/binary_buffer.h>
+#include <zqxml/binary/binary_serializer.h>
+#include <zqxml/xml/xml_serializer.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace zqxml::bench {
+namespace {
+
+using google::protobuf::Message;
+
+/// One message in every shape that a measurement starts from.
+struct Subject {
+  std::string name;
+  std::unique_ptr<XNMessageBase> ours;
+  std::unique_ptr<Message> generated;
+  std::unique_ptr<Message> dynamic;
+  std::function<std::string()> writeByHand;
+  std::string xml;
+  BinaryBuffer binary;
+  std::string protobuf;
+};
+
+void require(bool holds, const char* what) {
+  if (holds) return;
+  std::fprintf(stderr, "codec_bench: %s\n", what);
+  std::exit(1);
+}
+
+template <class Data>
+std::unique_ptr<Subject> subject(std::string name, std::shared_ptr<const Data> data) {
+  auto result = std::make_unique<Subject>();
+  result->name = std::move(name);
+  result->ours = ourMessage(*data);
+  result->generated = generatedMessage(*data);
+  result->dynamic.reset(dynamicPrototype(*result->generated).New());
+  result->writeByHand = [data] { return writtenByHand(*data); };
+
+  require(result->ours->serialize(result->xml) == XN_MSG_OK, "the message is not written as XML");
+  require(result->writeByHand() == result->xml, "the hand-written text differs from ours");
+  require(BinarySerializer::serialize(*result->ours, result->binary) != 0, "the message has no binary form");
+  result->protobuf = result->generated->SerializeAsString();
+  require(result->dynamic->ParseFromString(result->protobuf), "the dynamic message does not read its peer");
+
+  const std::unique_ptr<XNMessageBase> fromBinary(
+      BinarySerializer::unserialize(result->binary, nullptr, false));
+  require(fromBinary != nullptr && *fromBinary == *result->ours, "the binary form does not come back");
+  const std::unique_ptr<XNMessageBase> fromXml(
+      XMLSerializer().unserialize(std::as_const(result->xml), false));
+  require(fromXml != nullptr && *fromXml == *result->ours, "the XML form does not come back");
+  return result;
+}
+
+/// Registers a measurement of `work`.
+template <class Work>
+void measure(const std::string& name, Work work) {
+  benchmark::RegisterBenchmark(name.c_str(), [work](benchmark::State& state) {
+    for (auto iteration : state) work();
+  });
+}
+
+void measureBinary(Subject& s) {
+  measure("encode/ours/" + s.name, [&s] {
+    BinaryBuffer buffer;
+    benchmark::DoNotOptimize(BinarySerializer::serialize(*s.ours, buffer));
+  });
+  measure("decode/ours/" + s.name, [&s] {
+    const std::unique_ptr<XNMessageBase> message(BinarySerializer::unserialize(s.binary, nullptr, false));
+    benchmark::DoNotOptimize(message.get());
+  });
+  const std::pair<const char*, const Message*> peers[] = {{"dynamic", s.dynamic.get()},
+                                                          {"generated", s.generated.get()}};
+  for (const auto& [kind, peer] : peers) {
+    measure(std::string("encode/") + kind + "/" + s.name, [peer = peer] {
+      std::string out;
+      benchmark::DoNotOptimize(peer->SerializeToString(&out));
+    });
+    measure(std::string("decode/") + kind + "/" + s.name, [&s, peer = peer] {
+      const std::unique_ptr<Message> message(peer->New());
+      benchmark::DoNotOptimize(message->ParseFromString(s.protobuf));
+    });
+  }
+}
+
+void measureXml(Subject& s) {
+  measure("write/ours/" + s.name, [&s] {
+    std::string out;
+    benchmark::DoNotOptimize(s.ours->serialize(out));
+  });
+  measure("write/hand/" + s.name, [&s] {
+    std::string out = s.writeByHand();
+    benchmark::DoNotOptimize(out.data());
+  });
+  measure("read/ours/" + s.name, [&s] {
+    const std::unique_ptr<XNMessageBase> message(XMLSerializer().unserialize(std::as_const(s.xml), false));
+    benchmark::DoNotOptimize(message.get());
+  });
+  measure("read/bare/" + s.name, [&s] { parseBare(s.xml); });
+}
+
+std::vector<Comparison> comparisons(const std::vector<std::unique_ptr<Subject>>& subjects) {
+  std::vector<Comparison> rows;
+  for (const auto& s : subjects) {
+    const std::string& name = s->name;
+    const bool medium = name == "medium";
+    rows.push_back({name + ": binary encode, DynamicMessage", "encode/ours/" + name, "encode/dynamic/" + name,
+                    false, 8});
+    rows.push_back({name + ": binary decode, DynamicMessage", "decode/ours/" + name, "decode/dynamic/" + name,
+                    false, 3});
+    rows.push_back({name + ": binary encode, generated", "encode/ours/" + name, "encode/generated/" + name});
+    rows.push_back({name + ": binary decode, generated", "decode/ours/" + name, "decode/generated/" + name});
+    rows.push_back(
+        {name + ": XML write, hand-written DOM", "write/ours/" + name, "write/hand/" + name, true, 1.1});
+    rows.push_back(
+        {name + ": XML read, bare reader", "read/ours/" + name, "read/bare/" + name, true, medium ? 1.5 : 0});
+  }
+  return rows;
+}
+
+int run(int argc, char** argv) {
+  std::vector<std::unique_ptr<Subject>> subjects;
+  subjects.push_back(subject("small", std::make_shared<const JobEntry>(jobEntry(17))));
+  subjects.push_back(subject("medium", std::make_shared<const JobReport>(jobReport(20))));
+  subjects.push_back(subject("large", std::make_shared<const JobReport>(jobReport(5000))));
+  for (const auto& s : subjects) {
+    measureBinary(*s);
+    measureXml(*s);
+    std::printf("%-6s  %7zu bytes of XML, %7zu of binary form, %7zu of protobuf\n", s->name.c_str(),
+                s->xml.size(), static_cast<std::size_t>(s->binary.getDataSize()), s->protobuf.size());
+  }
+  std::fflush(stdout);
+
+  // Defaults that the command line can overrule.
+  std::vector<std::string> defaults{argv[0], "--benchmark_enable_random_interleaving=true",
+                                    "--benchmark_repetitions=30", "--benchmark_min_time=0.02"};
+  std::vector<char*> arguments;
+  for (std::string& text : defaults) arguments.push_back(text.data());
+  for (int i = 1; i < argc; ++i) arguments.push_back(argv[i]);
+  int count = static_cast<int>(arguments.size());
+  arguments.push_back(nullptr);
+  benchmark::Initialize(&count, arguments.data());
+  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
+  RatioTable table(comparisons(subjects));
+  benchmark::RunSpecifiedBenchmarks(&table);
+  return 0;
+}
+
+}  // namespace
+}  // namespace zqxml::bench
+
+int main(int argc, char** argv) {
+  return zqxml::bench::run(argc, argv);
+}
