@@ -271,9 +271,20 @@ TEST(MessageReader, LimitCountsOpenObjectsAlone) {
   Node node;
   Events events(&node, 2);
   events.open(u"root");
-  for (int i = 0; i < 10; ++i)
-    events.open(u"items").close(u"items").open(u"unknown").open(u"unknown").close(u"unknown");
+  for (int i = 0; i < 10; ++i) events.open(u"items").value(u"name", u"n").close(u"items");
+  events.close(u"root");
   EXPECT_EQ(node.getItems().size(), 10u);
+}
+
+TEST(MessageReader, ElementsNestAsDeepAsTheObjectsInMapsThatAreAllowed) {
+  Node node;
+  Events events(&node, 2);
+  events.open(u"root").open(u"byName").value(u"__mapKey__", u"k").open(u"__mapValue__");
+  events.open(u"sizes").value(u"__mapKey__", u"s").value(u"__mapValue__", u"1").close(u"sizes");
+  events.close(u"__mapValue__").close(u"byName");
+  EXPECT_EQ(node.findInByName("k")->getSizes().at("s"), 1);
+  events.open(u"u").open(u"u").open(u"u").open(u"u");
+  EXPECT_THROW(events.open(u"u"), std::length_error);
 }
 
 TEST(MessageReader, WithoutALimitObjectsNestFreely) {

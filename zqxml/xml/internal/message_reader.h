@@ -40,7 +40,7 @@ struct AttributeView {
 class MessageReader {
  public:
   /// Reads into `root`, which stays the caller's; null to make an object of the class that the root element
-  /// names. `maxLevels` objects may be nested, 0 for any number.
+  /// names. `maxLevels` objects may be nested, 0 for any number, in the elements that so many take at most.
   explicit MessageReader(XNMessageBase* root, std::size_t maxLevels);
 
   void start(std::u16string_view name, std::span<const AttributeView> attributes);
@@ -85,6 +85,7 @@ class MessageReader {
   struct MapInsert;
 
   // Elements.
+  void checkDepth();
   void openRoot(std::u16string_view name, std::span<const AttributeView> attributes);
   bool openObject(const FieldDef& field, std::span<const AttributeView> attributes);
   bool processAttributes(std::span<const AttributeView> attributes);
@@ -107,6 +108,9 @@ class MessageReader {
   void dropEntries(std::size_t depth);
   const char* mapName() const;
 
+  std::size_t maxLevels_;
+  /// Elements that are open.
+  std::size_t depth_ = 0;
   ObjectPath path_;
   FieldFinder finder_;
   FieldTextReader values_;

@@ -1,6 +1,7 @@
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/internal/message_access.h>
+#include <zqxml/platform/format.h>
 #include <zqxml/platform/text.h>
 #include <zqxml/xml/internal/message_reader.h>
 #include <zqxml/xml/internal/message_reader_names.h>
@@ -37,11 +38,13 @@ void logBadAttributes(std::u16string_view tag) {
 
 }  // namespace
 
-MessageReader::MessageReader(XNMessageBase* root, std::size_t maxLevels) : path_(maxLevels) {
+MessageReader::MessageReader(XNMessageBase* root, std::size_t maxLevels)
+    : maxLevels_(maxLevels), path_(maxLevels) {
   if (root != nullptr) path_.openRoot(*root);
 }
 
 void MessageReader::start(std::u16string_view name, std::span<const AttributeView> attributes) {
+  checkDepth();
   const bool isRoot = !std::exchange(started_, true);
   if (skipping_) return logDebug(kStart, 10, "Skipping element [%s]", name);
   if (isRoot) {
@@ -71,6 +74,15 @@ void MessageReader::start(std::u16string_view name, std::span<const AttributeVie
   if (!isObject && !processAttributes(attributes)) logBadAttributes(name);
   if (attributes.size() == 1 && (field != nullptr || inMap()) && attributes.front().name == kValName)
     readVal(field, attributes.front().value);
+}
+
+/// An object in a map takes two elements, and a value inside the innermost object one more. What is nested
+/// deeper is no message, and the parser takes the time of all open elements for each one that opens.
+void MessageReader::checkDepth() {
+  const std::size_t mostElements = 2 * maxLevels_ + 1;
+  if (maxLevels_ != 0 && depth_ >= mostElements)
+    throw std::length_error(formatText("Elements are nested in more than [%zu] levels", mostElements));
+  ++depth_;
 }
 
 void MessageReader::openRoot(std::u16string_view name, std::span<const AttributeView> attributes) {
@@ -118,6 +130,7 @@ void MessageReader::readVal(const FieldDef* field, std::u16string_view value) {
 }
 
 void MessageReader::end(std::u16string_view name) {
+  --depth_;
   const bool wasCapturing = std::exchange(capturing_, false);
   if (skipping_) {
     text_.clear();
