@@ -133,7 +133,10 @@ std::string writeSubsystemTable(const Catalogue& catalogue, std::string_view fir
       text += cat("extern const FieldDefaultEntry kDefaults[", count, "];\n");
     text += "}\n";
   }
-  text += "\nnamespace zqxml {\n\nconstexpr SubsystemDef gSubsystemTable[kSubsystemCount + 1] = {\n";
+  text +=
+      "\nnamespace zqxml {\n\n// Weak: the table of a program takes the place of the library's.\n"
+      "extern __attribute__((weak)) const SubsystemDef gSubsystemTable[kSubsystemCount + 1];\n"
+      "constexpr SubsystemDef gSubsystemTable[kSubsystemCount + 1] = {\n";
   int next = 0;
   for (const auto& subsystem : catalogue.subsystems) {
     text += emptyRows(subsystem->slot - next);
