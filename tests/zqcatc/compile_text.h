@@ -39,7 +39,8 @@ inline Compiled compileFiles(std::vector<SchemaSource> sources) {
   Compiled compiled;
   compiled.sources = std::move(sources);
   Diagnostics diagnostics;
-  compiled.catalogue = compileCatalogue(compiled.sources, diagnostics);
+  SchemaParser parser;
+  compiled.catalogue = compileCatalogue(compiled.sources, parser, diagnostics);
   std::ostringstream lines;
   diagnostics.print(lines);
   std::istringstream in(lines.str());

@@ -43,10 +43,10 @@ std::string firstLine(std::string_view command, std::string_view from) {
 
 }  // namespace
 
-Catalogue compileCatalogue(std::span<const SchemaSource> sources, Diagnostics& diagnostics) {
+Catalogue compileCatalogue(std::span<const SchemaSource> sources, SchemaParser& parser,
+                           Diagnostics& diagnostics) {
   checkDistinctFiles(sources, diagnostics);
   std::vector<Element> roots;
-  SchemaParser parser;
   for (const SchemaSource& source : sources) {
     std::optional<Element> root = parser.parse(source, diagnostics);
     if (!root.has_value()) continue;

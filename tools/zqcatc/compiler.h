@@ -20,7 +20,8 @@ struct OutputFile {
 
 /// Reads and checks all files and works out the numbers. `sources` must outlive `diagnostics`. With an error
 /// reported the catalogue is incomplete and must not be written.
-Catalogue compileCatalogue(std::span<const SchemaSource> sources, Diagnostics& diagnostics);
+Catalogue compileCatalogue(std::span<const SchemaSource> sources, SchemaParser& parser,
+                           Diagnostics& diagnostics);
 
 /// The files of a catalogue without errors: per subsystem the tables, the enumerations and the typed classes,
 /// then the table of subsystems and a header that includes all. `command` is the command line to show in

@@ -137,7 +137,8 @@ int run(const Options& options, std::string_view command) {
     return kFileError;
   }
   Diagnostics diagnostics;
-  const Catalogue catalogue = compileCatalogue(sources, diagnostics);
+  SchemaParser parser;
+  const Catalogue catalogue = compileCatalogue(sources, parser, diagnostics);
   if (diagnostics.hasErrors()) {
     diagnostics.print(std::cerr);
     return kSchemaErrors;
