@@ -92,11 +92,9 @@ TEST(AnnotationCursor, ReadsNumbersBigEndianAndTextsInPlace) {
   EXPECT_EQ(cursor.position(), 5u);
   EXPECT_EQ(cursor.byte(), 7u);
   EXPECT_EQ(cursor.word32(), 0x12345678u);
-  EXPECT_TRUE(cursor.inside());
   const std::string_view text = cursor.text();
   EXPECT_EQ(text, "ab");
   EXPECT_EQ(text.data(), bytes.data() + 12);
-  EXPECT_FALSE(cursor.inside());
   EXPECT_FALSE(cursor.failed());
 }
 
@@ -106,7 +104,6 @@ TEST(AnnotationCursor, FailsForGoodAtTheFirstReadBeyondTheRecord) {
   AnnotationCursor cursor(record);
   EXPECT_EQ(cursor.word32(), 0u);
   EXPECT_TRUE(cursor.failed());
-  EXPECT_FALSE(cursor.inside());
   EXPECT_EQ(cursor.byte(), 0u);
   EXPECT_EQ(cursor.text(), "");
 }
@@ -125,7 +122,6 @@ TEST(AnnotationCursor, PositionBeyondTheEndFailsOnlyWithTheNextRead) {
   AnnotationCursor cursor(record);
   cursor.skip(3);
   EXPECT_FALSE(cursor.failed());
-  EXPECT_FALSE(cursor.inside());
   EXPECT_EQ(cursor.byte(), 0u);
   EXPECT_TRUE(cursor.failed());
 }
@@ -134,7 +130,6 @@ TEST(AnnotationCursor, ShortRecordHasNoSections) {
   const std::string bytes = packRecord(packBytes({0}));
   const AnnotationRecord record(bytes.data());
   AnnotationCursor cursor(record);
-  EXPECT_FALSE(cursor.inside());
   EXPECT_EQ(cursor.byte(), 0u);
   EXPECT_TRUE(cursor.failed());
 }

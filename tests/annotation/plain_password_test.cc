@@ -262,8 +262,7 @@ TEST_F(PlatformRoutines, GiveAnEmptyTextWhenTheyFail) {
 TEST_F(PlatformRoutines, LeaveNoPlainPasswordInFreedMemory) {
   const pstring plain{std::string(FreedSecrets::kMarker)};
   std::string text;
-  std::string back;
-  for (const int type : {3, 4, 5, 9, 10}) {
+  for (const int type : {3, 4, 5, 9, 10, 1}) {
     const FreedSecrets freed;
     ASSERT_EQ(XMLDecoder().encryptPassword(type, plain, text), XN_MSG_OK);
     EXPECT_EQ(freed.count(), 0) << type;

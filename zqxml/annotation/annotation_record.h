@@ -10,7 +10,7 @@
 //   5  .  sections of Text, CommandParam, SearchCriteriaDef, StoredProcedure, those that flag byte 1 names
 //
 // Flag bytes that the length does not cover are 0. A string is a 2-byte length and its bytes, no terminator.
-// The forms of the sections stand beside their structures in annotation_sections.h.
+// The forms of the sections stand beside their functions in internal/annotation_sections.h.
 // XMLDecoder::FillAnnotation gives the same as messages of subsystem Annotation; the codecs read the flags
 // here. Nothing fails or logs; safe from any thread.
 #pragma once
@@ -92,8 +92,6 @@ class AnnotationCursor {
       : bytes_(record.bytes()), position_(kSections) {}
 
   constexpr std::size_t position() const { return position_; }
-  /// There is a byte at the position.
-  constexpr bool inside() const { return !failed_ && position_ < bytes_.size(); }
   constexpr bool failed() const { return failed_; }
 
   constexpr unsigned byte() { return number(1); }

@@ -67,7 +67,6 @@ Values sectionValues(const AnnotationRecord& record) {
   AnnotationCursor cursor(record);
   for (const Section& section : kSections) {
     if ((record.flags(1) & section.mask) == 0) continue;
-    if (!cursor.inside()) break;
     const AnnotationValues values = section.read(cursor);
     if (section.mask == kMask && !cursor.failed()) return values;
   }
