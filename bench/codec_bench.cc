@@ -134,7 +134,7 @@ std::vector<Comparison> comparisons(const std::vector<std::unique_ptr<Subject>>&
 
 int run(int argc, char** argv) {
   std::vector<std::unique_ptr<Subject>> subjects;
-  subjects.push_back(subject("small", std::make_shared<const JobEntry>(jobEntry(17))));
+  subjects.push_back(subject("small", std::make_shared<const JobEntry>(soleEntry())));
   subjects.push_back(subject("medium", std::make_shared<const JobReport>(jobReport(20))));
   subjects.push_back(subject("large", std::make_shared<const JobReport>(jobReport(5000))));
   for (const auto& s : subjects) {

@@ -12,38 +12,50 @@ std::string digits(std::uint64_t number, std::size_t width) {
 }  // namespace
 
 JobEntry jobEntry(std::uint32_t n) {
-  static constexpr const char* kPolicies[] = {"nightly-full", "hourly-log", "weekly-synthetic",
-                                              "monthly-archive"};
+  static constexpr const char* kPolicies[] = {"nightly", "hourly", "weekly", "archive"};
   return {.id = 100000 + n,
-          .client = "fileserver-" + digits(n % 1000, 3) + ".lan",
-          .path = "/data/vol" + digits(n % 64, 2),
+          .client = "db-server-" + digits(n % 1000, 3),
+          .path = "/vol/" + digits(n % 64, 2),
           .policy = kPolicies[n % 4],
           .size = std::int64_t{1000003} * (n % 97 + 1),
           .start = static_cast<std::int32_t>(1700000000 + 61 * n),
           .state = static_cast<int>(n % 4)};
 }
 
+JobEntry soleEntry() {
+  JobEntry entry = jobEntry(17);
+  entry.client = "db-server-017.example.lan";
+  entry.path = "/vol/17/finance/2023/11";
+  entry.policy = "nightly-full";
+  return entry;
+}
+
 JobReport jobReport(std::size_t subObjects) {
   JobReport report;
-  report.texts = {
-      "Nightly protection summary",
-      "hubserver-01.example.lan",
-      "11.32.45",
-      "Europe/Zurich",
-      "operator-07",
-      "REQ-2023-11-000417",
-      "Finance & Accounting",
-      "ZRH",
-      "SP-primary-dedup",
-      "30 days, 2 cycles",
-      "lib-tape-03",
-      "copy-1",
-      "weekday-2200",
-      "https://tickets.example.lan/417?view=full&tab=1",
-      "backup-team@example.lan",
-      "/var/spool/reports/nightly/2023-11-14.html",
-      "de_CH",
-      "All systems were protected; two clients need a look at their open files before the next run."};
+  report.texts = {"Nightly protection summary",
+                  "hubserver-01.example.lan",
+                  "11.32.45",
+                  "Europe/Zurich",
+                  "operator-07",
+                  "REQ-2023-11-000417",
+                  "Finance & Accounting",
+                  "ZRH",
+                  "SP-primary-dedup",
+                  "30 days, 2 cycles",
+                  "lib-tape-03",
+                  "copy-1",
+                  "weekday-2200",
+                  "https://tickets.example.lan/417?view=full&tab=1",
+                  "backup-team@example.lan",
+                  "/var/spool/reports/nightly/2023-11-14.html",
+                  "de_CH",
+                  "All systems were protected; two clients need a look at their open files before the next "
+                  "run. The archive "
+                  "has grown by a tenth since last month, most of it mail; the tape library has two free "
+                  "slots left and will "
+                  "ask for cleaning by the end of the week. Retention was checked against the rules of the "
+                  "department, and "
+                  "nothing was removed that should have stayed."};
   report.comment = u"Kapazit\u00e4t pr\u00fcfen: \u201eArchiv\u201c w\u00e4chst";
   for (std::size_t i = 0; i < report.counts.size(); ++i)
     report.counts[i] = static_cast<std::int32_t>(i * i * 37 + 1);

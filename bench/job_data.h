@@ -60,6 +60,8 @@ struct JobReport {
 
 /// The n-th entry: always the same.
 JobEntry jobEntry(std::uint32_t n);
+/// An entry that is a message by itself, with the longer texts of one.
+JobEntry soleEntry();
 /// A report of `subObjects` entries, two of them outside of the list.
 JobReport jobReport(std::size_t subObjects);
 
