@@ -2,8 +2,10 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <pty.h>
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,8 +20,12 @@ constexpr auto kMostTime = std::chrono::minutes(2);
 
 struct Pipe {
   std::array<int, 2> ends{-1, -1};
-  Pipe() {
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) ends = {-1, -1};
+  explicit Pipe(bool terminal = false) {
+    if (terminal) {
+      if (openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr) != 0) ends = {-1, -1};
+    } else if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+      ends = {-1, -1};
+    }
   }
   ~Pipe() {
     closeEnd(0);
@@ -36,7 +42,7 @@ struct Pipe {
 // In the child, after fork: only what is safe there.
 [[noreturn]] void become(std::vector<char*>& arguments, const ProgramSetup& setup, const Pipe& in,
                          const Pipe& out, const Pipe& err) {
-  const int full = setup.closedOutput ? open("/dev/full", O_WRONLY) : out.ends[1];
+  const int full = setup.fullOutput ? open("/dev/full", O_WRONLY) : out.ends[1];
   if (dup2(in.ends[0], 0) < 0 || dup2(full, 1) < 0 || dup2(err.ends[1], 2) < 0) _exit(127);
   if (!setup.folder.empty() && chdir(setup.folder.c_str()) != 0) _exit(127);
   for (const std::string& variable : setup.environment) {
@@ -90,7 +96,8 @@ ProgramRun runProgram(const std::vector<std::string>& command, const ProgramSetu
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
-  Pipe in, out, err;
+  Pipe in, out;
+  Pipe err(setup.errorTerminal);
   // A program that does not read its input must not end the test.
   signal(SIGPIPE, SIG_IGN);
   const pid_t child = fork();
@@ -105,7 +112,9 @@ ProgramRun runProgram(const std::vector<std::string>& command, const ProgramSetu
   fcntl(in.ends[1], F_SETFL, O_NONBLOCK);
   if (!exchange(setup.input, in, out, err, run)) kill(child, SIGKILL);
   int status = 0;
-  if (waitpid(child, &status, 0) != child) return run;
+  rusage usage = {};
+  if (wait4(child, &status, 0, &usage) != child) return run;
+  run.peakMemory = usage.ru_maxrss;
   run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
   return run;
 }

@@ -30,7 +30,7 @@ std::string prefixed(std::string_view where) {
 }  // namespace
 
 std::string visible(std::string_view text) {
-  return escaped(text, '\0');
+  return escapedText(text, '\0');
 }
 
 Console::Console() : terminal_(isatty(STDERR_FILENO) == 1), colours_(terminal_ && coloursWanted()) {}

@@ -23,8 +23,9 @@ bool isFolder(const std::string& path) {
 }
 
 Failure tooManyMessages(const std::string& where, Form form) {
-  return Failure(kFailed, where,
-                 "holds more than one message, and " + std::string(formName(form)) + " has room for one only")
+  return Failure(
+             kFailed, where,
+             "brings a second message, and a file of the form " + std::string(formName(form)) + " holds one")
       .advise("write into a folder (-o FOLDER/), or use --to objects");
 }
 

@@ -52,11 +52,11 @@ std::string valueText(const T& value, std::size_t position = 0) {
   } else if constexpr (std::is_same_v<T, pstring>) {
     return "a password of type " + std::to_string(value.getEncryptionType());
   } else if constexpr (std::is_same_v<T, bstring>) {
-    return quoted(value.str(), position);
+    return quotedText(value.str(), position);
   } else if constexpr (std::is_same_v<T, std::u16string>) {
-    return quoted(toUtf8(value), position);
+    return quotedText(toUtf8(value), position);
   } else {
-    return quoted(value, position);
+    return quotedText(value, position);
   }
 }
 

@@ -65,7 +65,7 @@ std::string shortest(T value) {
 
 }  // namespace
 
-std::string escaped(std::string_view text, char quote) {
+std::string escapedText(std::string_view text, char quote) {
   std::string out;
   out.reserve(text.size());
   while (!text.empty()) {
@@ -84,8 +84,8 @@ std::string escaped(std::string_view text, char quote) {
   return out;
 }
 
-std::string quoted(std::string_view text, std::size_t position) {
-  if (text.size() <= kShown) return '"' + escaped(text, '"') + '"';
+std::string quotedText(std::string_view text, std::size_t position) {
+  if (text.size() <= kShown) return '"' + escapedText(text, '"') + '"';
   std::size_t start = position > kShownBefore ? position - kShownBefore : 0;
   if (start + kShown > text.size()) start = text.size() - kShown;
   const auto insideSequence = [text](std::size_t at) {
@@ -95,7 +95,7 @@ std::string quoted(std::string_view text, std::size_t position) {
   for (int i = 0; i < 3 && start > 0 && insideSequence(start); ++i) --start;
   for (int i = 0; i < 3 && insideSequence(end); ++i) ++end;
   std::string out = start == 0 ? "\"" : "...\"";
-  out += escaped(text.substr(start, end - start), '"');
+  out += escapedText(text.substr(start, end - start), '"');
   out += end == text.size() ? "\"" : "\"...";
   out += " (" + std::to_string(text.size()) + " bytes)";
   return out;

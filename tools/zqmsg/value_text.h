@@ -8,11 +8,11 @@ namespace zqxml::tool {
 
 /// `text` on one line: control characters as \n, \t, \r or \xNN, bytes that are no UTF-8 as \xNN; `quote` and
 /// the backslash are escaped too, unless `quote` is NUL.
-std::string escaped(std::string_view text, char quote);
+std::string escapedText(std::string_view text, char quote);
 
 /// `text` in double quotes, escaped. Of a long one only some 60 bytes are shown, from a little before
 /// `position`, with what was left out told behind it.
-std::string quoted(std::string_view text, std::size_t position = 0);
+std::string quotedText(std::string_view text, std::size_t position = 0);
 
 /// The shortest text that reads back as the same number.
 std::string numberText(double value);
