@@ -192,7 +192,9 @@ TEST_F(BadInput, ChangedBytes) {
 TEST_F(BadInput, DeeplyNestedXml) {
   std::string xml = "<ZQGui_SaveAlert>";
   for (int i = 0; i < 100000; ++i) xml += "<processinginstructioninfo>";
-  EXPECT_THAT(zqmsg({"convert", "--to", "xml"}, xml), Exits(4));
+  const ProgramRun run = zqmsg({"convert", "--to", "xml"}, xml);
+  EXPECT_THAT(run, Exits(5));
+  EXPECT_THAT(run.err, HasSubstr("nested in more than"));
 }
 
 TEST_F(BadInput, HundredMegabytesOfZeros) {
