@@ -27,7 +27,7 @@ void installHandlers() {
     if (sigaction(signalNumber, nullptr, &present) != 0 || present.sa_handler != SIG_DFL) continue;
     struct sigaction action = {};
     action.sa_handler = &removeAndDie;
-    action.sa_flags = SA_RESETHAND | SA_NODEFER;
+    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
     sigemptyset(&action.sa_mask);
     sigaction(signalNumber, &action, nullptr);
   }
