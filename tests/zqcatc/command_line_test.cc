@@ -1,14 +1,15 @@
 // The program: options, exit status, files.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
+#include <vector>
+
+#include "tests/support/run_program.h"
+#include "tests/support/scratch_folder.h"
 
 namespace zqxml {
 namespace {
@@ -17,63 +18,46 @@ namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-struct Outcome {
-  int status;
-  std::string output;  ///< standard output and error
-};
-
 class ZqcatcCommandTest : public ::testing::Test {
  protected:
-  ZqcatcCommandTest()
-      : folder_(fs::path(::testing::TempDir()) /
-                ("zqcatc-" + std::to_string(getpid()) + "-" +
-                 ::testing::UnitTest::GetInstance()->current_test_info()->name())) {
-    fs::remove_all(folder_);
-    fs::create_directories(folder_);
-  }
-  ~ZqcatcCommandTest() override { fs::remove_all(folder_); }
-
-  Outcome run(const std::string& arguments) const {
-    const std::string command = "cd '" + folder_.string() + "' && '" ZQCATC "' " + arguments + " 2>&1";
-    Outcome outcome{-1, {}};
-    FILE* pipe = popen(command.c_str(), "r");
-    std::array<char, 4096> buffer{};
-    while (const std::size_t n = std::fread(buffer.data(), 1, buffer.size(), pipe))
-      outcome.output.append(buffer.data(), n);
-    outcome.status = WEXITSTATUS(pclose(pipe));
-    return outcome;
-  }
-  void write(const std::string& name, const std::string& text) const {
-    std::ofstream(folder_ / name) << text;
+  /// Runs zqcatc in the scratch folder; arguments are parted by blanks.
+  ProgramRun run(const std::string& arguments) const {
+    std::vector<std::string> command{ZQCATC};
+    std::istringstream words(arguments);
+    for (std::string word; words >> word;) command.push_back(word);
+    return runProgram(command, {.input = {}, .folder = folder_.path(), .environment = {}});
   }
   void writeGood() const {
-    write("T.xml",
-          "<subsystem name=\"T\" slot=\"202\" records=\"1\"><class name=\"C\" index=\"0\"/></subsystem>");
+    folder_.write(
+        "T.xml",
+        "<subsystem name=\"T\" slot=\"202\" records=\"1\"><class name=\"C\" index=\"0\"/></subsystem>");
+  }
+  fs::path generated(const std::string& name = "") const {
+    return folder_.path("out/zqxml/catalogue/generated/" + name);
   }
 
-  fs::path folder_;
+  ScratchFolder folder_;
 };
 
 TEST_F(ZqcatcCommandTest, HelpHasExamples) {
   for (const char* option : {"--help", "-h"}) {
-    const Outcome outcome = run(option);
+    const ProgramRun outcome = run(option);
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_THAT(outcome.output,
-                AllOf(StartsWith("zqcatc - "), HasSubstr("Examples:\n  zqcatc --check schema"),
-                      HasSubstr("Exit status: 0 done, 1 ")));
+    EXPECT_THAT(outcome.out, AllOf(StartsWith("zqcatc - "), HasSubstr("Examples:\n  zqcatc --check schema"),
+                                   HasSubstr("Exit status: 0 done, 1 ")));
   }
 }
 
 TEST_F(ZqcatcCommandTest, VersionIsPrinted) {
-  EXPECT_THAT(run("--version").output, StartsWith("zqcatc 0."));
+  EXPECT_THAT(run("--version").out, StartsWith("zqcatc 0."));
 }
 
 TEST_F(ZqcatcCommandTest, WrongUsageIsTwo) {
   writeGood();
   const auto refused = [this](const std::string& arguments, const std::string& why) {
-    const Outcome outcome = run(arguments);
+    const ProgramRun outcome = run(arguments);
     EXPECT_EQ(outcome.status, 2) << arguments;
-    EXPECT_EQ(outcome.output, "zqcatc: " + why + "; 'zqcatc --help' shows the usage\n");
+    EXPECT_EQ(outcome.err, "zqcatc: " + why + "; 'zqcatc --help' shows the usage\n");
   };
   refused("", "no schema given");
   refused("T.xml", "give one of --out, --check and --list");
@@ -83,68 +67,84 @@ TEST_F(ZqcatcCommandTest, WrongUsageIsTwo) {
 }
 
 TEST_F(ZqcatcCommandTest, FileThatCannotBeReadIsThree) {
-  EXPECT_EQ(run("--check missing.xml").output, "zqcatc: cannot read missing.xml\n");
+  EXPECT_EQ(run("--check missing.xml").err, "zqcatc: cannot read missing.xml\n");
   EXPECT_EQ(run("--check missing.xml").status, 3);
-  EXPECT_EQ(run("--check .").output, "zqcatc: there is no *.xml file in folder .\n");
+  EXPECT_EQ(run("--check .").err, "zqcatc: there is no *.xml file in folder .\n");
   EXPECT_EQ(run("--check .").status, 3);
 }
 
 TEST_F(ZqcatcCommandTest, FolderThatCannotBeWrittenIsThree) {
   writeGood();
-  write("blocked", "");
-  const Outcome outcome = run("--out blocked/x T.xml");
+  folder_.write("blocked", "");
+  const ProgramRun outcome = run("--out blocked/x T.xml");
   EXPECT_EQ(outcome.status, 3);
-  EXPECT_THAT(outcome.output, StartsWith("zqcatc: cannot make folder blocked/x/zqxml/catalogue/generated: "));
+  EXPECT_THAT(outcome.err, StartsWith("zqcatc: cannot make folder blocked/x/zqxml/catalogue/generated: "));
+}
+
+TEST_F(ZqcatcCommandTest, EndlessInputIsRefusedAtTheSizeLimit) {
+  const ProgramRun outcome = run("--check /dev/zero");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.err, StartsWith("/dev/zero: error: the file is larger than 32 MiB"));
+}
+
+TEST_F(ZqcatcCommandTest, OutputThatCannotBeWrittenIsThree) {
+  writeGood();
+  for (const char* option : {"--list", "--help"}) {
+    const ProgramRun outcome =
+        runProgram({ZQCATC, option, "T.xml"},
+                   {.input = {}, .folder = folder_.path(), .environment = {}, .closedOutput = true});
+    EXPECT_EQ(outcome.status, 3) << option;
+    EXPECT_EQ(outcome.err, "zqcatc: cannot write to standard output\n");
+  }
 }
 
 TEST_F(ZqcatcCommandTest, ErrorIsOneAndNothingIsWritten) {
   writeGood();
-  write("U.xml", "<subsystem name=\"U\" slot=\"0\" records=\"1\"/>");
-  const Outcome outcome = run("--out out .");
+  folder_.write("U.xml", "<subsystem name=\"U\" slot=\"0\" records=\"1\"/>");
+  const ProgramRun outcome = run("--out out .");
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_THAT(outcome.output, StartsWith("./U.xml:1:21: error: slot of subsystem 'U' is '0'"));
-  EXPECT_FALSE(fs::exists(folder_ / "out"));
+  EXPECT_THAT(outcome.err, StartsWith("./U.xml:1:21: error: slot of subsystem 'U' is '0'"));
+  EXPECT_FALSE(fs::exists(folder_.path("out")));
 }
 
 TEST_F(ZqcatcCommandTest, CheckWritesNothing) {
   writeGood();
-  const Outcome outcome = run("--check .");
+  const ProgramRun outcome = run("--check .");
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.output, "");
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()), 1);
+  EXPECT_EQ(outcome.out + outcome.err, "");
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder_.path()), fs::directory_iterator()), 1);
 }
 
 TEST_F(ZqcatcCommandTest, ListNamesWhatOutWrites) {
   writeGood();
   std::string names;
-  const Outcome list = run("--list T.xml");
+  const ProgramRun list = run("--list T.xml");
   EXPECT_EQ(run("--out out T.xml").status, 0);
   for (const char* name : {"T.cc", "T_enums.h", "T.h", "subsystem_table.cc", "catalogue.h"}) {
     names += std::string("zqxml/catalogue/generated/") + name + "\n";
-    EXPECT_TRUE(fs::exists(folder_ / "out/zqxml/catalogue/generated" / name)) << name;
+    EXPECT_TRUE(fs::exists(generated(name))) << name;
   }
-  EXPECT_EQ(list.output, names);
+  EXPECT_EQ(list.out, names);
 }
 
 TEST_F(ZqcatcCommandTest, SecondRunTouchesNothing) {
   writeGood();
   ASSERT_EQ(run("--out out T.xml").status, 0);
   const fs::file_time_type old = fs::file_time_type::clock::now() - std::chrono::hours(1);
-  for (const auto& entry : fs::directory_iterator(folder_ / "out/zqxml/catalogue/generated"))
-    fs::last_write_time(entry, old);
+  for (const auto& entry : fs::directory_iterator(generated())) fs::last_write_time(entry, old);
   ASSERT_EQ(run("--out out T.xml").status, 0);
-  for (const auto& entry : fs::directory_iterator(folder_ / "out/zqxml/catalogue/generated"))
+  for (const auto& entry : fs::directory_iterator(generated()))
     EXPECT_EQ(fs::last_write_time(entry), old) << entry;
 }
 
 TEST_F(ZqcatcCommandTest, OutputDoesNotTellWhereItWasMade) {
   writeGood();
-  ASSERT_EQ(run("--out out \"$PWD\"").status, 0);
-  std::ifstream file(folder_ / "out/zqxml/catalogue/generated/T.cc");
+  ASSERT_EQ(run("--out out " + folder_.path()).status, 0);
+  std::ifstream file(generated("T.cc"));
   std::string line;
   std::getline(file, line);
-  EXPECT_EQ(line, "// Written by zqcatc from T.xml (zqcatc --out FOLDER " + folder_.filename().string() +
-                      "); changes are lost.");
+  EXPECT_EQ(line, "// Written by zqcatc from T.xml (zqcatc --out FOLDER " +
+                      fs::path(folder_.path()).filename().string() + "); changes are lost.");
 }
 
 }  // namespace

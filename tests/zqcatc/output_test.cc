@@ -1,14 +1,13 @@
 // What is written, and when.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 
 #include "compile_text.h"
 #include "output_files.h"
+#include "tests/support/scratch_folder.h"
 
 namespace zqxml::zqcatc {
 namespace {
@@ -21,19 +20,12 @@ using ::testing::StartsWith;
 
 class OutputTest : public ::testing::Test {
  protected:
-  OutputTest()
-      : folder_(fs::path(::testing::TempDir()) /
-                cat("zqcatc-output-", getpid(), "-",
-                    ::testing::UnitTest::GetInstance()->current_test_info()->name())) {
-    fs::remove_all(folder_);
-  }
-  ~OutputTest() override { fs::remove_all(folder_); }
-
   std::string content(const std::string& name) const {
     std::ifstream file(folder_ / name);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   }
-  fs::path folder_;
+  const ScratchFolder scratch_;
+  const fs::path folder_ = scratch_.path();
 };
 
 TEST_F(OutputTest, FoldersAreMadeAndFilesWritten) {

@@ -54,6 +54,14 @@ struct Options {
   std::vector<std::string> schemas;
 };
 
+/// Prints to standard output; an exit status.
+int print(std::string_view text) {
+  std::cout << text << std::flush;
+  if (std::cout) return kDone;
+  std::cerr << "zqcatc: cannot write to standard output\n";
+  return kFileError;
+}
+
 int usage(std::string_view why) {
   std::cerr << "zqcatc: " << why << "; 'zqcatc --help' shows the usage\n";
   return kUsage;
@@ -64,12 +72,10 @@ int parseOptions(int argc, char** argv, Options& options) {
   for (int i = 1; i < argc; ++i) {
     const std::string_view argument = argv[i];
     if (argument == "-h" || argument == "--help") {
-      std::cout << kHelp;
-      return kDone;
+      return print(kHelp);
     }
     if (argument == "--version") {
-      std::cout << "zqcatc " ZQCATC_VERSION "\n";
-      return kDone;
+      return print("zqcatc " ZQCATC_VERSION "\n");
     }
     if (argument == "--out") {
       if (++i == argc) return usage("--out needs a folder");
@@ -107,17 +113,15 @@ bool expand(const std::string& schema, std::vector<std::string>& paths, std::str
   return error.empty();
 }
 
+/// Reads at most one byte more than a file may have, however long the file is; the parser refuses that.
 bool readFile(const std::string& path, std::string& text, std::string& error) {
-  std::error_code code;
-  const std::uintmax_t size = fs::is_regular_file(path, code) ? fs::file_size(path, code) : 0;
-  // A file that is too large is not read; the parser refuses what is longer than its limit.
-  if (size > SchemaParser::kMaxFileBytes) {
-    text.assign(SchemaParser::kMaxFileBytes + 1, ' ');
-    return true;
-  }
   std::ifstream file(path, std::ios::binary);
-  text.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-  if (!file.is_open() || file.bad() || code) error = cat("cannot read ", path);
+  std::vector<char> chunk(std::size_t{1} << 16);
+  while (file && text.size() <= SchemaParser::kMaxFileBytes) {
+    file.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
+    text.append(chunk.data(), static_cast<std::size_t>(file.gcount()));
+  }
+  if (!file.is_open() || file.bad()) error = cat("cannot read ", path);
   return error.empty();
 }
 
@@ -146,12 +150,13 @@ int run(const Options& options, std::string_view command) {
   if (options.check) return kDone;
   const std::vector<OutputFile> files = writeCatalogue(catalogue, command);
   if (options.list) {
-    for (const OutputFile& file : files) std::cout << file.path << '\n';
-  } else if (!writeFiles(options.out, files, error)) {
-    std::cerr << "zqcatc: " << error << '\n';
-    return kFileError;
+    std::string names;
+    for (const OutputFile& file : files) names += file.path + "\n";
+    return print(names);
   }
-  return kDone;
+  if (writeFiles(options.out, files, error)) return kDone;
+  std::cerr << "zqcatc: " << error << '\n';
+  return kFileError;
 }
 
 /// The command line with folders cut to their last part, so that outputs are the same wherever they are made.
