@@ -95,7 +95,7 @@ class Wire {
 };
 
 /// The message of a class with this body.
-inline std::string withHeader(std::uint32_t tag, std::string_view body, std::uint32_t version = 2) {
+inline std::string withHeader(std::uint32_t tag, const std::string& body, std::uint32_t version = 2) {
   return Wire().fixed32(version).fixed32(tag).raw(body);
 }
 
