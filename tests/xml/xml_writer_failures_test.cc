@@ -206,6 +206,16 @@ TEST(XmlDocumentFailure, ExceptionInReleaseIsOnlyATrace) {
   EXPECT_EQ(log.count("XMLSerializer::serialize", 15, "Exception releasing DOMDocument."), 1u);
 }
 
+TEST(XmlDocumentFailure, ExceptionInReleaseOfAWideCallIsItsTrace) {
+  const ScopedDomFault fault(DomFault::kRelease);
+  Sample msg = titled();
+  LogCapture log(15);
+  std::u16string text;
+  EXPECT_EQ(XMLSerializer().serializeUTF16(msg, text, true), XN_MSG_OK);
+  EXPECT_EQ(text, uR"(<Demo_Sample title="t"/>)");
+  EXPECT_EQ(log.count("XMLSerializer::serializeUTF16", 15, "Exception releasing DOMDocument."), 1u);
+}
+
 // --- the text
 
 TEST(XmlDumpFailure, KeepsAnsweringOkWhenTheLibraryThrows) {

@@ -250,6 +250,16 @@ TEST(CdataForm, KeepsEscapingTheEndMark) {
             "<cdataWides><![CDATA[a]]]]><![CDATA[>b]]></cdataWides></App_AnnotationSample>");
 }
 
+TEST(CdataForm, TextWithTheEndMarkComesBackWhole) {
+  for (const char* text : {"]]>", "a]]>b", "]]>]]>", "]]>>", "]]]>", "a]]>b]]>c"}) {
+    AnnotationSample source;
+    source.setCdataText(text);
+    AnnotationSample target;
+    ASSERT_EQ(target.unserialize(source.AsString()), XN_MSG_OK);
+    EXPECT_EQ(target.getCdataText(), text);
+  }
+}
+
 TEST(CdataForm, IllegalCharactersAreEncodedAndTextsEndAtNul) {
   AnnotationSample msg;
   msg.setCdataText("a\x01\0b"s);

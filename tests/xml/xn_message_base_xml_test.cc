@@ -142,13 +142,13 @@ TEST(MessageXml, SerializerIsCopiedAndMovedWithFlagsAndContext) {
 TEST(MessageXml, DeepNestingIsWritten) {
   Demo::Nest msg;
   Demo::Nest* last = &msg;
-  for (int depth = 0; depth < 500; ++depth) {
+  for (int depth = 0; depth < 1000; ++depth) {
     last = &last->mutableChild();
     last->setDepth(depth);
   }
   const std::string text = xmlOf(msg);
   EXPECT_EQ(text.substr(0, 37), R"(<Demo_Nest><child depth="0"><child de)");
-  EXPECT_NE(text.find(R"(<child depth="499"/>)"), text.npos);
+  EXPECT_NE(text.find(R"(<child depth="999"/>)"), text.npos);
 }
 
 TEST(MessageXml, ConcurrentWritersDoNotDisturbEachOther) {

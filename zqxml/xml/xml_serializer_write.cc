@@ -30,7 +30,7 @@ constexpr int kFormVersion = 2;
 /// Owns the document of one call.
 class DocumentHolder {
  public:
-  DocumentHolder() = default;
+  explicit DocumentHolder(const char* function) : function_(function) {}
   ~DocumentHolder() { release(); }
   DocumentHolder(const DocumentHolder&) = delete;
   DocumentHolder& operator=(const DocumentHolder&) = delete;
@@ -42,11 +42,12 @@ class DocumentHolder {
     try {
       std::exchange(document_, nullptr)->release();
     } catch (...) {
-      logDebug("XMLSerializer::serialize", 15, "Exception releasing DOMDocument.");
+      logDebug(function_, 15, "Exception releasing DOMDocument.");
     }
   }
 
  private:
+  const char* function_;  ///< whose line it is when the release throws
   xercesc::DOMDocument* document_ = nullptr;
 };
 
@@ -146,21 +147,21 @@ eXNMsgRet XMLSerializer::serialize(XNMessageBase& msg, std::string& out) {
 }
 
 eXNMsgRet XMLSerializer::serialize(XNMessageBase& msg, std::string& out, int version) {
-  DocumentHolder document;
+  DocumentHolder document(kUtf8.function);
   const eXNMsgRet built = buildDocument(*this, msg, version, kUtf8, document);
   if (built == XN_MSG_OK) DumpDOMDocumentToStringUTF8(out, document.get(), false);
   return built;
 }
 
 eXNMsgRet XMLSerializer::serialize(XNMessageBase& msg, std::string& out, bool rootOnly) {
-  DocumentHolder document;
+  DocumentHolder document(kUtf8.function);
   const eXNMsgRet built = buildDocument(*this, msg, kFormVersion, kUtf8, document);
   if (built == XN_MSG_OK) DumpDOMDocumentToStringUTF8(out, document.get(), rootOnly);
   return built;
 }
 
 eXNMsgRet XMLSerializer::serializeUTF16(XNMessageBase& msg, std::u16string& out, bool rootOnly) {
-  DocumentHolder document;
+  DocumentHolder document(kUtf16.function);
   const eXNMsgRet built = buildDocument(*this, msg, kFormVersion, kUtf16, document);
   if (built == XN_MSG_OK) DumpDOMDocumentToWStringUTF16(out, document.get(), rootOnly);
   return built;
