@@ -2,7 +2,6 @@
 #include <tests/annotation/annotation_samples.h>
 #include <zqxml/annotation/annotation_record.h>
 
-#include <memory>
 #include <string>
 
 namespace zqxml {

@@ -4,6 +4,7 @@
 #include <zqxml/catalogue/name_hash.h>
 #include <zqxml/catalogue/records.h>
 #include <zqxml/message/internal/message_access.h>
+#include <zqxml/xml/xml_decoder.h>
 
 #include <cstdint>
 #include <deque>
@@ -98,6 +99,31 @@ inline SetFields setFieldsOf(const XNMessageBase& message) {
                                   : std::to_string(MessageAccess::slot(message, field));
   }
   return fields;
+}
+
+inline AnnotationBase annotation(AnnotationIndex index) {
+  return AnnotationBase(kAnnotationSlot, index);
+}
+
+/// Whether a field with this record has the annotation.
+inline bool has(AnnotationIndex index, const std::string& record) {
+  AnnotationBase out = annotation(index);
+  return XMLDecoder::FillAnnotation(AnnotatedClass().add("field", record).def(), out, "field");
+}
+
+/// What the annotation takes from a field with this record; one entry "absent" when it is not there.
+inline SetFields filled(AnnotationIndex index, const std::string& record) {
+  AnnotationBase out = annotation(index);
+  if (!XMLDecoder::FillAnnotation(AnnotatedClass().add("field", record).def(), out, "field"))
+    return {{"absent", setFieldsOf(out).empty() ? "" : "but not empty"}};
+  return setFieldsOf(out);
+}
+inline const SetFields kAbsent{{"absent", ""}};
+
+/// 26 bytes: `text` "Schedule Type" and `name` "st".
+inline std::string sampleRecord() {
+  return packBytes({0x00, 0x1a, 0x00, 0x18, 0x00, 0x80, 0x00, 0x0d}) + "Schedule Type" +
+         packBytes({0x80, 0x00, 0x02}) + "st";
 }
 
 }  // namespace zqxml
