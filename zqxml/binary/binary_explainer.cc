@@ -115,9 +115,7 @@ class Narrator {
   void report(const char* format, const Args&... args) {
     reports_.push_back(formatText(format, args...));
   }
-  void body(const _ClassDef*) {
-    levels_.push_back({levels_.empty() ? std::string() : path() + ".", {}, {}, {}});
-  }
+  void body(const _ClassDef*) { levels_.push_back({path(), {}, {}, nullptr}); }
   void bodyEnd() { levels_.pop_back(); }
   void record(const FieldDef* field) {
     levels_.back().field = field;
@@ -141,7 +139,7 @@ class Narrator {
  private:
   /// An object being read.
   struct Level {
-    std::string prefix;
+    std::string outer;  ///< path of the object
     std::string name;
     std::string element;
     const FieldDef* field = nullptr;
@@ -152,7 +150,8 @@ class Narrator {
   std::string path() const {
     if (levels_.empty()) return {};
     const Level& level = levels_.back();
-    return level.prefix + level.name + level.element;
+    const char* dot = level.outer.empty() || level.name.empty() ? "" : ".";
+    return level.outer + dot + level.name + level.element;
   }
   void nameKey(std::uint32_t key) {
     Level& level = levels_.back();
