@@ -27,10 +27,14 @@ Compiled compileAnnotated(const std::string& annotations, const std::string& typ
 }
 
 std::string hex(const std::string& bytes) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
   std::string text;
-  for (unsigned char byte : bytes)
-    text += cat(text.empty() ? "" : " ", std::string(1, "0123456789abcdef"[byte >> 4]),
-                std::string(1, "0123456789abcdef"[byte & 15]));
+  for (const char byte : bytes) {
+    const auto value = static_cast<unsigned char>(byte);
+    if (!text.empty()) text += ' ';
+    text += kDigits[value >> 4];
+    text += kDigits[value & 15];
+  }
   return text;
 }
 

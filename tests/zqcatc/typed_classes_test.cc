@@ -44,13 +44,19 @@ TEST(TypedClassesTest, EveryFieldNameHasACppName) {
 }
 
 TEST(TypedClassesTest, FirstFieldOfTheBaseIsLeftToIt) {
-  const std::string header =
-      compile(
-          "<class name=\"P\" index=\"1\"/><class name=\"C\" index=\"0\">"
-          "<field name=\"processinginstructioninfo\" type=\"object\" class=\"P\"/></class>")
-          .output("T.h");
-  EXPECT_THAT(header, AllOf(HasSubstr("kProcessinginstructioninfo = 0;"),
-                            Not(HasSubstr("getProcessinginstructioninfo"))));
+  const std::string instructions =
+      "<field name=\"processinginstructioninfo\" type=\"object\" class=\"Z.P\"/>";
+  const Compiled compiled = compileFiles(
+      {{"Z.xml",
+        "<subsystem name=\"Z\" slot=\"18\" records=\"75\"><class name=\"P\" index=\"74\"/></subsystem>"},
+       {"T.xml", cat("<subsystem name=\"T\" slot=\"202\" records=\"2\"><class name=\"C\" index=\"0\">",
+                     instructions, "</class><class name=\"D\" index=\"1\"><field name=\"a\" type=\"int\"/>",
+                     instructions, "</class></subsystem>")}});
+  const std::string header = compiled.output("T.h");
+  const std::size_t second = header.find("class D :");
+  EXPECT_THAT(header.substr(0, second), AllOf(HasSubstr("kProcessinginstructioninfo = 0;"),
+                                              Not(HasSubstr("getProcessinginstructioninfo"))));
+  EXPECT_THAT(header.substr(second), HasSubstr("getProcessinginstructioninfo"));
 }
 
 TEST(TypedClassesTest, OtherSubsystemsAreOnlyDeclared) {

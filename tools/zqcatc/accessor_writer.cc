@@ -1,5 +1,8 @@
 #include "accessor_writer.h"
 
+#include <vector>
+
+#include "code_template.h"
 #include "cpp_names.h"
 #include "values.h"
 
@@ -34,6 +37,9 @@ constexpr std::string_view cppType(element::WStr) {
 }
 constexpr std::string_view cppType(element::BStr) {
   return "bstring";
+}
+constexpr std::string_view cppType(element::PStr) {
+  return "pstring";
 }
 constexpr std::string_view cppType(element::Obj) {
   return "XNMessageBase";
@@ -70,23 +76,38 @@ std::string listWord(FieldDataType type) {
   return kUintListTypes.contains(type) ? "uint" : typeName(type).substr(kPrefix.size());
 }
 
-/// Writes the accessors of one field; called with its storage.
+/// Writes the accessors of one field; called with its storage. In the texts:
+///   @X@       the field's name behind get, set, ...
+///   @mem@     its member number            @place@   member number and slot, as most accessors take them
+///   @slot@    its slot                     @id@      the tag of the class and the hash of the field
+///   @type@    C++ type of a value          @word@    what the base's accessors call the type
+///   @target@  C++ name of the class or enumeration that it refers to, @indices@ its slot and class index
 class AccessorWriter {
  public:
   AccessorWriter(const Field& field, const Class& owner, std::string_view passwordType)
-      : field_(field), owner_(owner), passwordType_(passwordType), stem_(accessorStem(field)) {
-    identity_ = cat("kTagId, ", hexNumber(field.hash));
-    place_ = cat(field.memNum, ", ", field.index);
+      : field_(field), passwordType_(passwordType) {
+    const std::string member = std::to_string(field.memNum);
+    const std::string slot = std::to_string(field.index);
+    values_ = {{"X", accessorStem(field)},
+               {"mem", member},
+               {"slot", slot},
+               {"place", cat(member, ", ", slot)},
+               {"id", cat("kTagId, ", hexNumber(field.hash))}};
+    if (field.references.empty()) return;
+    const Class& target = *field.references.front().target;
+    values_.push_back({"target", cppClassName(target, *owner.subsystem)});
+    values_.push_back({"indices", cat(target.subsystem->slot, ", ", target.index)});
   }
 
   std::string text() && {
     visitStorage(field_.type, *this);
-    line(cat("bool is", stem_, "Set() const { return XNMessageBase::isSet(", field_.memNum, ", ", identity_,
-             "); }"));
-    line(cat("void unset", stem_, "() {"));
-    line(cat("  XNMessageBase::deleteMember(", field_.memNum, ", ", identity_, ", false);"));
-    line(cat("  XNMessageBase::unsetField(", field_.memNum, ", ", identity_, ");"));
-    line("}");
+    emit(R"(
+bool is@X@Set() const { return XNMessageBase::isSet(@mem@, @id@); }
+void unset@X@() {
+  XNMessageBase::deleteMember(@mem@, @id@, false);
+  XNMessageBase::unsetField(@mem@, @id@);
+}
+)");
     return std::move(text_);
   }
 
@@ -95,159 +116,146 @@ class AccessorWriter {
   template <class E>
   void operator()(Scalar<E>) {
     if constexpr (element::Floating<E>) {
-      const std::string_view word = accessorWord(E{});
-      scalar(cppType(E{}), cat("get", word, "(", field_.index, ", ", identity_, ")"), cat("set", word),
-             "value");
+      values_.push_back({"word", std::string(accessorWord(E{}))});
+      emit(R"(
+@word@ get@X@() const { return get@word@(@slot@, @id@); }
+void set@X@(@word@ value) { set@word@(@place@, value, @id@); }
+)");
     } else {
-      integer(E{});
+      values_.push_back({"type", std::string(cppType(E{}))});
+      emit(R"(
+@type@ get@X@() const { return static_cast<@type@>(getint64(@slot@, @id@)); }
+void set@X@(@type@ value) { setint64(@place@, static_cast<std::int64_t>(value), @id@); }
+)");
     }
+  }
+
+  void operator()(Scalar<element::Bool>) {
+    emit(R"(
+bool get@X@() const { return getint64(@slot@, @id@) != 0; }
+void set@X@(bool value) { setint64(@place@, value ? 1 : 0, @id@); }
+)");
+  }
+
+  void operator()(Scalar<element::Enum>) {
+    // An enumerator is a signed 32-bit number in its slot, whatever type the enumeration has in C++.
+    emit(R"(
+@target@ get@X@() const { return static_cast<@target@>(getint64(@slot@, @id@)); }
+void set@X@(@target@ value) { setint64(@place@, static_cast<std::int32_t>(value), @id@); }
+)");
   }
 
   template <class E>
   void operator()(InPlace<E>) {
-    const std::string_view word = accessorWord(E{});
-    const std::string_view type = cppType(E{});
-    line(cat(type, " get", stem_, "() const { return get", word, "_const(", place_, ", ", identity_, "); }"));
-    line(cat(type, "& mutable", stem_, "() { return get", word, "ByRef(", place_, ", ", identity_, "); }"));
-    line(cat("void set", stem_, "(const ", type, "& value) { set", word, "(", place_, ", value, ", identity_,
-             "); }"));
+    values_.push_back({"type", std::string(cppType(E{}))});
+    values_.push_back({"word", std::string(accessorWord(E{}))});
+    emit(R"(
+@type@ get@X@() const { return get@word@_const(@place@, @id@); }
+@type@& mutable@X@() { return get@word@ByRef(@place@, @id@); }
+void set@X@(const @type@& value) { set@word@(@place@, value, @id@); }
+)");
   }
 
-  void operator()(Owned<element::BStr>) {
-    owned("bstring");
-    line(cat("void set", stem_, "(std::string_view value) { setbstringobject(", place_,
-             ", bstring(std::string(value)), ", identity_, "); }"));
-  }
-
-  void operator()(Owned<element::PStr>) {
-    owned("pstring");
-    const bool isEnum = passwordType_ != "int";
-    line(cat("void set", stem_, "(std::string_view value, ", passwordType_,
-             " type = ", isEnum ? cat(passwordType_, "{1}") : "1", ") {"));
-    line(cat("  setpstringobject(", place_, ", bstring(std::string(value)), ",
-             isEnum ? "static_cast<int>(type)" : "type", ", ", identity_, ");"));
-    line("}");
+  template <class E>
+  void operator()(Owned<E>) {
+    values_.push_back({"type", std::string(cppType(E{}))});
+    emit(R"(
+const @type@& get@X@() const { return typed::orEmpty(get@type@object_const(@place@, @id@)); }
+@type@& mutable@X@() { return get@type@objectByRef(@place@, @id@); }
+)");
+    if constexpr (std::same_as<E, element::PStr>) {
+      passwordSetter();
+    } else {
+      emit(R"(
+void set@X@(std::string_view value) { setbstringobject(@place@, bstring(std::string(value)), @id@); }
+)");
+    }
   }
 
   template <class E>
   void operator()(List<E>) {
-    const std::string word = listWord(field_.type);
-    container(cat("std::vector<", element(E{}), ">"), cat("list", word));
+    container(cat("std::vector<", cppType(E{}), ">"), cat("list", listWord(field_.type)));
   }
 
   void operator()(List<element::Obj>) {
-    const std::string type = target(0);
-    const std::string make = cat("typed::orScratch(getlistobject(", place_, ", ", identity_, ", true))");
-    line(cat("ObjectView<const ", type, "> get", stem_, "() const {"));
-    line(cat("  return ObjectView<const ", type, ">(getlistobject_const(", place_, ", ", identity_, "));"));
-    line("}");
-    line(cat("ObjectView<", type, "> mutable", stem_, "() { return ObjectView<", type, ">(&", make, "); }"));
-    line(cat("std::vector<XNMessageBase>& mutable", stem_, "Vector() { return ", make, "; }"));
-    line(cat(type, "& addTo", stem_, "() {"));
-    line(cat("  return reinterpret_cast<", type, "&>(typed::append(", make, ", ", targetIndices(0), "));"));
-    line("}");
-    line(cat("void set", stem_, "(const std::vector<XNMessageBase>& value) { setlistobject(", place_,
-             ", &value, ", identity_, "); }"));
+    emit(R"(
+ObjectView<const @target@> get@X@() const {
+  return ObjectView<const @target@>(getlistobject_const(@place@, @id@));
+}
+ObjectView<@target@> mutable@X@() { return ObjectView<@target@>(&mutable@X@Vector()); }
+std::vector<XNMessageBase>& mutable@X@Vector() {
+  return typed::orScratch(getlistobject(@place@, @id@, true));
+}
+@target@& addTo@X@() {
+  return reinterpret_cast<@target@&>(typed::append(mutable@X@Vector(), @indices@));
+}
+void set@X@(const std::vector<XNMessageBase>& value) { setlistobject(@place@, &value, @id@); }
+)");
   }
 
   template <class K, class V>
   void operator()(Map<K, V>) {
-    const std::string word = cat("Map", mapWord(K{}), "And", mapWord(V{}));
-    container(cat("std::map<", cppType(K{}), ", ", cppType(V{}), ">"), word);
-    if constexpr (std::same_as<V, element::Obj> && !std::same_as<K, element::Obj>) keyedObjects(cppType(K{}));
-  }
-
-  void operator()(Object) {
-    const std::string type = target(0);
-    line(cat("const ", type, "* get", stem_, "() const {"));
-    line(cat("  return reinterpret_cast<const ", type, "*>(XNMessageBase::getObject_const(", place_, ", ",
-             identity_, "));"));
-    line("}");
-    line(cat(type, "& mutable", stem_, "() {"));
-    line(cat("  return reinterpret_cast<", type,
-             "&>(typed::orScratch(XNMessageBase::getObjectAccessor(true, true, ", place_, ", ", identity_,
-             ", ", targetIndices(0), ")));"));
-    line("}");
-    line(cat("void set", stem_, "(const ", type, "& value) { XNMessageBase::setObjectAccessor(&value, ",
-             place_, ", ", identity_, "); }"));
-  }
-
- private:
-  void line(std::string_view text) { text_ += cat("  ", text, "\n"); }
-
-  void scalar(std::string_view type, std::string_view read, std::string_view setter, std::string_view value) {
-    line(cat(type, " get", stem_, "() const { return ", read, "; }"));
-    line(cat("void set", stem_, "(", type, " value) { ", setter, "(", place_, ", ", value, ", ", identity_,
-             "); }"));
-  }
-
-  template <class E>
-  void integer(E) {
-    const std::string read = cat("getint64(", field_.index, ", ", identity_, ")");
-    if constexpr (std::same_as<E, element::Bool>) {
-      scalar("bool", read + " != 0", "setint64", "value ? 1 : 0");
-    } else if constexpr (std::same_as<E, element::Enum>) {
-      // An enumerator is a signed 32-bit number in its slot, whatever type the enumeration has in C++.
-      const std::string type = target(0);
-      scalar(type, cat("static_cast<", type, ">(", read, ")"), "setint64",
-             "static_cast<std::int32_t>(value)");
-    } else if constexpr (std::same_as<E, element::Int64>) {
-      scalar(cppType(E{}), read, "setint64", "value");
-    } else {
-      scalar(cppType(E{}), cat("static_cast<", cppType(E{}), ">(", read, ")"), "setint64",
-             std::same_as<E, element::UInt64> ? "static_cast<std::int64_t>(value)" : "value");
+    container(cat("std::map<", cppType(K{}), ", ", cppType(V{}), ">"),
+              cat("Map", mapWord(K{}), "And", mapWord(V{})));
+    if constexpr (std::same_as<V, element::Obj> && !std::same_as<K, element::Obj>) {
+      values_.push_back({"key", std::string(cppType(K{}))});
+      emit(R"(
+const @target@* findIn@X@(const @key@& key) const {
+  return reinterpret_cast<const @target@*>(typed::find(get@X@(), key));
+}
+@target@& addTo@X@(const @key@& key) {
+  return reinterpret_cast<@target@&>(typed::insert(mutable@X@(), key, @indices@));
+}
+)");
     }
   }
 
-  void owned(std::string_view type) {
-    line(cat("const ", type, "& get", stem_, "() const { return typed::orEmpty(get", type, "object_const(",
-             place_, ", ", identity_, ")); }"));
-    line(cat(type, "& mutable", stem_, "() { return get", type, "objectByRef(", place_, ", ", identity_,
-             "); }"));
+  void operator()(Object) {
+    emit(R"(
+const @target@* get@X@() const {
+  return reinterpret_cast<const @target@*>(XNMessageBase::getObject_const(@place@, @id@));
+}
+@target@& mutable@X@() {
+  XNMessageBase* object = XNMessageBase::getObjectAccessor(true, true, @place@, @id@, @indices@);
+  return reinterpret_cast<@target@&>(typed::orScratch(object));
+}
+void set@X@(const @target@& value) { XNMessageBase::setObjectAccessor(&value, @place@, @id@); }
+)");
   }
 
-  void container(std::string_view type, std::string_view word) {
-    const std::string_view base = word.starts_with("Map") ? "XNMessageBase::" : "";
-    line(cat("const ", type, "& get", stem_, "() const {"));
-    line(cat("  return typed::orEmpty(", base, "get", word, "_const(", place_, ", ", identity_, "));"));
-    line("}");
-    line(cat(type, "& mutable", stem_, "() {"));
-    line(cat("  return typed::orScratch(", base, "get", word, "(", place_, ", ", identity_, ", true));"));
-    line("}");
-    line(cat("void set", stem_, "(const ", type, "& value) { ", base, "set", word, "(", place_, ", &value, ",
-             identity_, "); }"));
+ private:
+  /// The first line break is that of the raw literal.
+  void emit(std::string_view text) { text_ += indented(expand(text.substr(1), values_), "  "); }
+
+  void container(std::string type, std::string word) {
+    values_.push_back({"type", std::move(type)});
+    values_.push_back({"word", std::move(word)});
+    emit(R"(
+const @type@& get@X@() const {
+  return typed::orEmpty(XNMessageBase::get@word@_const(@place@, @id@));
+}
+@type@& mutable@X@() {
+  return typed::orScratch(XNMessageBase::get@word@(@place@, @id@, true));
+}
+void set@X@(const @type@& value) { XNMessageBase::set@word@(@place@, &value, @id@); }
+)");
   }
 
-  void keyedObjects(std::string_view keyType) {
-    const std::string type = target(0);
-    line(cat("const ", type, "* findIn", stem_, "(const ", keyType, "& key) const {"));
-    line(cat("  return reinterpret_cast<const ", type, "*>(typed::find(get", stem_, "(), key));"));
-    line("}");
-    line(cat(type, "& addTo", stem_, "(const ", keyType, "& key) {"));
-    line(cat("  return reinterpret_cast<", type, "&>(typed::insert(mutable", stem_, "(), key, ",
-             targetIndices(0), "));"));
-    line("}");
-  }
-
-  template <class E>
-  static constexpr std::string_view element(E) {
-    return cppType(E{});
-  }
-
-  std::string target(std::size_t reference) const {
-    return cppClassName(*field_.references[reference].target, *owner_.subsystem);
-  }
-  std::string targetIndices(std::size_t reference) const {
-    const Class& record = *field_.references[reference].target;
-    return cat(record.subsystem->slot, ", ", record.index);
+  void passwordSetter() {
+    const bool isEnum = passwordType_ != "int";
+    values_.push_back({"form", std::string(passwordType_)});
+    values_.push_back({"plain", isEnum ? cat(passwordType_, "{1}") : "1"});
+    values_.push_back({"number", isEnum ? "static_cast<int>(type)" : "type"});
+    emit(R"(
+void set@X@(std::string_view value, @form@ type = @plain@) {
+  setpstringobject(@place@, bstring(std::string(value)), @number@, @id@);
+}
+)");
   }
 
   const Field& field_;
-  const Class& owner_;
   std::string_view passwordType_;
-  std::string stem_;
-  std::string identity_;
-  std::string place_;
+  std::vector<TemplateValue> values_;
   std::string text_;
 };
 

@@ -1,10 +1,13 @@
 #include "header_writer.h"
 
+#include <zqxml/catalogue/class_ref.h>
+
 #include <algorithm>
 #include <map>
 #include <set>
 
 #include "accessor_writer.h"
+#include "code_template.h"
 #include "cpp_names.h"
 #include "values.h"
 
@@ -12,8 +15,8 @@ namespace zqxml::zqcatc {
 
 namespace {
 
-std::string enumHeaderOf(const Subsystem& subsystem) {
-  return cat(kIncludeFolder, subsystem.name, "_enums.h");
+std::string includeOf(const Subsystem& enumerations) {
+  return cat("#include <", kIncludeFolder, enumerations.name, "_enums.h>\n");
 }
 
 bool fitsSigned(const Class& enumeration) {
@@ -42,11 +45,20 @@ std::string describe(const Field& field) {
   return text;
 }
 
-/// The accessors that the base class has itself.
-bool isProcessingInstruction(const Class& record, const Field& field) {
-  return &field == &record.fields.front() && field.name == "processinginstructioninfo" &&
-         field.type == FDT_OBJECT;
+/// The one field whose accessors the base class has itself: the first one, where it is a
+/// ProcessingInstructionInfo.
+bool belongsToBase(const Class& record, const Field& field) {
+  if (&field != &record.fields.front() || field.type != FDT_OBJECT) return false;
+  const Class& target = *field.references.front().target;
+  return field.name == "processinginstructioninfo" && target.subsystem->slot == 18 && target.index == 74;
 }
+
+struct BySlot {
+  bool operator()(const Subsystem* a, const Subsystem* b) const { return a->slot < b->slot; }
+};
+struct ByIndex {
+  bool operator()(const Class* a, const Class* b) const { return a->index < b->index; }
+};
 
 /// Writes the classes of one subsystem.
 class ClassHeaderWriter {
@@ -61,43 +73,55 @@ class ClassHeaderWriter {
   }
 
   std::string text(std::string_view firstLine) const {
-    std::string text =
-        cat(firstLine, "#pragma once\n\n#include <",
-            subsystem_.annotations ? "zqxml/annotation/annotation_base.h" : "zqxml/message/xn_message_base.h",
-            ">\n#include <zqxml/message/typed_fields.h>\n#include <zqxml/platform/export.h>\n\n");
-    text += cat("#include <", enumHeaderOf(subsystem_), ">\n");
-    for (const Subsystem* other : enumsOf_) text += cat("#include <", enumHeaderOf(*other), ">\n");
-    text +=
-        "\n#include <cstdint>\n#include <map>\n#include <string>\n#include <string_view>\n#include "
-        "<vector>\n\n";
+    std::string enumHeaders = includeOf(subsystem_);
+    for (const Subsystem* other : enumsOf_) enumHeaders += includeOf(*other);
+    std::string foreign;
     for (const auto& [other, classes] : foreign_) {
-      text += cat("namespace zqxml::", other->name, " {\n");
-      for (const Class* record : classes) text += cat("class ", cppIdentifier(record->name), ";\n");
-      text += "}\n";
+      foreign += cat("namespace zqxml::", other->name, " {\n");
+      for (const Class* record : classes) foreign += cat("class ", cppIdentifier(record->name), ";\n");
+      foreign += "}\n";
     }
-    text += "\n" + docComment(subsystem_.doc, "") + cat("namespace zqxml::", subsystem_.name, " {\n\n");
-    text +=
-        "/// Does nothing: the catalogue is constant and needs no registration.\n"
-        "ZQXML_EXPORT void RegisterSubsystem();\n\n";
-    for (const auto& record : subsystem_.classes)
-      if (!record->isEnumeration) text += cat("class ", cppIdentifier(record->name), ";\n");
-    text += "\n";
-    for (const auto& record : subsystem_.classes)
-      if (!record->isEnumeration) text += writeClass(*record);
-    return text + cat("}  // namespace zqxml::", subsystem_.name, "\n");
+    std::string declarations, classes;
+    for (const auto& record : subsystem_.classes) {
+      if (record->isEnumeration) continue;
+      declarations += cat("class ", cppIdentifier(record->name), ";\n");
+      classes += writeClass(*record);
+    }
+    const TemplateValue values[] = {
+        {"firstLine", std::string(firstLine)},
+        {"baseHeader", subsystem_.annotations ? "annotation/annotation_base.h" : "message/xn_message_base.h"},
+        {"enumHeaders", std::move(enumHeaders)},
+        {"foreign", std::move(foreign)},
+        {"doc", docComment(subsystem_.doc, "")},
+        {"subsystem", subsystem_.name},
+        {"declarations", std::move(declarations)},
+        {"classes", std::move(classes)}};
+    return expand(R"(@firstLine@#pragma once
+
+#include <zqxml/@baseHeader@>
+#include <zqxml/message/typed_fields.h>
+#include <zqxml/platform/export.h>
+
+@enumHeaders@
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+@foreign@
+@doc@namespace zqxml::@subsystem@ {
+
+/// Does nothing: the catalogue is constant and needs no registration.
+ZQXML_EXPORT void RegisterSubsystem();
+
+@declarations@
+@classes@}  // namespace zqxml::@subsystem@
+)",
+                  values);
   }
 
  private:
-  using ByPlace = decltype([](const auto* a, const auto* b) {
-    const auto key = [](const auto* x) {
-      if constexpr (requires { x->slot; })
-        return x->slot;
-      else
-        return x->index;
-    };
-    return key(a) < key(b);
-  });
-
   /// Notes what the class needs from other subsystems.
   void note(const Class& record) {
     for (const Field& field : record.fields) {
@@ -105,7 +129,7 @@ class ClassHeaderWriter {
         enumsOf_.insert(passwordEnum_->subsystem);
       for (const Reference& reference : field.references) {
         const Class& target = *reference.target;
-        if (target.subsystem == &subsystem_ || isProcessingInstruction(record, field)) continue;
+        if (target.subsystem == &subsystem_ || belongsToBase(record, field)) continue;
         if (target.isEnumeration) {
           enumsOf_.insert(target.subsystem);
         } else {
@@ -116,30 +140,40 @@ class ClassHeaderWriter {
   }
 
   std::string writeClass(const Class& record) const {
-    const std::string name = cppIdentifier(record.name);
-    const std::uint32_t tag = (static_cast<std::uint32_t>(subsystem_.slot) << 24) | record.id;
-    std::string text = docComment(record.doc, "");
-    text += cat("class ", name, " : public ", base_,
-                " {\n public:\n  static constexpr int kSubsystem = ", subsystem_.slot,
-                ";\n  static constexpr int kClassIndex = ", record.index,
-                ";\n  static constexpr std::uint32_t kTagId = ", hexNumber(tag), ";\n");
-    text += fieldNumbers(record);
-    text += cat("\n  ", name, "() : ", base_, "(kSubsystem, kClassIndex) {}\n  ", name,
-                "(std::int64_t* block, int blockSize) : ", base_,
-                "(kSubsystem, kClassIndex, block, blockSize) {}\n");
-    text += cat(
-        "  /// `message` as an object of this class; null when it is null or of another class.\n  static ",
-        name, "* from(XNMessageBase* message) {\n    return typed::hasTag(message, kTagId) ? static_cast<",
-        name, "*>(message) : nullptr;\n  }\n  static const ", name,
-        "* from(const XNMessageBase* message) {\n    return typed::hasTag(message, kTagId) ? "
-        "static_cast<const ",
-        name, "*>(message) : nullptr;\n  }\n");
+    std::string accessors;
     for (const Field& field : record.fields) {
-      if (field.isSelf || isProcessingInstruction(record, field)) continue;
-      text += cat("\n  // ", field.name, ": ", describe(field), "\n", docComment(field.doc, "  "),
-                  writeAccessors(field, record, passwordType()));
+      if (field.isSelf || belongsToBase(record, field)) continue;
+      accessors += cat("\n  // ", field.name, ": ", describe(field), "\n", docComment(field.doc, "  "),
+                       writeAccessors(field, record, passwordType()));
     }
-    return text + cat("};\nstatic_assert(sizeof(", name, ") == sizeof(XNMessageBase));\n\n");
+    const TemplateValue values[] = {{"doc", docComment(record.doc, "")},
+                                    {"class", cppIdentifier(record.name)},
+                                    {"base", std::string(base_)},
+                                    {"slot", std::to_string(subsystem_.slot)},
+                                    {"index", std::to_string(record.index)},
+                                    {"tag", hexNumber(makeTagId(subsystem_.slot, record.id))},
+                                    {"numbers", fieldNumbers(record)},
+                                    {"accessors", std::move(accessors)}};
+    return expand(R"(@doc@class @class@ : public @base@ {
+ public:
+  static constexpr int kSubsystem = @slot@;
+  static constexpr int kClassIndex = @index@;
+  static constexpr std::uint32_t kTagId = @tag@;
+@numbers@
+  @class@() : @base@(kSubsystem, kClassIndex) {}
+  @class@(std::int64_t* block, int blockSize) : @base@(kSubsystem, kClassIndex, block, blockSize) {}
+  /// `message` as an object of this class; null when it is null or of another class.
+  static @class@* from(XNMessageBase* message) {
+    return typed::hasTag(message, kTagId) ? static_cast<@class@*>(message) : nullptr;
+  }
+  static const @class@* from(const XNMessageBase* message) {
+    return typed::hasTag(message, kTagId) ? static_cast<const @class@*>(message) : nullptr;
+  }
+@accessors@};
+static_assert(sizeof(@class@) == sizeof(XNMessageBase));
+
+)",
+                  values);
   }
 
   static std::string fieldNumbers(const Class& record) {
@@ -161,8 +195,8 @@ class ClassHeaderWriter {
   const Subsystem& subsystem_;
   std::string_view base_;
   const Class* passwordEnum_ = nullptr;
-  std::set<const Subsystem*, ByPlace> enumsOf_;
-  std::map<const Subsystem*, std::set<const Class*, ByPlace>, ByPlace> foreign_;
+  std::set<const Subsystem*, BySlot> enumsOf_;
+  std::map<const Subsystem*, std::set<const Class*, ByIndex>, BySlot> foreign_;
 };
 
 }  // namespace
