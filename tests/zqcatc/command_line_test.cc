@@ -92,7 +92,7 @@ TEST_F(ZqcatcCommandTest, OutputThatCannotBeWrittenIsThree) {
   for (const char* option : {"--list", "--help"}) {
     const ProgramRun outcome =
         runProgram({ZQCATC, option, "T.xml"},
-                   {.input = {}, .folder = folder_.path(), .environment = {}, .closedOutput = true});
+                   {.input = {}, .folder = folder_.path(), .environment = {}, .fullOutput = true});
     EXPECT_EQ(outcome.status, 3) << option;
     EXPECT_EQ(outcome.err, "zqcatc: cannot write to standard output\n");
   }
