@@ -1,0 +1,188 @@
+// Runs every command that README.md and docs/*.md print, and compares what it prints with what is shown.
+//
+// The commands of a document are its ```sh blocks. They run in the order of the document, each block by
+// itself, in one scratch folder with links to the source's folders, with the built programs on the path. A
+// ```text block that follows such a block with nothing but empty lines between is its output, standard error
+// included; a line
+// "..." in it stands for any number of lines.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/support/run_program.h"
+#include "tests/support/scratch_folder.h"
+
+namespace zqxml {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kSource = ZQXML_SOURCE_DIR;
+
+std::string contentOf(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  EXPECT_TRUE(file.is_open()) << path;
+  return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
+/// A fenced block of a document.
+struct Block {
+  std::string language;
+  std::string text;
+  std::size_t line = 0;       ///< of its fence, from 1
+  bool followsBlock = false;  ///< only empty lines stand between it and the block before
+};
+
+std::vector<Block> blocksOf(const fs::path& document) {
+  std::vector<Block> blocks;
+  bool inside = false;
+  bool onlyEmpty = false;
+  std::size_t number = 0;
+  for (const std::string& line : linesOf(contentOf(document))) {
+    ++number;
+    if (line.starts_with("```")) {
+      inside = !inside;
+      if (inside) blocks.push_back({line.substr(3), "", number, onlyEmpty});
+      onlyEmpty = true;
+    } else if (inside) {
+      blocks.back().text += line + '\n';
+    } else if (!line.empty()) {
+      onlyEmpty = false;
+    }
+  }
+  EXPECT_FALSE(inside) << document << ": a block has no end";
+  return blocks;
+}
+
+bool matches(const std::vector<std::string>& shown, std::size_t i, const std::vector<std::string>& printed,
+             std::size_t j) {
+  if (i == shown.size()) return j == printed.size();
+  if (shown[i] == "...") {
+    for (std::size_t next = j; next <= printed.size(); ++next)
+      if (matches(shown, i + 1, printed, next)) return true;
+    return false;
+  }
+  return j < printed.size() && shown[i] == printed[j] && matches(shown, i + 1, printed, j + 1);
+}
+
+std::vector<std::string> withoutTrailingBlanks(const std::string& text) {
+  std::vector<std::string> lines = linesOf(text);
+  for (std::string& line : lines) line.erase(line.find_last_not_of(" \t") + 1);
+  return lines;
+}
+
+class Document : public testing::TestWithParam<fs::path> {
+ protected:
+  Document() {
+    for (const char* name : {"docs", "examples", "schema", "script", "tests"})
+      if (fs::exists(kSource / name)) fs::create_directory_symlink(kSource / name, folder_.path(name));
+  }
+
+  ProgramRun run(const std::string& commands) const {
+    ProgramSetup setup;
+    setup.folder = folder_.path();
+    const char* path = std::getenv("PATH");
+    setup.environment = {std::string("PATH=") + ZQXML_BINARY_DIR + "/bin:" + (path == nullptr ? "" : path),
+                         "TZ=UTC", "LC_ALL=C.UTF-8", "ZQXML_CONFIG=/dev/null", "ZQXML_KEY_FILE"};
+    return runProgram({"/bin/bash", "-euo", "pipefail", "-c", "exec 2>&1\n" + commands}, setup);
+  }
+
+  ScratchFolder folder_;
+};
+
+TEST_P(Document, CommandsDoWhatItSays) {
+  const std::vector<Block> blocks = blocksOf(GetParam());
+  for (std::size_t i = 0; i < blocks.size(); ++i) {
+    if (blocks[i].language != "sh") continue;
+    const ProgramRun result = run(blocks[i].text);
+    const std::string place = GetParam().filename().string() + ':' + std::to_string(blocks[i].line);
+    EXPECT_EQ(result.status, 0) << place << '\n' << result;
+    const bool shown =
+        i + 1 < blocks.size() && blocks[i + 1].language == "text" && blocks[i + 1].followsBlock;
+    if (!shown) continue;
+    EXPECT_TRUE(matches(withoutTrailingBlanks(blocks[i + 1].text), 0, withoutTrailingBlanks(result.out), 0))
+        << place << " prints\n"
+        << result.out << "and not\n"
+        << blocks[i + 1].text;
+  }
+}
+
+TEST_P(Document, LinksLeadToFiles) {
+  const std::string text = contentOf(GetParam());
+  const std::regex link(R"(\]\(([^)#]+)(#[^)]*)?\))");
+  for (std::sregex_iterator match(text.begin(), text.end(), link), end; match != end; ++match) {
+    const std::string target = (*match)[1];
+    if (target.starts_with("http")) continue;
+    EXPECT_TRUE(fs::exists(GetParam().parent_path() / target)) << target;
+  }
+}
+
+TEST_P(Document, LinesFitAScreen) {
+  for (const std::string& line : linesOf(contentOf(GetParam()))) {
+    if (line.find('|') != std::string::npos || line.find('<') != std::string::npos) continue;  // tables, XML
+    const auto isStart = [](unsigned char byte) { return (byte & 0xc0) != 0x80; };
+    EXPECT_LE(std::count_if(line.begin(), line.end(), isStart), 130) << line;
+  }
+}
+
+std::vector<fs::path> documents() {
+  std::vector<fs::path> paths{kSource / "README.md"};
+  for (const fs::directory_entry& entry : fs::directory_iterator(kSource / "docs"))
+    if (entry.path().extension() == ".md") paths.push_back(entry.path());
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+INSTANTIATE_TEST_SUITE_P(Docs, Document, testing::ValuesIn(documents()), [](const auto& document) {
+  std::string name = document.param.stem().string();
+  std::replace_if(
+      name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
+  return name;
+});
+
+TEST(Readme, CodeIsThatOfTheExample) {
+  const std::string example = contentOf(kSource / "examples" / "round_trip.cc");
+  const std::string mark = "// [readme]\n";
+  const std::size_t start = example.find(mark) + mark.size();
+  const std::string code = example.substr(start, example.find(mark, start) - start);
+  bool found = false;
+  for (const Block& block : blocksOf(kSource / "README.md"))
+    if (block.language == "cpp" && block.text == code) found = true;
+  EXPECT_TRUE(found) << "README.md does not show\n" << code;
+}
+
+TEST(Readme, FitsAScreen) {
+  EXPECT_LE(linesOf(contentOf(kSource / "README.md")).size(), 100u);
+}
+
+TEST(DocsTest, ShownLinesMayStandForAny) {
+  const auto match = [](const std::string& shown, const std::string& printed) {
+    return matches(linesOf(shown), 0, linesOf(printed), 0);
+  };
+  EXPECT_TRUE(match("a\nb\n", "a\nb\n"));
+  EXPECT_FALSE(match("a\nb\n", "a\nc\n"));
+  EXPECT_FALSE(match("a\n", "a\nb\n"));
+  EXPECT_FALSE(match("a\nb\n", "a\n"));
+  EXPECT_TRUE(match("a\n...\nd\n", "a\nb\nc\nd\n"));
+  EXPECT_TRUE(match("...\n", ""));
+  EXPECT_FALSE(match("a\n...\nd\n", "a\nb\nc\n"));
+}
+
+}  // namespace
+}  // namespace zqxml
