@@ -24,6 +24,10 @@ if(EXISTS "${PROJECT_SOURCE_DIR}/schema")
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/schema" DESTINATION "${zqxml_data_dir}"
           FILES_MATCHING PATTERN "*.xml" PATTERN "*.xsd")
 endif()
+# What the library's own catalogue was made of stays together: programs compile theirs on top of it.
+if(ZQXML_EXTRA_SCHEMA)
+  install(DIRECTORY "${ZQXML_EXTRA_SCHEMA}/" DESTINATION "${zqxml_data_dir}/schema" FILES_MATCHING PATTERN "*.xml")
+endif()
 
 configure_package_config_file(cmake/ZqXMLMsgsBaseConfig.cmake.in "${PROJECT_BINARY_DIR}/ZqXMLMsgsBaseConfig.cmake"
                               INSTALL_DESTINATION "${zqxml_package_dir}" PATH_VARS zqxml_data_dir)
