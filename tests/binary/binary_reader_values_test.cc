@@ -5,15 +5,10 @@
 #include <tests/binary/hand_made_class.h>
 #include <tests/support/log_capture.h>
 #include <tests/support/open_message.h>
-#include <zqxml/catalogue/generated/App.h>
 #include <zqxml/catalogue/generated/Demo.h>
-#include <zqxml/xml/xml_decoder.h>
-#include <zqxml/xml/zq_xml_context_info.h>
 
 #include <map>
-#include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace zqxml {

@@ -7,14 +7,10 @@
 #include <tests/support/log_capture.h>
 #include <tests/support/open_message.h>
 #include <zqxml/catalogue/generated/App.h>
-#include <zqxml/catalogue/generated/Demo.h>
 #include <zqxml/xml/encoding_flags.h>
 #include <zqxml/xml/xml_encoder.h>
 #include <zqxml/xml/zq_xml_context_info.h>
 
-#include <array>
-#include <limits>
-#include <numeric>
 #include <string>
 #include <vector>
 

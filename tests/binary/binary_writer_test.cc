@@ -1,20 +1,16 @@
 // Messages into the binary form.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <tests/annotation/password_routines.h>
 #include <tests/binary/binary_forms.h>
 #include <tests/binary/hand_made_class.h>
 #include <tests/support/log_capture.h>
 #include <tests/support/open_message.h>
 #include <zqxml/catalogue/generated/App.h>
 #include <zqxml/catalogue/generated/Demo.h>
-#include <zqxml/xml/encoding_flags.h>
 #include <zqxml/xml/xml_encoder.h>
-#include <zqxml/xml/zq_xml_context_info.h>
 
 #include <array>
 #include <limits>
-#include <numeric>
 #include <string>
 #include <vector>
 
