@@ -17,9 +17,7 @@
 namespace zqxml {
 namespace {
 
-using Demo::EveryType;
 using Parameters = BinarySerializer::BinarySerializerParameters;
-using testing::IsEmpty;
 
 class BinaryWriterPasswordTest : public PasswordRoutinesTest {
  protected:
