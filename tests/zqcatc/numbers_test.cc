@@ -91,7 +91,14 @@ TEST(NumbersTest, TooManySlotsAreRefused) {
   std::string fields;
   for (int i = 0; i < 8192; ++i) fields += cat("<field name=\"f", i, "\" type=\"string\" hash=\"0\"/>");
   EXPECT_THAT(compileClass(fields).errors,
-              ElementsAre("T.xml:2:8: error: class 'C' has more than 32767 fields or 32767 slots; split it"));
+              ElementsAre("T.xml:2:8: error: 'C' has more than 32767 fields or slots; split it"));
+}
+
+TEST(NumbersTest, TooManyEnumeratorsAreRefused) {
+  std::string values;
+  for (int i = 0; i < 32768; ++i) values += cat("<value name=\"V", i, "\" value=\"", i, "\"/>");
+  EXPECT_THAT(compile(cat("<enum name=\"E\" index=\"0\">", values, "</enum>")).errors,
+              ElementsAre("T.xml:2:7: error: 'E' has more than 32767 values; split it"));
 }
 
 TEST(NumbersTest, IdIndexHasAnEntryForEveryRecord) {

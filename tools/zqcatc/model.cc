@@ -5,9 +5,8 @@
 namespace zqxml::zqcatc {
 
 const Class* Subsystem::find(std::string_view className) const {
-  const auto found =
-      std::find_if(classes.begin(), classes.end(), [&](const auto& c) { return c->name == className; });
-  return found == classes.end() ? nullptr : found->get();
+  const auto found = byName.find(className);
+  return found == byName.end() ? nullptr : found->second;
 }
 
 Subsystem* Catalogue::find(std::string_view name) const {

@@ -7,6 +7,8 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "diagnostics.h"
@@ -71,7 +73,9 @@ struct Subsystem {
   bool old = false;
   bool annotations = false;
   std::vector<std::unique_ptr<Class>> classes;  ///< ascending by index
+  std::unordered_map<std::string_view, const Class*> byName;
 
+  /// The first class or enumeration of the name; null when there is none.
   const Class* find(std::string_view className) const;
 };
 

@@ -43,6 +43,7 @@ class Builder {
     for (const auto& subsystem : catalogue_.subsystems) {
       std::stable_sort(subsystem->classes.begin(), subsystem->classes.end(),
                        [](const auto& a, const auto& b) { return a->index < b->index; });
+      for (const auto& record : subsystem->classes) subsystem->byName.emplace(record->name, record.get());
     }
     std::stable_sort(catalogue_.subsystems.begin(), catalogue_.subsystems.end(),
                      [](const auto& a, const auto& b) { return a->slot < b->slot; });

@@ -34,19 +34,20 @@ void follow(const Catalogue& catalogue, const Class& owner, Field& field, Diagno
   }
 }
 
-/// Places the fields of a message class in the slot store.
+/// Places the fields of a message class in the slot store; enumerators keep member number and slot 0.
 void placeFields(Class& record, Diagnostics& diagnostics) {
   int position = 0;
   int slot = 0;
   for (Field& field : record.fields) {
-    if (!field.isSelf) {
+    if (!field.isSelf && !record.isEnumeration) {
       field.memNum = static_cast<std::int16_t>(position);
       field.index = static_cast<std::int16_t>(slot);
       slot += fieldTypeFacts(field.type).slots;
     }
     if (++position > kMaxFields || slot > kMaxElements) {
-      diagnostics.error(record.position, cat("class '", record.name, "' has more than ", kMaxFields,
-                                             " fields or ", kMaxElements, " slots; split it"));
+      diagnostics.error(record.position,
+                        cat("'", record.name, "' has more than ", kMaxFields,
+                            record.isEnumeration ? " values" : " fields or slots", "; split it"));
       return;
     }
   }
@@ -66,7 +67,7 @@ void assignNumbers(Catalogue& catalogue, Diagnostics& diagnostics) {
   for (const auto& subsystem : catalogue.subsystems) {
     int defaults = 0;
     for (const auto& record : subsystem->classes) {
-      if (!record->isEnumeration) placeFields(*record, diagnostics);
+      placeFields(*record, diagnostics);
       int run = 0;
       for (Field& field : record->fields) {
         if (field.type != FDT_NONE || field.isSelf) field.annotation = packer.pack(*record, field);
