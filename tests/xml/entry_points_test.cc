@@ -46,6 +46,7 @@ eXNMsgRet readInto(XNMessageBase& message, const std::string& text, bool keepExi
 }
 
 TEST(EntryPoints, DeclarationAloneIsAParseErrorAndTheObjectIsResetAllTheSame) {
+  LogCapture log;
   Node node = filledNode();
   EXPECT_EQ(readInto(node, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>"), XN_MSG_PARSE_ERROR);
   EXPECT_FALSE(node.isIdSet());
@@ -55,6 +56,7 @@ TEST(EntryPoints, DeclarationAloneIsAParseErrorAndTheObjectIsResetAllTheSame) {
 }
 
 TEST(EntryPoints, FailedParseLeavesTheObjectEmptiedAndPartlyFilled) {
+  LogCapture log;
   Node node = filledNode();
   EXPECT_EQ(readInto(node, "<a id='3'><counts val='1'/><name>new</name><tags>cut"), XN_MSG_PARSE_ERROR);
   EXPECT_EQ(node.getId(), 3);
@@ -75,6 +77,7 @@ TEST(EntryPoints, WideTextThatSaysUtf8FailsInTheParser) {
 }
 
 TEST(EntryPoints, FirstUseOfAnEntityFails) {
+  LogCapture log;
   const std::string type = "<!DOCTYPE a [<!ENTITY e 'x'>]>";
   Node node;
   EXPECT_EQ(readInto(node, type + "<a id='3'/>"), XN_MSG_OK);
@@ -158,6 +161,7 @@ TEST(EntryPoints, KeptValuesAreOverwrittenAndListsAppendedTo) {
 }
 
 TEST(EntryPoints, KeptValuesStayAfterAFailedParse) {
+  LogCapture log;
   Node node = filledNode();
   EXPECT_EQ(readInto(node, "<a name='new'><tags val='b'/>", true), XN_MSG_PARSE_ERROR);
   EXPECT_EQ(node.getId(), 7);
@@ -247,6 +251,7 @@ TEST(EntryPoints, UnknownEncodingIsAnError) {
 }
 
 TEST(EntryPoints, FailedParseMakesNoObject) {
+  LogCapture log;
   for (const std::string text :
        {"<XmlRead_Node id='1'><child><items><child>", "<XmlRead_Node", "<XmlRead_Node>",
         "<XmlRead_Node><pairs><__mapKey__/><__mapValue__>", "nothing"})
@@ -254,6 +259,7 @@ TEST(EntryPoints, FailedParseMakesNoObject) {
 }
 
 TEST(EntryPoints, EveryTruncatedTextFailsAndReadsWhatWasWhole) {
+  LogCapture log;
   const std::string whole =
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?><XmlRead_Node id=\"1\"><tags val=\"\xc3\xa9\"/><child "
       "name=\"c\">"
@@ -270,6 +276,7 @@ TEST(EntryPoints, EveryTruncatedTextFailsAndReadsWhatWasWhole) {
 }
 
 TEST(EntryPoints, EveryTruncatedWideTextFails) {
+  LogCapture log;
   const std::u16string whole =
       u"<XmlRead_Node id=\"1\"><tags val=\"\u00e9\"/><child "
       u"name=\"c\"><items><name>n<![CDATA[d]]></name></items>"
@@ -308,6 +315,7 @@ TEST(EntryPoints, TagOfARenamedRootIsThatOfItsClass) {
 }
 
 TEST(EntryPoints, TagOfAWideTextNeedsADeclaration) {
+  LogCapture log;
   std::string tag;
   unsigned tagId = 0;
   std::u16string declared = u"<?xml version=\"1.0\" encoding=\"UTF-16\"?><XmlRead_Node/>";
@@ -391,6 +399,7 @@ TEST(EntryPoints, EncoderWritesByItsFlags) {
 }
 
 TEST(EntryPoints, DecoderKeepsTheContextOfItsLastCall) {
+  LogCapture log;
   ZqXMLContextInfo context;
   XMLDecoder decoder;
   std::string text = "<a id='4'/>";
@@ -477,6 +486,7 @@ TEST(EntryPoints, BinaryFacadesGoThereAndBack) {
 // --- Members of the object
 
 TEST(EntryPoints, ObjectReadsEachKindOfText) {
+  LogCapture log;
   Node node;
   std::string text = "<a id='1'/>";
   EXPECT_EQ(node.unserialize(text), XN_MSG_OK);

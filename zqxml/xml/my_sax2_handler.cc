@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string_view>
 #include <vector>
+#include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/sax2/Attributes.hpp>
 
 namespace zqxml {
@@ -54,14 +55,22 @@ void MySAX2Handler::startElement(const XMLCh*, const XMLCh* localname, const XML
                                  const xercesc::Attributes& attributes) {
   const XMLSize_t count = attributes.getLength();
   state_->attributes.clear();
-  for (XMLSize_t i = 0; i < count; ++i)
-    state_->attributes.push_back(
-        {nameOf(attributes.getLocalName(i), attributes.getQName(i)), attributes.getValue(i)});
+  for (XMLSize_t i = 0; i < count; ++i) {
+    // The qualified name is put together when it is asked for.
+    std::u16string_view name = attributes.getLocalName(i);
+    if (name.empty()) name = attributes.getQName(i);
+    state_->attributes.push_back({name, attributes.getValue(i)});
+  }
   state_->reader.start(nameOf(localname, qname), state_->attributes);
 }
 
 void MySAX2Handler::endElement(const XMLCh*, const XMLCh* localname, const XMLCh* qname) {
   state_->reader.end(nameOf(localname, qname));
+}
+
+void MySAX2Handler::fatalError(const xercesc::SAXParseException& error) {
+  throw xercesc::SAXParseException(error.getMessage(), error.getPublicId(), error.getSystemId(),
+                                   error.getLineNumber(), error.getColumnNumber());
 }
 
 void MySAX2Handler::characters(const XMLCh* chars, XMLSize_t length) {

@@ -49,6 +49,8 @@ class ZQXML_EXPORT MySAX2Handler : public xercesc::DefaultHandler {
                     const xercesc::Attributes& attributes) override;
   void endElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname) override;
   void characters(const XMLCh* chars, XMLSize_t length) override;
+  /// Throws the exception as DefaultHandler does, but in memory that does not end with the parser.
+  void fatalError(const xercesc::SAXParseException& error) override;
 
  private:
   struct State;

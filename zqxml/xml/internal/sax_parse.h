@@ -1,7 +1,7 @@
 // The set-up of a parse. Not installed.
 #pragma once
 
-#include <zqxml/platform/internal/xerces_ptr.h>
+#include <zqxml/xml/internal/parse_arena.h>
 
 #include <cstddef>
 #include <memory>
@@ -41,7 +41,7 @@ class SaxParse {
   xercesc::SAX2XMLReader& reader() { return *reader_; }
 
  private:
-  internal::LimitedMemoryManager memory_;
+  ParseArena memory_;
   xercesc::SecurityManager security_;
   std::unique_ptr<xercesc::SAX2XMLReader> reader_;
 };
