@@ -49,8 +49,12 @@ TEST(DefaultsTest, NumbersMustLieInTheirRange) {
   for (const char* type : {"uint", "ulong"}) range(type, "0", "4294967295", "-1", "4294967296");
   // The runtime reads every number as a signed one.
   range("ulonglong", "0", "9223372036854775807", "-1", "9223372036854775808");
-  for (const char* type : {"longlong", "time64"})
-    EXPECT_THAT(errorsOf(type, "9223372036854775808"), ElementsAre(HasSubstr("would not be read as that")));
+  for (const char* type : {"longlong", "time64"}) {
+    EXPECT_THAT(errorsOf(type, "-9223372036854775808"), IsEmpty());
+    EXPECT_THAT(errorsOf(type, "9223372036854775807"), IsEmpty());
+    for (const char* beyond : {"-9223372036854775809", "9223372036854775808"})
+      EXPECT_THAT(errorsOf(type, beyond), ElementsAre(HasSubstr("would not be read as that")));
+  }
 }
 
 TEST(DefaultsTest, NumbersAreDecimal) {
@@ -71,6 +75,11 @@ TEST(DefaultsTest, BooleanIsTrueOrFalse) {
                 ElementsAre(HasSubstr("would not be read as that; write true or false")))
         << text;
   }
+}
+
+TEST(DefaultsTest, FloatHasARangeOfItsOwn) {
+  EXPECT_THAT(errorsOf("double", "1e300"), IsEmpty());
+  EXPECT_THAT(errorsOf("float", "1e300"), ElementsAre(HasSubstr("write a decimal number")));
 }
 
 TEST(DefaultsTest, FloatingNumbersAreDecimalAndFinite) {

@@ -141,9 +141,9 @@ struct DefaultReader {
     double value = 0;
     const char* end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, value);
-    const bool good =
-        error == std::errc() && stop == end && std::isfinite(static_cast<typename E::Value>(value));
-    return good ? "" : "a decimal number";
+    // False for infinities and for what is no number.
+    const bool fits = std::abs(value) <= static_cast<double>(std::numeric_limits<typename E::Value>::max());
+    return error == std::errc() && stop == end && fits ? "" : "a decimal number";
   }
   template <class E>
   std::string operator()(InPlace<E>) const {
