@@ -2,6 +2,7 @@
 
 #include <zqxml/binary/binary_buffer.h>
 #include <zqxml/binary/binary_serializer.h>
+#include <zqxml/platform/ev_debug.h>
 #include <zqxml/xml/encoding_flags.h>
 #include <zqxml/xml/internal/parse_error_place.h>
 #include <zqxml/xml/xml_serializer.h>
@@ -15,12 +16,12 @@ namespace {
 // A password that could not be coded: only the log tells it, since a field that fails does not fail the call.
 // A routine of the platform that fails gives an empty text.
 void requirePasswords(const std::string& where, LibraryLog& log) {
-  if (log.mentions("Password Handler Not Found")) {
+  if (log.told().noPasswordRoutine) {
     throw Failure(kNoPasswordHandler, where, "a password needs an encryption for which no key is configured")
         .advise("name a key file in $ZQXML_KEY_FILE, or write XML with --mask-passwords")
         .explain(log.take());
   }
-  if (log.mentions("ZQPassword::")) {
+  if (log.told().passwordFailed) {
     throw Failure(kNoPasswordHandler, where, "a password cannot be encrypted or decrypted")
         .advise("look at the key file that $ZQXML_KEY_FILE names")
         .explain(log.take());
@@ -34,21 +35,24 @@ std::string withByteOrderMark(const std::string& bytes) {
 }
 
 std::string notWellFormed(const std::string& bytes) {
+  // The text is read once more, and need not be logged once more.
+  const int level = EvDebug::getDebugLevel();
+  EvDebug::setDebugLevel(-1);
   const std::optional<TextPlace> place = placeOfParseError(bytes);
+  EvDebug::setDebugLevel(level);
   if (!place) return "is not well-formed XML";
   return "is not well-formed XML at line " + std::to_string(place->line) + ", column " +
          std::to_string(place->column);
 }
 
 Failure xmlFailure(const std::string& bytes, const std::string& where, LibraryLog& log) {
-  const bool parseError = log.mentions("SAXParseException");
-  const bool unknownClass = log.mentions("Unable to construct object out of tag");
+  const ToldByLog told = log.told();
   const std::vector<std::string> explanation = log.take();
-  Failure failure(parseError ? kNotWellFormed : kXmlLibraryError, where,
-                  parseError     ? notWellFormed(bytes)
-                  : unknownClass ? "its root element names no class of the catalogue"
-                                 : "cannot be read as XML");
-  if (unknownClass) failure.advise("a root element is SUBSYSTEM_CLASS; 'zqmsg catalogue' lists them");
+  Failure failure(told.parseError ? kNotWellFormed : kXmlLibraryError, where,
+                  told.parseError     ? notWellFormed(bytes)
+                  : told.unknownClass ? "its root element names no class of the catalogue"
+                                      : "cannot be read as XML");
+  if (told.unknownClass) failure.advise("a root element is SUBSYSTEM_CLASS; 'zqmsg catalogue' lists them");
   return failure.explain(explanation);
 }
 
@@ -117,7 +121,7 @@ std::string encode(XNMessageBase& message, const WriteOptions& options, const st
   std::string bytes = isXml ? encodeXml(message, options, result) : encodeBinary(message, options);
   requirePasswords(where, log);
   // A field that would make the rest of a binary message unreadable.
-  const bool unreadable = !isXml && log.mentions("No Password annotation found on member");
+  const bool unreadable = !isXml && log.told().keyWithoutValue;
   if (result != XN_MSG_OK || bytes.empty() || unreadable) {
     throw Failure(result == XN_MSG_OK ? kFailed : static_cast<ExitStatus>(result), where,
                   "cannot be written in the form " + std::string(formName(options.form)))

@@ -26,8 +26,8 @@ struct Options {
   std::string from;
 };
 
-Failure damaged(const std::string& where) {
-  return Failure(kFailed, where, "cannot be read to its end as a binary message");
+Failure undecodable(const std::string& where, const std::string& what) {
+  return Failure(kFailed, where, what).advise("the lines with !! tell why");
 }
 
 // Binary messages of unknown classes are looked at too: that is what one inspects.
@@ -60,8 +60,10 @@ void inspectObjects(ByteSource& source, Explanation& explanation) {
     if (!more) break;
     if (!explanation.record(objects.number(), start, objects.length(), record)) ++failed;
   }
-  if (failed != 0)
-    throw Failure(kFailed, source.name(), "holds " + std::to_string(failed) + " damaged objects");
+  if (failed != 0) {
+    throw undecodable(source.name(), std::to_string(failed) + " of " + std::to_string(objects.number()) +
+                                         " objects cannot be read");
+  }
 }
 
 void inspect(const Options& options) {
@@ -74,7 +76,7 @@ void inspect(const Options& options) {
     if (form == Form::kObjects) {
       inspectObjects(source, explanation);
     } else if (!explanation.message(readWhole(source), 0)) {
-      throw damaged(source.name());
+      throw undecodable(source.name(), "cannot be read as a binary message");
     }
   } catch (const Failure&) {
     output.commit();

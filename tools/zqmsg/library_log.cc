@@ -11,7 +11,6 @@ namespace {
 
 constexpr std::size_t kMostLines = 10;
 constexpr std::size_t kMostCharacters = 400;
-constexpr std::size_t kMostTexts = 1 << 16;
 constexpr int kTraceLevel = 15;
 
 std::string clipped(std::string_view text) {
@@ -38,9 +37,12 @@ void LibraryLog::showAll() {
 }
 
 void LibraryLog::keep(std::string_view function, std::string_view text) {
-  if (texts_.size() < kMostTexts) {
-    texts_ += std::string(function) + ": " + clipped(text) + '\n';
-  }
+  // By how a line begins: what follows can be content of a message.
+  told_.parseError |= text.starts_with("SAXParseException: ");
+  told_.unknownClass |= text.starts_with("Unable to construct object out of tag");
+  told_.noPasswordRoutine |= text.starts_with("Password Handler Not Found");
+  told_.passwordFailed |= function.starts_with("ZQPassword::");
+  told_.keyWithoutValue |= text.starts_with("No Password annotation found on member");
   if (showAll_) return;
   if (lines_.size() < kMostLines) {
     lines_.push_back(std::string(function) + ": " + clipped(text));
@@ -53,12 +55,8 @@ std::vector<std::string> LibraryLog::take() {
   std::vector<std::string> taken = std::exchange(lines_, {});
   if (dropped_ != 0) taken.push_back("and " + std::to_string(dropped_) + " more like these");
   dropped_ = 0;
-  texts_.clear();
+  told_ = {};
   return taken;
-}
-
-bool LibraryLog::mentions(std::string_view part) const {
-  return texts_.find(part) != std::string::npos;
 }
 
 }  // namespace zqxml::tool
