@@ -222,15 +222,15 @@ TEST_P(BothForms, PasswordWithAMarkKeepsItsTypeWithoutAContext) {
 }
 
 TEST_P(BothForms, KeepsCuttingAPasswordAtItsFirstZeroByte) {
-  const auto every = read("pstringField",
-                          "||#5!YWIAY2Q=");
+  const auto every = read("pstringField", "||#5!YWIAY2Q=");
   EXPECT_EQ(every.getPstringField().str(), "ab");
 }
 
 TEST_P(BothForms, PasswordThatCannotBeReadIsLoggedAndLeavesTheFieldUnset) {
   const CapturedLine line{GetParam().where, 0,
                           "Password Handler Not Found while serializing bstring field [pstringField]"};
-  // Marked as type 9, for which nobody has registered a routine, and as type 5 without Base64 behind the mark.
+  // Marked as type 9, for which nobody has registered a routine, and as type 5 without Base64 behind the
+  // mark.
   for (const char* text : {"&#9;YWJj", "||#5!*"}) {
     LogCapture log;
     const auto every = read("pstringField", text);
@@ -474,6 +474,12 @@ TEST(XmlReaderValues, EmptyValSetsAnEmptyElement) {
   EXPECT_EQ(every.getListBstring()[0].size(), 0u);
   EXPECT_THAT(every.getListInt(), ElementsAre(0));
   EXPECT_EQ(every.getListEnum().size(), 1u);
+}
+
+TEST(XmlReaderValues, ValuesOfListsAreReadWithoutALineUnlessASettingSaysSo) {
+  LogCapture log;
+  EXPECT_THAT(ReadAs<Every>("<listString val='\xe6\x97\xa5'/>").getListString(), ElementsAre("\xe6\x97\xa5"));
+  EXPECT_TRUE(log.empty());
 }
 
 TEST(XmlReaderValues, EmptyTextSetsNoElement) {
