@@ -18,7 +18,6 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr int kSlot = 1;
 constexpr std::uint32_t hashOf(std::string_view name) {
   return nameHash(name);
 }

@@ -28,7 +28,7 @@ void ParseArena::deallocate(void* block) {
   if (header->grains == 0) return giveLarge(header);
   // The list goes through the blocks themselves.
   Header*& first = given_[header->grains];
-  std::memcpy(block, &first, sizeof first);
+  std::memcpy(block, &first, sizeof(void*));
   first = header;
 }
 
@@ -36,7 +36,7 @@ ParseArena::Header* ParseArena::takeSmall(std::size_t grains) {
   Header*& given = given_[grains];
   if (given != nullptr) {
     Header* header = given;
-    std::memcpy(&given, header + 1, sizeof given);
+    std::memcpy(&given, header + 1, sizeof(void*));
     return header;
   }
   const std::size_t size = grains * kGrain;
