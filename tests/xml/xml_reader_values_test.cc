@@ -328,11 +328,11 @@ TEST_P(DatesInBothForms, InvalidTimeEndsAFieldThatIsBoth) {
 TEST(XmlReaderValues, ListsMapsAndObjectsTakeNoAttribute) {
   std::string attributes;
   for (const char* name :
-       {"listInt",         "listUint",        "listLong",        "listUlong",    "listLonglong",
-        "listUlonglong",   "listEnum",        "listString",      "listWstring",  "listObject",
-        "objectField",     "listBool",        "listFloat",       "listDouble",   "reservedField",
-        "listBstring",     "mapIntInt",       "mapIntString",    "mapIntObject", "mapStringInt",
-        "mapStringString", "mapStringObject", "mapObjectObject", "Every"})
+       {"listInt",         "listUint",        "listLong",       "listUlong",    "listLonglong",
+        "listUlonglong",   "listEnum",        "listString",     "listWstring",  "listObject",
+        "objectField",     "listBool",        "listFloat",      "listDouble",   "reservedField",
+        "listBstring",     "mapIntInt",       "mapIntString",   "mapIntObject", "mapStringInt",
+        "mapStringString", "mapStringObject", "mapObjectObject"})
     attributes += std::string(name) + "='1' ";
   LogCapture log(25);
   const ReadAs<Every> every("", attributes);
@@ -352,9 +352,16 @@ TEST(XmlReaderValues, ReservedTypeTakesATextForNothing) {
               ElementsAre(CapturedLine{"XNMessageBase::setcdataobject", 0, "[This function is deprecated]"}));
 }
 
-TEST(XmlReaderValues, SelfRecordTakesAText) {
-  const ReadAs<Every> every("<Every>text</Every>");
+TEST(XmlReaderValues, SelfRecordIsNoField) {
+  LogCapture log(15);
+  const ReadAs<Every> every("<Every>text<intField>1</intField></Every><longField>2</longField>", "Every='3'");
   EXPECT_TRUE(every.ok());
+  EXPECT_FALSE(every.isIntFieldSet());
+  EXPECT_EQ(every.getLongField(), 2);
+  EXPECT_THAT(log.lines(),
+              ElementsAre(CapturedLine{kAttributes, 15, "No such field : [Every] in message : [Every] "},
+                          CapturedLine{"MySAX2Handler::startElement", 10, "Skipping member : [Every]"},
+                          CapturedLine{"MySAX2Handler::startElement", 10, "Skipping element [intField]"}));
 }
 
 TEST(XmlReaderValues, NumbersInElementsMayHaveWhiteSpaceAround) {
@@ -502,7 +509,7 @@ TEST(XmlReaderValues, ValOfOtherTypesIsIgnored) {
   const ReadAs<Every> every(
       "<intField val='1'/><stringField val='x'/><boolField val='1'/><doubleField val='1'/><bstringField "
       "val='YQ=='/>"
-      "<enumField val='1'/><reservedField val='1'/><pstringField val='x'/><Every val='1'/>");
+      "<enumField val='1'/><reservedField val='1'/><pstringField val='x'/>");
   ASSERT_TRUE(every.ok());
   EXPECT_FALSE(every.isIntFieldSet());
   EXPECT_FALSE(every.isStringFieldSet());

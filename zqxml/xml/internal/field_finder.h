@@ -31,7 +31,8 @@ class FieldFinder {
  public:
   FieldFinder() : answers_(threadAnswers()) {}
 
-  /// Null when the class is null or has no such field. A field without a name hash is never found.
+  /// Null when the class is null or has no such field. A field without a name hash is never found, nor is the
+  /// self record of a class, which is no field although it has the hash of the class's name.
   const FieldDef* find(const _ClassDef* classDef, std::uint32_t hash) {
     if (classDef == nullptr || hash == 0) return nullptr;
     if (classDef->getNumberOfFields() <= kSearched) return search(*classDef, hash);
@@ -54,7 +55,7 @@ class FieldFinder {
 
   static const FieldDef* search(const _ClassDef& classDef, std::uint32_t hash) {
     for (const FieldDef& field : classDef)
-      if (field.getFieldHashId() == hash) return &field;
+      if (field.getFieldHashId() == hash && field.getType() != FDT_NONE) return &field;
     return nullptr;
   }
   static std::size_t place(const _ClassDef* classDef, std::uint32_t hash) {
