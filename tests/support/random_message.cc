@@ -1,153 +1,305 @@
-#include <rapidcheck.h>
+#include <tests/support/message_dump.h>
 #include <tests/support/random_message.h>
 #include <zqxml/annotation/annotation_record.h>
-#include <zqxml/catalogue/lookup.h>
-#include <zqxml/message/internal/message_access.h>
 #include <zqxml/platform/text.h>
 
-#include <cstdint>
-#include <map>
-#include <memory>
+#include <algorithm>
+#include <cmath>
+#include <limits>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace zqxml {
 namespace {
 
-int draw(int below) {
-  return *rc::gen::resize(100, rc::gen::inRange(0, below));
-}
+namespace gen = rc::gen;
 
-/// Numbers of every length rather than almost always huge ones.
-std::uint64_t drawBits() {
-  return *rc::gen::resize(1000, rc::gen::arbitrary<std::uint64_t>()) >> draw(64);
-}
+constexpr std::size_t kMaxDepth = 3;
+constexpr std::size_t kMaxElements = 4;
+constexpr std::size_t kMaxText = 8;
 
-std::u16string drawWide() {
-  std::u16string text;
-  for (int length = draw(8); length > 0; --length) {
-    const auto plane = draw(8);
-    if (plane == 0) {
-      text += static_cast<char16_t>(0xd800 + draw(0x400));
-      text += static_cast<char16_t>(0xdc00 + draw(0x400));
-    } else {
-      text += static_cast<char16_t>(plane < 5   ? 0x20 + draw(0x5f)
-                                    : plane < 7 ? 0xa0 + draw(0x700)
-                                                : 0x1000 + draw(0x9000));
-    }
-  }
-  return text;
-}
+/// Makes one message; every random choice is a pick of RapidCheck's, so that it can shrink.
+class Maker {
+ public:
+  using Classes = std::vector<const _ClassDef*>;
 
-std::string drawBytes() {
-  std::string bytes;
-  for (int length = draw(12); length > 0; --length) bytes += static_cast<char>(draw(256));
-  return bytes;
-}
+  explicit Maker(Losses losses) : losses_(losses) {}
 
-struct FieldFiller {
-  XNMessageBase& message;
-  const FieldDef& field;
-  const RandomValues& values;
+  std::vector<ClassIndices> classes() const {
+    std::vector<ClassIndices> found;
+    for (short slot = 1; slot < kSubsystemCount; ++slot)
+      for (int index = 0; index < gSubsystemTable[slot].recordCount; ++index)
+        if (isMessageClass({slot, index}) &&
+            !(has(kClassIdZero) && ClassIndices{slot, index}.record().getClassId() == 0))
+          found.push_back({slot, index});
+    return found;
+  }
 
-  void operator()(Nothing) const {}
-
-  template <class E>
-  void operator()(Scalar<E>) const {
-    if constexpr (element::Floating<E>) {
-      store(number<typename E::Value>());
-    } else if constexpr (std::same_as<E, element::Bool>) {
-      MessageAccess::setInteger(message, field, draw(2));
-    } else {
-      MessageAccess::setInteger(message, field, static_cast<std::int64_t>(number<typename E::Value>()));
-    }
-  }
-  template <class E>
-  void operator()(InPlace<E>) const {
-    fill(MessageAccess::inPlace<typename E::Value>(message, field));
-    MessageAccess::mark(message, field.getMemNum());
-  }
-  void operator()(Owned<element::BStr>) const { fill(MessageAccess::make<bstring>(message, field, true)); }
-  void operator()(Owned<element::PStr>) const {
-    if (!field.hasAnnotation() || AnnotationRecord(field).passwordType() > 1) return;
-    MessageAccess::make<pstring>(message, field, true) = toUtf8(drawWide());
-  }
-  template <class E>
-  void operator()(List<E>) const {
-    typename List<E>::Value list(count());
-    for (auto& element : list) fillElement<E>(element, 0);
-    if (list.empty() && !values.emptyCollections) return;
-    MessageAccess::make<typename List<E>::Value>(message, field, true) = std::move(list);
-  }
-  template <class K, class V>
-  void operator()(Map<K, V>) const {
-    typename Map<K, V>::Value map;
-    for (std::size_t entries = count(); entries > 0; --entries) {
-      typename K::Value key{};
-      typename V::Value value{};
-      fillElement<K>(key, 0);
-      fillElement<V>(value, std::same_as<K, element::Obj> ? ClassRef::kSize : 0);
-      map.emplace(std::move(key), std::move(value));
-    }
-    if (map.empty() && !values.emptyCollections) return;
-    MessageAccess::make<typename Map<K, V>::Value>(message, field, true) = std::move(map);
-  }
-  void operator()(Object) const {
-    if (values.depth == 0) return;
-    auto object = std::make_unique<XNMessageBase>();
-    fillElement<element::Obj>(*object, 0);
-    XNMessageBase*& slot = MessageAccess::owned<XNMessageBase>(message, field);
-    delete std::exchange(slot, object.release());
-    MessageAccess::mark(message, field.getMemNum());
+  /// `around` are the classes of the messages that this one goes into, the nearest last.
+  OpenMessage make(ClassIndices indices, const Classes& around) const {
+    OpenMessage message(indices.subsystem, indices.index);
+    MessageAccess::wipeBitset(message);
+    for (const FieldDef& field : indices.record())
+      if (mayBeSet(field, around) && *gen::inRange<std::size_t>(0, around.size() + 2) == 0)
+        fill(message, field, around);
+    return message;
   }
 
  private:
-  std::size_t count() const {
-    const bool objects =
-        kOneClassRefTypes.contains(field.getType()) || kTwoClassRefTypes.contains(field.getType());
-    return objects && values.depth == 0 ? 0 : static_cast<std::size_t>(draw(4));
+  struct Filler;
+
+  bool has(Loss loss) const { return (losses_ & loss) != 0; }
+
+  bool isMessageClass(ClassIndices indices) const {
+    const _ClassDef* record = catalogue::classAt(indices.subsystem, indices.index);
+    if (record == nullptr || record->getName() == nullptr || record->isEnumeration()) return false;
+    return !(has(kOldWayClasses) && gSubsystemTable[indices.subsystem].oldWay);
   }
-  template <class T>
-  static T number() {
-    if constexpr (std::is_floating_point_v<T>) {
-      return static_cast<T>(static_cast<std::int32_t>(drawBits())) / T{64};
-    } else {
-      return static_cast<T>(draw(2) == 0 ? drawBits() : ~drawBits());
+
+  /// Whether a field of this class can hold a sub-object of that class and get it back.
+  bool mayHold(ClassRef ref, bool asElement) const {
+    if (!isMessageClass({static_cast<short>(ref.subsystem), ref.classIndex})) return false;
+    if (!asElement || !has(kBuiltElements)) return true;
+    const SubsystemDef& row = gSubsystemTable[ref.subsystem];
+    return !row.oldWay && row.classDefs[ref.classIndex].defaultsStart() == -1;
+  }
+  bool mayHoldObjects(const FieldDef& field, std::size_t depth) const {
+    for (unsigned at = 0; at < field.classRefBytes(); at += ClassRef::kSize) {
+      if (kEnumTypes.contains(field.getType())) break;
+      if (depth + 1 >= kMaxDepth) return false;
+      if (!mayHold(ClassRef::read(field.namePointer() + at), field.getType() != FDT_OBJECT)) return false;
     }
+    return true;
   }
-  void store(double value) const { MessageAccess::setDouble(message, field, value); }
-  void store(float value) const { MessageAccess::setFloat(message, field, value); }
+
+  bool mayBeSet(const FieldDef& field, const Classes& around) const {
+    const unsigned type = field.getType();
+    if (type == FDT_NONE) return false;
+    if (has(kUnstored) && fieldTypeFacts(type).encoding == BinaryEncodingUnknown) return false;
+    if (has(kHashlessFields) && field.getFieldHashId() == 0) return false;
+    if (has(kUnsignedLonglongs) && (type == FDT_ULONGLONG || type == FDT_LIST_ULONGLONG)) return false;
+    if (has(kNestedMaps) && !around.empty() && kMapTypes.contains(type) && type != FDT_MAP_OBJECT_OBJECT)
+      return false;
+    const AnnotationRecord annotation(field);
+    if (type == FDT_PSTRING && annotation.passwordType() != 1) return false;
+    if (has(kDates) && (annotation.isTime() || annotation.dateType() != 0)) return false;
+    if (has(kCdata) && annotation.isCdata()) return false;
+    if (has(kTwinNames) && hasTwin(field, around)) return false;
+    return mayHoldObjects(field, around.size());
+  }
+  /// Whether the end tag of the field's element would close more than that: a message by the name of an
+  /// object of the message around it, an entry by the name of its map.
+  static bool hasTwin(const FieldDef& field, const Classes& around) {
+    const auto named = [&field](const _ClassDef& record, FieldTypeSet types) {
+      return std::any_of(record.begin(), record.end(), [&](const FieldDef& other) {
+        return other.getFieldHashId() == field.getFieldHashId() && types.contains(other.getType());
+      });
+    };
+    constexpr FieldTypeSet kObjects{FDT_OBJECT, FDT_LIST_OBJECT};
+    if (around.empty() || kObjects.contains(field.getType())) return false;
+    if (named(*around.back(), kObjects)) return true;
+    return !kMapTypes.contains(field.getType()) &&
+           std::any_of(around.begin(), around.end(),
+                       [&](const _ClassDef* record) { return named(*record, kMapTypes); });
+  }
+
+  void fill(OpenMessage& message, const FieldDef& field, const Classes& around) const;
+
+  // --- Values.
 
   template <class T>
-  static void fill(T& value) {
-    value = number<T>();
+  static T number() {
+    using Limits = std::numeric_limits<T>;
+    return *gen::weightedOneOf<T>(
+        {{3, gen::arbitrary<T>()}, {1, gen::element<T>(Limits::min(), Limits::max(), T{0}, T{1})}});
   }
-  static void fill(std::string& text) { text = toUtf8(drawWide()); }
-  static void fill(std::u16string& text) { text = drawWide(); }
-  static void fill(bstring& bytes) { bytes = drawBytes(); }
+  template <class T>
+  T floating() const {
+    if (has(kDigits)) return static_cast<T>(*gen::inRange(-4000, 4000)) / 4;
+    return *gen::weightedOneOf<T>({{3, gen::arbitrary<T>()},
+                                   {1, gen::element<T>(T{-0.0}, std::numeric_limits<T>::infinity(),
+                                                       std::numeric_limits<T>::denorm_min())}});
+  }
+
+  /// A scalar's slot.
   template <class E>
-  void fillElement(typename E::Value& value, std::size_t refOffset) const {
-    if constexpr (std::same_as<E, element::Obj>) {
-      MessageAccess::initialize(value, ClassRef::read(field.namePointer() + refOffset));
-      MessageAccess::wipeBitset(value);
-      RandomValues inner = values;
-      --inner.depth;
-      fillAtRandom(value, inner);
-    } else {
-      fill(value);
+  std::int64_t integer(const FieldDef& field) const {
+    if constexpr (std::same_as<E, element::Bool>) return *gen::inRange(0, 2);
+    if constexpr (std::same_as<E, element::Enum>) return enumerator(field);
+    if (has(kHighHalves)) return static_cast<std::int64_t>(number<typename E::Value>());
+    return number<std::int64_t>();
+  }
+  std::int64_t enumerator(const FieldDef& field) const {
+    std::vector<std::int64_t> values;
+    if (!has(kUnnamedEnums)) values = {0, 5, 2147483647};
+    if (!has(kUnnamedEnums) && !has(kNegativeEnums)) values.push_back(-1);
+    if (const _ClassDef* record = catalogue::classOfField(field)) {
+      for (const FieldDef& value : *record) {
+        const auto signedValue = static_cast<std::int32_t>(value.getFieldHashId());
+        if (signedValue >= 0 || !has(kNegativeEnums)) values.push_back(signedValue);
+      }
     }
+    return *gen::elementOf(values);
+  }
+
+  char32_t character() const {
+    return *gen::oneOf(gen::inRange<char32_t>(0x20, 0x7f),
+                       gen::inRange<char32_t>(has(kNulInTexts) ? 1 : 0, 0x20),
+                       gen::inRange<char32_t>(0x7f, 0x800), gen::inRange<char32_t>(0x800, 0xd800),
+                       gen::inRange<char32_t>(0xe000, 0x10000), gen::inRange<char32_t>(0x10000, 0x110000),
+                       gen::elementOf(std::u32string(U"&<>\"'|#![]\r\n\t \\%")));
+  }
+  std::u16string wideText(bool mayBeEmpty = true) const {
+    std::u16string text;
+    const std::size_t size = *gen::inRange<std::size_t>(mayBeEmpty && !has(kEmptyTexts) ? 0 : 1, kMaxText);
+    while (text.size() < size) {
+      const char32_t code = character();
+      if (has(kEscapeLookalikes) && code == U'#') continue;
+      if (code >= 0x10000) {
+        text += static_cast<char16_t>(0xd7c0 + (code >> 10));
+        text += static_cast<char16_t>(0xdc00 + (code & 0x3ff));
+      } else {
+        text += static_cast<char16_t>(code);
+      }
+    }
+    if (!has(kEscapeLookalikes) && *gen::inRange(0, 8) == 0) text = u"|" + text + u"|#41!";
+    return text;
+  }
+  std::u16string wideTextWithSurrogates() const {
+    std::u16string text = wideText();
+    if (!has(kLoneSurrogates) && *gen::inRange(0, 4) == 0) text += *gen::inRange<char16_t>(0xd800, 0xe000);
+    return text;
+  }
+  std::string bytes() const {
+    std::string text;
+    const std::size_t size = *gen::inRange<std::size_t>(has(kEmptyTexts) ? 1 : 0, kMaxText);
+    for (std::size_t i = 0; i < size; ++i)
+      text += static_cast<char>(*gen::inRange<int>(has(kNulInBytes) ? 1 : 0, 256));
+    return text;
+  }
+  std::string password() const {
+    const std::string text = toUtf8(wideText());
+    if (has(kPasswordMarks) && !text.empty() && static_cast<unsigned char>(text[0]) < 0x20) return "p" + text;
+    return text;
+  }
+
+  template <class E>
+  typename E::Value element() const {
+    if constexpr (std::same_as<E, element::Str>)
+      return toUtf8(wideText());
+    else if constexpr (std::same_as<E, element::WStr>)
+      return wideTextWithSurrogates();
+    else if constexpr (std::same_as<E, element::BStr>)
+      return bytes();
+    else if constexpr (element::Floating<E>)
+      return floating<typename E::Value>();
+    else
+      return number<typename E::Value>();
+  }
+
+  const Losses losses_;
+};
+
+struct Maker::Filler {
+  const Maker& maker;
+  OpenMessage& message;
+  const FieldDef& field;
+  const Classes& around;
+
+  void operator()(Nothing) const { MessageAccess::mark(message, field.getMemNum()); }
+  template <element::Integer E>
+  void operator()(Scalar<E>) const {
+    MessageAccess::setInteger(message, field, maker.integer<E>(field));
+  }
+  void operator()(Scalar<element::Double>) const {
+    MessageAccess::setDouble(message, field, maker.floating<double>());
+  }
+  void operator()(Scalar<element::Float>) const {
+    MessageAccess::setFloat(message, field, maker.floating<float>());
+  }
+  template <class E>
+  void operator()(InPlace<E>) const {
+    MessageAccess::inPlace<typename E::Value>(message, field) = maker.element<E>();
+    MessageAccess::mark(message, field.getMemNum());
+  }
+  void operator()(Owned<element::BStr>) const {
+    MessageAccess::make<bstring>(message, field, true) = bstring(maker.bytes());
+  }
+  void operator()(Owned<element::PStr>) const {
+    MessageAccess::make<pstring>(message, field, true) = pstring(maker.password());
+  }
+  void operator()(Object) const {
+    OpenMessage made = object(0);
+    XNMessageBase*& slot = MessageAccess::owned<XNMessageBase>(message, field);
+    delete slot;
+    slot = new OpenMessage(std::move(made));
+    MessageAccess::mark(message, field.getMemNum());
+  }
+  template <class E>
+  void operator()(List<E>) const {
+    constexpr bool kPacked = element::Number<E>;
+    auto& list = MessageAccess::make<typename List<E>::Value>(message, field, true);
+    list.clear();
+    const std::size_t size = *gen::inRange<std::size_t>(least(kPacked), kMaxElements);
+    while (list.size() < size) {
+      if constexpr (std::same_as<E, element::Obj>)
+        list.push_back(object(0));
+      else
+        list.push_back(maker.element<E>());
+    }
+  }
+  template <class K, class V>
+  void operator()(Map<K, V>) const {
+    auto& map = MessageAccess::make<typename Map<K, V>::Value>(message, field, true);
+    map.clear();
+    const std::size_t size = *gen::inRange<std::size_t>(least(true), kMaxElements);
+    for (std::size_t i = 0; i < size; ++i)
+      map.emplace(side<K>(0), side<V>(field.classRefBytes() - ClassRef::kSize));
+  }
+
+ private:
+  std::size_t least(bool leavesATraceWhenEmpty) const {
+    return maker.has(kEmptyCollections) || (!leavesATraceWhenEmpty && maker.has(kEmptyTextLists)) ? 1 : 0;
+  }
+  /// A message of the ClassRef at that place before the name.
+  OpenMessage object(unsigned at) const {
+    const ClassRef ref = ClassRef::read(field.namePointer() + at);
+    Classes inside = around;
+    inside.push_back(XNMessageBase::GetClassDef(&message));
+    return maker.make({static_cast<short>(ref.subsystem), ref.classIndex}, inside);
+  }
+  template <class E>
+  typename E::Value side(unsigned at) const {
+    if constexpr (std::same_as<E, element::Obj>)
+      return object(at);
+    else
+      return maker.element<E>();
   }
 };
 
+void Maker::fill(OpenMessage& message, const FieldDef& field, const Classes& around) const {
+  visitStorage(field.getType(), Filler{*this, message, field, around});
+}
+
 }  // namespace
 
-void fillAtRandom(XNMessageBase& message, const RandomValues& values) {
-  for (const FieldDef& field : *MessageAccess::classDef(message)) {
-    if (values.without.contains(field.getType()) || (field.getFieldHashId() == 0 && !values.hashless))
-      continue;
-    if (draw(2) == 0) visitStorage(field.getType(), FieldFiller{message, field, values});
-  }
+rc::Gen<OpenMessage> randomMessages(Losses losses) {
+  return rc::gen::exec([losses] {
+    const Maker maker(losses);
+    // Half of them of the classes that have most to lose.
+    const ClassIndices indices = *rc::gen::oneOf(
+        rc::gen::elementOf(maker.classes()),
+        rc::gen::map(rc::gen::element("Demo_EveryType", "Demo_Nest", "Demo_MapOuter"), classNamed));
+    return maker.make(indices, {});
+  });
+}
+
+rc::Gen<OpenMessage> randomMessagesOf(ClassIndices indices, Losses losses) {
+  return rc::gen::exec([=] { return Maker(losses).make(indices, {}); });
+}
+
+void showValue(const OpenMessage& message, std::ostream& out) {
+  out << dump(message);
 }
 
 }  // namespace zqxml
