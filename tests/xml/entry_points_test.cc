@@ -375,6 +375,17 @@ TEST(EntryPoints, HandlerGivesItsMainObject) {
   EXPECT_EQ(making.getMainObject(), nullptr);
 }
 
+TEST(EntryPoints, HandlerTakesEventsWithoutNamesOrAnObject) {
+  MySAX2Handler making;
+  making.characters(nullptr, 0);
+  making.endElement(nullptr, nullptr, nullptr);
+  EXPECT_EQ(making.finish(), nullptr);
+  Node node;
+  MySAX2Handler handler(&node);
+  handler.endElement(nullptr, nullptr, nullptr);
+  EXPECT_EQ(handler.finish(), &node);
+}
+
 // --- The facades
 
 TEST(EntryPoints, EncoderWritesByItsFlags) {

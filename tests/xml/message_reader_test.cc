@@ -121,6 +121,26 @@ TEST(MessageReader, RootWithoutAClassThrowsAndMakesNothing) {
   EXPECT_EQ(events.root(), nullptr);
 }
 
+TEST(MessageReader, EventsAfterARootWithoutAClassArePassedOver) {
+  LogCapture log;
+  Events events(nullptr);
+  EXPECT_THROW(events.open(u"XmlRead_Nothing"), std::exception);
+  events.open(u"XmlRead_Node", {{u"id", u"4"}}).text(u"x").close(u"XmlRead_Node").close(u"XmlRead_Nothing");
+  events.finish();
+  EXPECT_EQ(events.root(), nullptr);
+}
+
+TEST(MessageReader, EndWithoutAStartIsPassedOver) {
+  Events(nullptr).close(u"XmlRead_Node").finish();
+  Node node;
+  Events events(&node, 1);
+  events.close(u"child").close(u"");
+  events.open(u"root", {{u"id", u"4"}}).close(u"root").close(u"root");
+  events.open(u"name").text(u"n").close(u"name");
+  EXPECT_EQ(node.getId(), 4);
+  EXPECT_EQ(node.getName(), "n");
+}
+
 // --- Closing by name
 
 TEST(MessageReader, ObjectClosedAsAnElementOfAListIsMovedThere) {

@@ -1,5 +1,6 @@
 #include <zqxml/catalogue/name_hash.h>
 #include <zqxml/message/internal/nesting_limit.h>
+#include <zqxml/platform/internal/xerces_ptr.h>
 #include <zqxml/xml/internal/message_reader.h>
 #include <zqxml/xml/my_sax2_handler.h>
 
@@ -14,7 +15,7 @@ namespace {
 
 /// The local name, or the qualified one where the parser does not look at namespaces.
 std::u16string_view nameOf(const XMLCh* localname, const XMLCh* qname) {
-  return localname != nullptr && *localname != 0 ? localname : qname;
+  return internal::viewOf(localname != nullptr && *localname != 0 ? localname : qname);
 }
 
 }  // namespace

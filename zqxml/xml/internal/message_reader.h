@@ -35,7 +35,8 @@ struct AttributeView {
 /// only.
 ///
 /// Failure: a root element without a class, and objects nested too deep, throw (std::exception); the source
-/// of events then has to stop. Everything else is logged and passed over. The root object holds what was read
+/// of events then has to stop, and what it still gives without a root is passed over, as is an end without a
+/// start. Everything else is logged and passed over. The root object holds what was read
 /// until then, and objects that hang nowhere end with the reader.
 class MessageReader {
  public:

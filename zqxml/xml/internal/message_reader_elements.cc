@@ -46,6 +46,7 @@ MessageReader::MessageReader(XNMessageBase* root, std::size_t maxLevels)
 void MessageReader::start(std::u16string_view name, std::span<const AttributeView> attributes) {
   checkDepth();
   const bool isRoot = !std::exchange(started_, true);
+  if (!isRoot && path_.empty()) return;  // the root had no class
   if (skipping_) return logDebug(kStart, 10, "Skipping element [%s]", name);
   if (isRoot) {
     rootTag_ = name;
@@ -130,7 +131,9 @@ void MessageReader::readVal(const FieldDef* field, std::u16string_view value) {
 }
 
 void MessageReader::end(std::u16string_view name) {
+  if (depth_ == 0) return;  // nothing is open
   --depth_;
+  if (path_.empty()) return;
   const bool wasCapturing = std::exchange(capturing_, false);
   if (skipping_) {
     text_.clear();
