@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <zqxml/message/xn_message_base.h>
+#include <zqxml/xml/base64_decode.h>
 #include <zqxml/xml/encoding_flags.h>
 #include <zqxml/xml/internal/xml_serializer_access.h>
 #include <zqxml/xml/internal/xml_start_up_once.h>
@@ -242,6 +243,33 @@ TEST(XmlStartUp, FailureReachesEveryDoor) {
   EXPECT_EQ(text, "before");
   EXPECT_EQ(wide, u"before");
   EXPECT_THAT(log.lines(), SizeIs(5));
+}
+
+TEST(XmlStartUp, FailureReachesEveryReader) {
+  TestStartUp test;
+  TestStartUp::refuse = true;
+  XNMessageBase msg;
+  std::string text = "<a/>";
+  std::u16string wide = u"<a/>";
+  std::string tag = "before";
+  unsigned tagId = 5;
+  std::string bytes = "before";
+  LogCapture log;
+  XmlStartUp::replacement = &test.startUp;
+  EXPECT_EQ(XMLSerializer().unserialize(msg, text, false), XN_MSG_XML_LIBRARY_ERROR);
+  EXPECT_EQ(XMLSerializer().unserialize(text, false), nullptr);
+  EXPECT_EQ(XMLSerializer().unserialize(msg, wide.c_str(), false, false), XN_MSG_XML_LIBRARY_ERROR);
+  EXPECT_FALSE(XMLSerializer::GetTagAndTagIDFromXML(text, tag, tagId));
+  EXPECT_FALSE(XMLSerializer::GetTagAndTagIDFromXML(wide, tag, tagId));
+  EXPECT_FALSE(base64DecodeXmlCh(u"YWJj", bytes));
+  XmlStartUp::replacement = nullptr;
+  EXPECT_EQ(tag, "before");
+  EXPECT_EQ(tagId, 5u);
+  EXPECT_EQ(bytes, "before");
+  constexpr const char* kText = "Error initializing xerces library";
+  EXPECT_EQ(log.count("XMLSerializer::parserHelper", 0, kText), 2u);
+  EXPECT_EQ(log.count("XMLSerializer::parserHelperWideChar", 0, kText), 1u);
+  EXPECT_EQ(log.count("XMLSerializer::GetTagAndTagIDFromXML", 0, kText), 2u);
 }
 
 TEST(XmlStartUp, EveryDoorStartsTheProcessesLibrary) {
