@@ -134,6 +134,14 @@ TEST_F(ConvertFiles, ManyMessagesOnStandardOutputAreXmlLineByLine) {
   EXPECT_EQ(run.out, one + "\n" + one + "\n");
 }
 
+TEST_F(ConvertFiles, ManyFilesOnStandardOutputAreXmlLineByLineToo) {
+  folder_.write("a.xml", alert("a"));
+  const std::string one = zqmsg({"convert", "a.xml", "--to", "xml"}).out;
+  const ProgramRun run = zqmsg({"convert", "a.xml", "a.xml", "a.xml", "--to", "xml"});
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_EQ(run.out, one + "\n" + one + "\n" + one + "\n");
+}
+
 TEST_F(ConvertFiles, ManyMessagesDoNotFitAFileOfOne) {
   folder_.write("two.objects", objectsOf({"a", "b"}));
   folder_.write("a.xml", alert("a"));
@@ -148,6 +156,8 @@ TEST_F(ConvertFiles, ManyMessagesDoNotFitAFileOfOne) {
   EXPECT_EQ(folder_.read("out"), "old");
   EXPECT_THAT(zqmsg({"convert", "two.objects", "--to", "binary"}), Exits(1));
   EXPECT_THAT(zqmsg({"convert", "two.objects", "--to", "binary"}).out, IsEmpty());
+  folder_.write("large.xml", alert(std::string(300000, 'x')));
+  EXPECT_THAT(zqmsg({"convert", "large.xml", "a.xml", "--to", "binary"}).out, IsEmpty());
 }
 
 TEST_F(ConvertFiles, FileOfNoObjectsIsEmpty) {

@@ -49,7 +49,14 @@ std::string Conversion::encoded(XNMessageBase& message, const MessageSource& sou
   return bytes;
 }
 
+bool Conversion::severalFit() const {
+  return options_.write.form == Form::kObjects ||
+         (options_.write.form == Form::kXml && options_.output == "-");
+}
+
 void Conversion::intoOne() {
+  if (options_.files.size() > 1 && !severalFit())
+    throw tooManyMessages(options_.files[1], options_.write.form);
   Output output(options_.output);
   for (const std::string& file : options_.files) {
     MessageSource source(file, options_.from, session_);
@@ -69,17 +76,15 @@ void Conversion::copyObjects(MessageSource& source, Output& output) {
 }
 
 void Conversion::copyDocument(MessageSource& source, Output& output) {
-  const bool severalFit = output.isStandardOutput() && options_.write.form == Form::kXml;
   MessagePtr message = source.next();
   if (message == nullptr) throw Failure(kFailed, source.name(), "holds no message");
   while (message != nullptr) {
     const std::string bytes = encoded(*message, source);
     message = source.next();
-    if (!severalFit && (message != nullptr || written_ > 1))
-      throw tooManyMessages(source.name(), options_.write.form);
+    if (message != nullptr && !severalFit()) throw tooManyMessages(source.name(), options_.write.form);
     if (lineOpen_) output.write("\n");
     output.write(bytes);
-    lineOpen_ = severalFit && !bytes.ends_with('\n');
+    lineOpen_ = severalFit() && !bytes.ends_with('\n');
   }
 }
 

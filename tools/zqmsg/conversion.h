@@ -32,6 +32,8 @@ class Conversion {
   void run();
 
  private:
+  /// Whether the one target takes more than one message.
+  bool severalFit() const;
   void intoOne();
   void intoFolder();
   void copyObjects(MessageSource& source, Output& output);

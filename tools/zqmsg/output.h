@@ -16,7 +16,6 @@ class Output {
  public:
   explicit Output(const std::string& file);
 
-  bool isStandardOutput() const { return standardOutput_; }
   void write(std::string_view bytes);
   /// Writes out what is held back. Must be the last call; without it a file is not made.
   void commit();
