@@ -9,6 +9,7 @@
 #include <zqxml/xml/internal/xml_serializer_access.h>
 #include <zqxml/xml/xml_serializer.h>
 
+#include <atomic>
 #include <string>
 #include <utility>
 #include <xercesc/dom/DOMDocument.hpp>
@@ -26,6 +27,17 @@ namespace zqxml {
 namespace {
 
 constexpr int kFormVersion = 2;
+
+/// The library's registry takes a lock of the process and parses the feature's name, so what it gave is kept.
+xercesc::DOMImplementation* findDomImplementation() {
+  static std::atomic<xercesc::DOMImplementation*> known = nullptr;
+  xercesc::DOMImplementation* found = known.load(std::memory_order_acquire);
+  if (found == nullptr) {
+    found = xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
+    known.store(found, std::memory_order_release);
+  }
+  return found;
+}
 
 /// Owns the document of one call.
 class DocumentHolder {
@@ -96,10 +108,11 @@ DOMWriter* createWriter(bool pretty) {
   return writer.release();
 }
 
-/// The document or its root element as text. What cannot be written is logged, and what there is is given.
+/// The document or its root element as text into `out`. What cannot be written is logged, and what there is
+/// is given; on an exception `out` keeps what it held.
 template <class Char>
-std::basic_string<Char> dumpDocument(const char* function, DOMWriter* newWriter, const char16_t* encoding,
-                                     xercesc::DOMDocument* doc, bool rootOnly) {
+void dumpDocument(std::basic_string<Char>& out, const char* function, DOMWriter* newWriter,
+                  const char16_t* encoding, xercesc::DOMDocument* doc, bool rootOnly) {
   const internal::XercesPtr<DOMWriter> writer(newWriter);
   StringFormatTarget<Char> target;
   bool written = false;
@@ -113,7 +126,7 @@ std::basic_string<Char> dumpDocument(const char* function, DOMWriter* newWriter,
     written = writer->write(node, output.get());
   }
   if (!written) logError(function, "Error Writing Xml to String");
-  return target.take();
+  out = target.text();
 }
 
 /// Runs `dump`, and logs what it throws.
@@ -134,8 +147,7 @@ void guardDump(const char* function, const char* failure, Dump dump) {
 
 }  // namespace
 
-XMLSerializerAccess::DomLookUp XMLSerializerAccess::domImplementation =
-    +[] { return xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS"); };
+XMLSerializerAccess::DomLookUp XMLSerializerAccess::domImplementation = &findDomImplementation;
 
 XMLSerializationSupport* XMLSerializer::getXMLSerializationSupportObject() {
   static XMLSerializationSupport instance;
@@ -177,16 +189,16 @@ DOMWriter* XMLSerializer::DOMCreateAWriterUTF16() {
 
 void XMLSerializer::DumpDOMDocumentToStringUTF8(std::string& out, xercesc::DOMDocument* doc, bool rootOnly) {
   guardDump("XMLEncoder::DOMDumpTostringUTF8", "Error Dumping Xml String from DomTree to String", [&] {
-    out = dumpDocument<char>("XMLSerializer::DumpDOMDocumentToStringUTF8", DOMCreateAWriterUTF8(), u"UTF-8",
-                             doc, rootOnly);
+    dumpDocument(out, "XMLSerializer::DumpDOMDocumentToStringUTF8", DOMCreateAWriterUTF8(), u"UTF-8", doc,
+                 rootOnly);
   });
 }
 
 void XMLSerializer::DumpDOMDocumentToWStringUTF16(std::u16string& out, xercesc::DOMDocument* doc,
                                                   bool rootOnly) {
   guardDump("XMLEncoder::DOMDumpTostringUTF16", "Error Dumping Xml String From DomTree to String", [&] {
-    out = dumpDocument<char16_t>("XMLSerializer::DumpDOMDocumentToWStringUTF16", DOMCreateAWriterUTF16(),
-                                 u"UTF-16", doc, rootOnly);
+    dumpDocument(out, "XMLSerializer::DumpDOMDocumentToWStringUTF16", DOMCreateAWriterUTF16(), u"UTF-16", doc,
+                 rootOnly);
   });
 }
 
