@@ -6,11 +6,13 @@
 
 namespace {
 thread_local bool failNext = false;
+thread_local std::size_t failingSize = 0;  // 0: any
 }  // namespace
 
 void* operator new(std::size_t size) {
-  void* const block = failNext ? nullptr : malloc(size == 0 ? 1 : size);
-  failNext = false;
+  const bool fails = failNext && (failingSize == 0 || failingSize == size);
+  void* const block = fails ? nullptr : malloc(size == 0 ? 1 : size);
+  if (fails) failNext = false;
   if (block == nullptr) throw std::bad_alloc();
   return block;
 }
@@ -23,8 +25,9 @@ void operator delete(void* block, std::size_t) noexcept {
 
 namespace zqxml {
 
-void failNextAllocation() {
+void failNextAllocation(std::size_t size) {
   failNext = true;
+  failingSize = size;
 }
 bool allocationWillFail() {
   return failNext;

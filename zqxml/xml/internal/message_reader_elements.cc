@@ -7,6 +7,7 @@
 #include <zqxml/xml/internal/message_reader_names.h>
 
 #include <memory>
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -17,7 +18,8 @@ constexpr char kStart[] = "MySAX2Handler::startElement";
 constexpr char kEnd[] = "MySAX2Handler::endElement";
 constexpr char kAttributes[] = "MySAX2Handler::processAttributes";
 
-/// New object of the class that a root element's name stands for, null when there is none.
+/// New object of the class that a root element's name stands for, null when there is none or no memory for
+/// it.
 std::unique_ptr<XNMessageBase> makeRoot(const std::string& name) {
   const std::size_t separator = name.find('_');
   if (separator == name.npos) return nullptr;
@@ -29,7 +31,11 @@ std::unique_ptr<XNMessageBase> makeRoot(const std::string& name) {
   if (!catalogue::subsystemFromName(subsystemName.c_str(), subsystem) ||
       !catalogue::classIndexFromName(name.c_str() + separator + 1, subsystem, classIndex))
     return nullptr;
-  return std::unique_ptr<XNMessageBase>(MessageAccess::create(subsystem, classIndex));
+  try {
+    return std::unique_ptr<XNMessageBase>(MessageAccess::create(subsystem, classIndex));
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }
 
 void logBadAttributes(std::u16string_view tag) {
