@@ -306,8 +306,7 @@ class XmlWalk {
       if (walk.call_.version < 2) {
         form = UlBase64::Encode(value.c_str());
       } else if (XMLDecoder(flags(), walk.call_.context)
-                     .encryptPassword(record.passwordType(), value, form) ==
-                 XN_MSG_NO_PASSWORD_HANDLER) {
+                     .encryptPassword(record.passwordType(), value, form) == XN_MSG_NO_PASSWORD_HANDLER) {
         logError(kFunction, "Password Handler Not Found while serializing bstring field [%s]",
                  field.getName());
         return false;
