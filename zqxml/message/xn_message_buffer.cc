@@ -25,7 +25,7 @@ XNMessageBuffer::XNMessageBuffer(XNMessageBuffer&& other) noexcept
       fieldCount_(other.fieldCount_),
       callerBlock_(other.callerBlock_),
       isSet_(other.isSet_) {
-  std::memcpy(inlineArea_, other.inlineArea_, kInlineBytes);
+  std::memcpy(inlineArea_, other.inlineArea_, other.inlineBytes());
   if (other.bitsAreInline()) isSet_ = inlineArea_ + (other.isSet_ - other.inlineArea_);
   other.external_ = nullptr;
   other.release();
@@ -44,19 +44,25 @@ bool XNMessageBuffer::bitsAreInline() const {
          std::less<const unsigned char*>()(isSet_, inlineArea_ + kInlineBytes);
 }
 
+std::size_t XNMessageBuffer::inlineBytes() const {
+  return static_cast<std::size_t>(inlineCount_) * kSlotBytes + (bitsAreInline() ? bitBytes(fieldCount_) : 0);
+}
+
 void XNMessageBuffer::init(short inlineCount, short slotCount, short fieldCount) {
   inlineCount_ = inlineCount;
   slotCount_ = slotCount;
   fieldCount_ = fieldCount;
   callerBlock_ = 0;
-  const std::size_t inlineBytes = static_cast<std::size_t>(inlineCount) * kSlotBytes;
+  const std::size_t slotBytes = static_cast<std::size_t>(inlineCount) * kSlotBytes;
   const std::size_t externalSlots =
       slotCount > inlineCount ? static_cast<std::size_t>(slotCount - inlineCount) : 0;
-  if (externalSlots == 0 && inlineBytes + bitBytes(fieldCount) <= kInlineBytes) {
+  if (externalSlots == 0 && slotBytes + bitBytes(fieldCount) <= kInlineBytes) {
     external_ = nullptr;
-    isSet_ = inlineArea_ + inlineBytes;
+    isSet_ = inlineArea_ + slotBytes;
+    std::memset(inlineArea_, 0, slotBytes + bitBytes(fieldCount));
     return;
   }
+  std::memset(inlineArea_, 0, slotBytes);
   external_ = new std::int64_t[externalSlots + slotsFor(bitBytes(fieldCount))]();
   isSet_ = reinterpret_cast<unsigned char*>(external_ + externalSlots);
 }
@@ -89,7 +95,6 @@ XNMessageBuffer& XNMessageBuffer::operator=(const XNMessageBuffer& other) {
     fieldCount_ = other.fieldCount_;
     return *this;
   }
-  std::memset(inlineArea_, 0, kInlineBytes);
   init(other.inlineCount_, other.slotCount_, other.fieldCount_);
   return *this;
 }

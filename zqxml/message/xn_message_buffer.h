@@ -17,7 +17,8 @@ class ZQXML_EXPORT XNMessageBuffer {
   static constexpr short kMaxInlineSlots = 24;
   static constexpr std::size_t kInlineBytes = 204;
 
-  XNMessageBuffer() = default;
+  /// No storage.
+  XNMessageBuffer() {}  // not defaulted: a message made with () shall not zero the inline area
   /// Frees the external block unless it is the caller's.
   ~XNMessageBuffer();
   /// Takes over the external block and the bytes of the inline area; `other` is left empty. In-place strings
@@ -71,7 +72,11 @@ class ZQXML_EXPORT XNMessageBuffer {
   void release();
   bool bitsAreInline() const;
 
-  alignas(std::int64_t) unsigned char inlineArea_[kInlineBytes] = {};
+  /// Bytes of the inline area that slots and set bits take.
+  std::size_t inlineBytes() const;
+
+  // Zeroed by init, as far as a message uses it: most use little, and lists make messages by the thousand.
+  alignas(std::int64_t) unsigned char inlineArea_[kInlineBytes];
   std::int64_t* external_ = nullptr;
   short inlineCount_ = 0;
   short slotCount_ = 0;
