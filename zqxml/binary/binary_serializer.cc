@@ -136,10 +136,7 @@ int BinarySerializer::unserialize(XNMessageBase& object, BinaryBuffer& buffer, Z
              object.getTagID(), tagId);
     return -1;
   }
-  if (!keepExisting) {
-    MessageAccess::reset(object);
-    MessageAccess::wipeBitset(object);
-  }
+  if (!keepExisting) MessageAccess::resetAndWipe(object);
   if (!unserializeBinaryRecur(object, stream, buffer.getDataSize(), version, context, keepExisting)) {
     logError("BinarySerializer::unserialize", "Error unserializing from buffer on object [%s]",
              object.getTagName());

@@ -182,6 +182,9 @@ class FieldTypeSet {
       if ((kFieldTypes[type].flags & flag) != 0) set.bits_ |= std::uint64_t{1} << type;
     return set;
   }
+  /// The types for whose storage the handler answers true: `FieldTypeSet::ofStorage(Overloaded{...})`.
+  template <class Handler>
+  static constexpr FieldTypeSet ofStorage(Handler handler);
   constexpr bool contains(unsigned type) const { return type < 64 && ((bits_ >> type) & 1) != 0; }
   constexpr FieldTypeSet operator|(FieldTypeSet other) const {
     FieldTypeSet set;
@@ -242,5 +245,23 @@ struct Overloaded : Handlers... {
 };
 template <class... Handlers>
 Overloaded(Handlers...) -> Overloaded<Handlers...>;
+
+template <class Handler>
+constexpr FieldTypeSet FieldTypeSet::ofStorage(Handler handler) {
+  FieldTypeSet set;
+  for (unsigned type = 0; type < kFieldTypeCount; ++type)
+    if (visitStorage(type, handler)) set.bits_ |= std::uint64_t{1} << type;
+  return set;
+}
+
+/// Types whose slot is a number and owns nothing.
+inline constexpr FieldTypeSet kNumberTypes =
+    FieldTypeSet::ofStorage(Overloaded{[]<class E>(Scalar<E>) { return true; }, [](auto) { return false; }});
+/// Types whose content exists for the whole life of a message.
+inline constexpr FieldTypeSet kAlwaysBuiltTypes =
+    FieldTypeSet::ofStorage(Overloaded{[]<class E>(InPlace<E>) { return true; },
+                                       []<class E>(Owned<E>) { return true; }, [](auto) { return false; }});
+static_assert(kNumberTypes.contains(FDT_ULONGLONG) && !kNumberTypes.contains(FDT_STRING));
+static_assert(kAlwaysBuiltTypes.contains(FDT_PSTRING) && !kAlwaysBuiltTypes.contains(FDT_RESERVED_29));
 
 }  // namespace zqxml

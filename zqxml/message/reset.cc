@@ -121,6 +121,24 @@ void XNMessageBase::reset() {
   }
 }
 
+void XNMessageBase::resetAndWipe() {
+  if (classDef_ == nullptr) return;
+  for (const FieldDef& field : *classDef_) {
+    if (kNumberTypes.contains(field.getType()))
+      MessageAccess::slot(*this, field) = 0;
+    else
+      visitStorage(field.getType(), MemberClearer{*this, field, false});
+  }
+  setDefaults(-1);
+  if (isOldWay(tagId_)) {
+    constructSubObjects();
+    setEveryPrimitiveBitset(true);
+  } else if (classDef_->defaultsStart() != -1) {
+    setEveryPrimitiveBitset(false);  // for what it does to default texts
+  }
+  wipeBitset();
+}
+
 void XNMessageBase::setDefaults(short position) {
   if (classDef_->defaultsStart() == -1) return;
   const FieldDefaultEntry* entry = gSubsystemTable[msgSysIndex_].defaults + classDef_->defaultsStart();

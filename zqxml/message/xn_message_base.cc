@@ -80,9 +80,7 @@ short inlineSlotCount(const _ClassDef& classDef) {
 
 }  // namespace
 
-XNMessageBase::XNMessageBase() {
-  initToNULL();
-}
+XNMessageBase::XNMessageBase() = default;
 
 XNMessageBase::XNMessageBase(int msgSysIndex, int msgIndex) : XNMessageBase() {
   initialize(msgSysIndex, msgIndex, false, nullptr, 0);
@@ -137,7 +135,10 @@ void XNMessageBase::initialize(int msgSysIndex, int msgIndex, bool useBlock, std
   msgIndex_ = msgIndex;
   tagId_ = makeTagId(msgSysIndex, record->getClassId());
   classDef_ = record;
-  for (const FieldDef& field : *record) visitStorage(field.getType(), ContentBuilder{*this, field});
+  for (const FieldDef& field : *record) {
+    if (kAlwaysBuiltTypes.contains(field.getType()))
+      visitStorage(field.getType(), ContentBuilder{*this, field});
+  }
   setDefaults(-1);
   if (gSubsystemTable[msgSysIndex].oldWay) {
     constructSubObjects();
@@ -195,7 +196,10 @@ void XNMessageBase::takeInlineStrings(XNMessageBase& other) noexcept {
 
 void XNMessageBase::destroyFields() noexcept {
   if (classDef_ == nullptr) return;
-  for (const FieldDef& field : *classDef_) visitStorage(field.getType(), ContentDestroyer{*this, field});
+  for (const FieldDef& field : *classDef_) {
+    if (!kNumberTypes.contains(field.getType()))
+      visitStorage(field.getType(), ContentDestroyer{*this, field});
+  }
   classDef_ = nullptr;
 }
 

@@ -32,8 +32,7 @@ eXNMsgRet readInto(XNMessageBase& msg, bool keepExisting, Parse parse) {
   if (keepExisting) {
     handler.setDefaultsWhileUnserialization();
   } else {
-    MessageAccess::reset(msg);
-    MessageAccess::wipeBitset(msg);
+    MessageAccess::resetAndWipe(msg);
   }
   return parse(handler);
 }

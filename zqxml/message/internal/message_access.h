@@ -38,6 +38,8 @@ class MessageAccess {
     initialize(message, ref.subsystem, ref.classIndex);
   }
   static void reset(XNMessageBase& message) { message.reset(); }
+  /// What the readers do first: back to the freshly built state, with no field set.
+  static void resetAndWipe(XNMessageBase& message) { message.resetAndWipe(); }
   static void wipeBitset(XNMessageBase& message) { message.wipeBitset(); }
   static XNMessageBuffer& buffer(XNMessageBase& message) { return message.buffer_; }
 
