@@ -126,5 +126,14 @@ TEST_F(XercesOwners, NullTextIsEmpty) {
   EXPECT_EQ(utf8Of(u"\u00e9"), "\xC3\xA9");
 }
 
+TEST_F(LimitedMemory, EndsAParseThatTakesAndGivesBackWithoutEnd) {
+  LimitedMemoryManager memory(0);
+  constexpr XMLSize_t kBlock = 1U << 20;
+  const std::size_t times = LimitedMemoryManager::kTurnover * memory.limit() / kBlock;
+  for (std::size_t i = 0; i < times; ++i) memory.deallocate(memory.allocate(kBlock));
+  EXPECT_THROW(memory.allocate(1), xercesc::OutOfMemoryException);
+  EXPECT_EQ(memory.inUse(), 0U);
+}
+
 }  // namespace
 }  // namespace zqxml::internal

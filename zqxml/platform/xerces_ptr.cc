@@ -18,23 +18,31 @@ std::size_t limitFor(std::size_t inputSize) {
   return LimitedMemoryManager::kBase + LimitedMemoryManager::kFactor * inputSize;
 }
 
+std::size_t turnoverFor(std::size_t limit) {
+  constexpr std::size_t kMost = std::numeric_limits<std::size_t>::max();
+  return limit > kMost / LimitedMemoryManager::kTurnover ? kMost : limit * LimitedMemoryManager::kTurnover;
+}
+
 }  // namespace
 
 std::string utf8Of(const XMLCh* text) {
   return toUtf8(viewOf(text));
 }
 
-LimitedMemoryManager::LimitedMemoryManager(std::size_t inputSize) : limit_(limitFor(inputSize)) {}
+LimitedMemoryManager::LimitedMemoryManager(std::size_t inputSize)
+    : limit_(limitFor(inputSize)), turnover_(turnoverFor(limit_)) {}
 
 LimitedMemoryManager::~LimitedMemoryManager() = default;
 
 void* LimitedMemoryManager::allocate(XMLSize_t size) {
-  if (size > limit_ - inUse_ || size > std::numeric_limits<std::size_t>::max() - kHeader) {
+  if (size > limit_ - inUse_ || size > turnover_ ||
+      size > std::numeric_limits<std::size_t>::max() - kHeader) {
     throw xercesc::OutOfMemoryException();
   }
   void* const start = xercesc::XMLPlatformUtils::fgMemoryManager->allocate(size + kHeader);
   std::memcpy(start, &size, sizeof size);
   inUse_ += size;
+  turnover_ -= size;
   return static_cast<char*>(start) + kHeader;
 }
 

@@ -44,14 +44,18 @@ inline std::u16string_view viewOf(const XMLCh* text) {
 std::string utf8Of(const XMLCh* text);
 
 /// Passes requests on to the platform's memory manager until the blocks that are in use together are larger
-/// than the limit: then it throws xercesc::OutOfMemoryException, as the parser expects of a full memory. An
-/// input can so take no more than a fixed multiple of its size, whatever it declares.
+/// than the limit, or all that were ever asked for larger than kTurnover limits: then it throws
+/// xercesc::OutOfMemoryException, as the parser expects of a full memory. An input can so take no more than a
+/// fixed multiple of its size, whatever it declares, and no more time than it takes to use that memory a few
+/// times: a nest of entities makes a new reader of some 200 KB for each reference, and gives it back again.
 ///
 /// One per parse; it must outlive the parser, and belongs to one thread at a time.
 class LimitedMemoryManager final : public xercesc::MemoryManager {
  public:
   static constexpr std::size_t kBase = std::size_t{64} << 20;
   static constexpr std::size_t kFactor = 64;
+  /// How many times the limit may be asked for in all.
+  static constexpr std::size_t kTurnover = 16;
 
   /// For an input of so many bytes: 64 MiB and 64 times the input.
   explicit LimitedMemoryManager(std::size_t inputSize);
@@ -71,6 +75,8 @@ class LimitedMemoryManager final : public xercesc::MemoryManager {
  private:
   const std::size_t limit_;
   std::size_t inUse_ = 0;
+  /// What may still be asked for.
+  std::size_t turnover_;
 };
 
 }  // namespace zqxml::internal
