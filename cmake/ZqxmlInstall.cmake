@@ -33,6 +33,7 @@ configure_package_config_file(cmake/ZqXMLMsgsBaseConfig.cmake.in "${PROJECT_BINA
                               INSTALL_DESTINATION "${zqxml_package_dir}" PATH_VARS zqxml_data_dir)
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/ZqXMLMsgsBaseConfigVersion.cmake"
                                  COMPATIBILITY SameMajorVersion)
+file(RELATIVE_PATH zqxml_pc_to_prefix "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 configure_file(cmake/zqxmlmsgsbase.pc.in "${PROJECT_BINARY_DIR}/zqxmlmsgsbase.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/ZqXMLMsgsBaseConfig.cmake" "${PROJECT_BINARY_DIR}/ZqXMLMsgsBaseConfigVersion.cmake"
         DESTINATION "${zqxml_package_dir}")

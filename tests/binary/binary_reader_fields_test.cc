@@ -19,8 +19,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr const char* kReader = "BinarySerializer::unserializeBinaryRecur";
-constexpr const char* kEntry = "BinarySerializer::unserialize";
-constexpr const char* kFailedEveryType = "Error unserializing from buffer on object [Demo_EveryType]";
 
 std::string everyType(const std::string& body, std::uint32_t version = 2) {
   return withHeader(EveryType::kTagId, body, version);
