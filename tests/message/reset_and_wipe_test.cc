@@ -25,8 +25,7 @@ RC_GTEST_PROP(ResetAndWipeTest, LeavesWhatResetAndThenWipeLeave, ()) {
   static const std::vector<std::string> kClasses = {
       "Demo_EveryType",  "Demo_Defaults",   "Demo_SelfPair",           "Demo_Hashless",
       "Demo_Elements25", "ZQGui_SaveAlert", "ZqDFMImport_DfmEveryType"};
-  OpenMessage message = newMessage(*rc::gen::elementOf(kClasses));
-  fillAtRandom(message, {.without = {}, .hashless = true, .emptyCollections = true});
+  OpenMessage message = *randomMessagesOf(classNamed(*rc::gen::elementOf(kClasses)), Losses{0});
   OpenMessage other(message);
 
   MessageAccess::resetAndWipe(message);
