@@ -2,15 +2,28 @@
 #include <zqxml/platform/platform_info.h>
 
 #include <cstdint>
+#include <new>
 
 namespace zqxml {
 
 XmlLogContext& XmlLogContext::instance() noexcept {
-  static XmlLogContext* const log = new XmlLogContext;
+  // In a place of its own, so that neither a full memory at the first line nor the end of the process can
+  // take it away.
+  alignas(XmlLogContext) static unsigned char place[sizeof(XmlLogContext)];
+  static XmlLogContext* const log = new (place) XmlLogContext;
   return *log;
 }
 
 XmlLogContext::XmlLogContext() noexcept {
+  try {
+    openDedicatedLog();
+  } catch (...) {
+    // Out of memory: the log of the process remains.
+    dedicatedLog.reset();
+  }
+}
+
+void XmlLogContext::openDedicatedLog() {
   const std::string focus = ZQPI_Focus::getFocus();
   if (focus.empty()) return;
   std::int64_t number = 0;

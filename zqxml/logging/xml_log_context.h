@@ -50,6 +50,7 @@ class ZQXML_EXPORT XmlLogContext {
   XmlLogContext() noexcept;
   ~XmlLogContext() = default;
 
+  void openDedicatedLog();
   void write(const char* function, int lineLevel, const char* format,
              std::span<const FormatArg> arguments) noexcept;
 

@@ -40,7 +40,6 @@ struct EvDebugFileInstance::Impl {
 
 namespace {
 
-std::atomic<int> processLevel{0};
 thread_local bool insideSink = false;
 
 // What all logs share. It is never destroyed: lines may come from the destructors of the process's last
@@ -93,22 +92,21 @@ void putTo(spdlog::sinks::sink& sink, const std::string& entry) {
 
 }  // namespace
 
-EvDebugFileInstance::EvDebugFileInstance() : impl_(std::make_unique<Impl>()) {}
+EvDebugFileInstance::EvDebugFileInstance() noexcept = default;
 
 EvDebugFileInstance::~EvDebugFileInstance() = default;
 
+EvDebugFileInstance::Impl& EvDebugFileInstance::impl() {
+  if (!impl_) impl_ = std::make_unique<Impl>();
+  return *impl_;
+}
+
 std::string EvDebugFileInstance::path() const {
   const std::lock_guard<std::mutex> lock(State::get().mutex);
-  return impl_->path;
+  return impl_ ? impl_->path : std::string();
 }
 
-int EvDebug::getDebugLevel() noexcept {
-  return processLevel.load(std::memory_order_relaxed);
-}
-
-void EvDebug::setDebugLevel(int level) noexcept {
-  processLevel.store(level, std::memory_order_relaxed);
-}
+std::atomic<int> EvDebug::level_{0};
 
 void EvDebug::setSink(Sink sink) noexcept try {
   auto shared = sink ? std::make_shared<const Sink>(std::move(sink)) : nullptr;
@@ -140,7 +138,7 @@ bool EvDebug::initialize(unsigned logId, std::int64_t, bool, const std::string& 
 
   State& state = State::get();
   const std::lock_guard<std::mutex> lock(state.mutex);
-  EvDebugFileInstance::Impl& file = *file_->impl_;
+  EvDebugFileInstance::Impl& file = file_->impl();
   if (logId == 0 || logId > state.names.size()) return false;
   file.name = state.names[logId - 1];
   if (folder.empty()) return false;
@@ -156,7 +154,7 @@ bool EvDebug::initialize(unsigned logId, std::int64_t, bool, const std::string& 
 void EvDebug::setLogFileSize(std::uint64_t mebibytes) noexcept try {
   if (file_ == nullptr) return;
   const std::lock_guard<std::mutex> lock(State::get().mutex);
-  EvDebugFileInstance::Impl& file = *file_->impl_;
+  EvDebugFileInstance::Impl& file = file_->impl();
   constexpr std::size_t kUnlimited = std::numeric_limits<std::size_t>::max();
   const bool limited = mebibytes != 0 && mebibytes <= kUnlimited >> 20;
   file.size = limited ? static_cast<std::size_t>(mebibytes) << 20 : kUnlimited;
@@ -172,7 +170,8 @@ void EvDebug::handleMsgEventDebug_NEW(const char* prefix, const char* function, 
   const std::string text = formatText(std::string_view(format == nullptr ? "" : format), arguments);
   State& state = State::get();
   std::unique_lock<std::mutex> lock(state.mutex);
-  const std::string log = file_ != nullptr ? file_->impl_->name : std::string();
+  EvDebugFileInstance::Impl* const file = file_ != nullptr ? file_->impl_.get() : nullptr;
+  const std::string log = file != nullptr ? file->name : std::string();
   const LogLine line{
       function == nullptr ? "" : function, level, text, static_cast<std::uint32_t>(gettid()), contextValue,
       prefix == nullptr ? "" : prefix,     log};
@@ -188,9 +187,9 @@ void EvDebug::handleMsgEventDebug_NEW(const char* prefix, const char* function, 
     return;
   }
   const std::string entry = asEntry(line);
-  if (file_ != nullptr && file_->impl_->sink) {
+  if (file != nullptr && file->sink) {
     try {
-      return putTo(*file_->impl_->sink, entry);
+      return putTo(*file->sink, entry);
     } catch (...) {
       // The disk is full, say: standard error is what remains.
     }

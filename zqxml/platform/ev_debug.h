@@ -4,6 +4,7 @@
 #include <zqxml/platform/format.h>
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -29,7 +30,7 @@ struct LogLine {
 /// file when it is destroyed. It must outlive the EvDebug objects on it.
 class ZQXML_EXPORT EvDebugFileInstance {
  public:
-  EvDebugFileInstance();
+  EvDebugFileInstance() noexcept;
   ~EvDebugFileInstance();
   EvDebugFileInstance(const EvDebugFileInstance&) = delete;
   EvDebugFileInstance& operator=(const EvDebugFileInstance&) = delete;
@@ -40,7 +41,9 @@ class ZQXML_EXPORT EvDebugFileInstance {
  private:
   friend class EvDebug;
   struct Impl;
-  std::unique_ptr<Impl> impl_;
+  Impl& impl();
+
+  std::unique_ptr<Impl> impl_;  // null before EvDebug::initialize or setLogFileSize
 };
 
 /// A log. Without a file instance it is the log of the process: lines go to standard error, or, as those of
@@ -60,8 +63,8 @@ class ZQXML_EXPORT EvDebug {
   explicit EvDebug(EvDebugFileInstance* file) : file_(file) {}
 
   /// The level of the process: 0 at the start, so that only errors are written; below 0 nothing is.
-  static int getDebugLevel() noexcept;
-  static void setDebugLevel(int level) noexcept;
+  static int getDebugLevel() noexcept { return level_.load(std::memory_order_relaxed); }
+  static void setDebugLevel(int level) noexcept { level_.store(level, std::memory_order_relaxed); }
 
   /// Hands all lines to `sink` instead of standard error and files. An empty one restores these.
   static void setSink(Sink sink) noexcept;
@@ -95,6 +98,8 @@ class ZQXML_EXPORT EvDebug {
                                std::span<const FormatArg> arguments) noexcept;
 
  private:
+  static std::atomic<int> level_;
+
   EvDebugFileInstance* file_ = nullptr;
 };
 
