@@ -49,7 +49,8 @@ bool BinaryBuffer::resizeBuffer(std::size_t newSize) {
     dataSize_ = newSize;
     return true;
   }
-  char* resized = static_cast<char*>(std::realloc(buffer_, newSize));
+  void* block = buffer_ == nullptr ? std::malloc(newSize) : std::realloc(buffer_, newSize);
+  char* resized = static_cast<char*>(block);
   if (resized == nullptr) {
     release();  // the sizes stay; the null pointer is what tells
     return false;

@@ -32,6 +32,12 @@ bool prepareBuffer(BinaryBuffer& buffer, std::uint64_t required) {
   return false;
 }
 
+/// A range of the counted size needs no look at its end, unless a routine of the application has a say in
+/// what is written, or a log line is.
+bool isCounted(const BinaryEncoding& encoding) {
+  return !encoding.usesPasswordRoutines && !debugEnabled(15);
+}
+
 void writeBody(XNMessageBase& object, BinaryStream& stream, BinaryEncoding& encoding) {
   const ByteWriter sink(stream.buffer(), stream.limit());
   const std::uint64_t end = BodyWriter(sink, encoding).body(object, stream.position());
@@ -61,7 +67,10 @@ std::uint64_t BinarySerializer::serialize(XNMessageBase& object, BinaryBuffer& b
   BinaryStream stream(buffer.getBuffer(), buffer.getBufferSize());
   stream.writeFixed32(static_cast<std::uint32_t>(version));  // bit 16, the flag, is the version's own
   stream.writeFixed32(object.getTagID());
-  writeBody(object, stream, encoding);
+  if (isCounted(encoding)) [[likely]]
+    BodyWriter(ExactWriter(buffer.getBuffer()), encoding).body(object, stream.position());
+  else
+    writeBody(object, stream, encoding);
   return buffer.getDataSize();
 }
 

@@ -120,7 +120,7 @@ class BinaryStream {
   /// True when `size` bytes are left.
   bool fits(std::size_t size) const { return position_ <= limit_ && size <= limit_ - position_; }
 
- private:
+  /// The value as its bytes stand in the form.
   template <class T>
   static constexpr T littleEndian(T value) {
     if constexpr (std::endian::native == std::endian::little) {
@@ -130,6 +130,8 @@ class BinaryStream {
                             : static_cast<T>(__builtin_bswap64(value));
     }
   }
+
+ private:
   template <class T>
   unsigned readFixed(T& value) {
     std::memcpy(&value, buffer_ + position_, sizeof value);

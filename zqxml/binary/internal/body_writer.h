@@ -77,8 +77,9 @@ class BodyWriter {
     // QUIRK: an FDT_ULONGLONG counts as a collection, so its value stands behind the marker without a key,
     // and an FDT_LIST_ULONGLONG does not, so its key stands in the marker's place. Readers cannot read either
     // back.
-    at = sink_.fixed32(at, wire::firstWordOf(field));
-    return visitStorage(type, [&](auto storage) { return value(message, field, storage, at); });
+    return visitStorage(type, [&](auto storage) {
+      return value(message, field, storage, sink_.fixed32(at, wire::firstWordOf<decltype(storage)>(field)));
+    });
   }
 
   [[gnu::noinline, gnu::cold]] static void trace(const _ClassDef& classDef, const FieldDef& field,

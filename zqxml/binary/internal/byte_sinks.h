@@ -1,4 +1,4 @@
-// The two sinks of BodyWriter: one counts the bytes of a body, the other one writes them.
+// The sinks of BodyWriter: one counts the bytes of a body, two write them.
 //
 // Both have the same operations, so that one body of code serves both passes and they cannot drift. Each
 // takes the position that it starts at and returns the one behind it: handed on by value, it stays in a
@@ -17,6 +17,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 #include <vector>
 
@@ -107,6 +108,62 @@ class ByteWriter {
 
   char* const buffer_;
   const std::uint64_t limit_;
+};
+
+/// Second pass where the first one has counted exactly these bytes: into a range that holds them, unchecked.
+class ExactWriter {
+ public:
+  static constexpr bool kCounts = false;
+  static constexpr const char* kFunction = ByteWriter::kFunction;
+  using Position = std::uint64_t;
+
+  explicit ExactWriter(char* buffer) : buffer_(buffer) {}
+
+  Position fixed32(Position at, std::uint32_t value) const { return fixed(at, value); }
+  Position fixed64(Position at, std::uint64_t value) const { return fixed(at, value); }
+  Position varint(Position at, std::uint32_t value) const {
+    for (; value >= 0x80; value >>= 7) buffer_[at++] = static_cast<char>(value | 0x80);
+    buffer_[at] = static_cast<char>(value);
+    return at + 1;
+  }
+  Position bytes(Position at, std::string_view run) const {
+    if (!run.empty()) std::memcpy(buffer_ + at, run.data(), run.size());
+    return at + run.size();
+  }
+  template <class Make>
+  Position produce(Position at, std::uint64_t size, Make&& make) const {
+    make(buffer_ + at);
+    return at + size;
+  }
+  template <class Nested>
+  static Position group(Position at, std::uint64_t, Nested&& nested) {
+    return nested(at);
+  }
+  template <element::Number E>
+  Position numbers(Position at, std::uint64_t, const std::vector<typename E::Value>& values) const {
+    for (const auto value : values) {
+      if constexpr (wire::kCoding<E> == wire::NumberCoding::kZigzag) {
+        at = varint(at, BinaryStream::zigzag(value));
+      } else if constexpr (wire::kCoding<E> == wire::NumberCoding::kVarint) {
+        at = varint(at, value);
+      } else if constexpr (wire::kCoding<E> == wire::NumberCoding::kFixed64) {
+        at = fixed64(at, std::bit_cast<std::uint64_t>(value));
+      } else {
+        at = fixed32(at, std::bit_cast<std::uint32_t>(value));
+      }
+    }
+    return at;
+  }
+
+ private:
+  template <class T>
+  Position fixed(Position at, T value) const {
+    value = BinaryStream::littleEndian(value);
+    std::memcpy(buffer_ + at, &value, sizeof value);
+    return at + sizeof value;
+  }
+
+  char* const buffer_;
 };
 
 /// Bytes of a packed list's elements.

@@ -13,6 +13,7 @@
 #include <zqxml/catalogue/field_types.h>
 #include <zqxml/catalogue/records.h>
 
+#include <concepts>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -39,6 +40,43 @@ constexpr std::uint32_t keyOf(const FieldDef& field) {
 /// What a field's record starts with.
 constexpr std::uint32_t firstWordOf(const FieldDef& field) {
   return kCollectionTypes.contains(field.getType()) ? kCollectionMarker : keyOf(field);
+}
+
+/// A type that is stored so: the first one.
+template <class Storage>
+inline constexpr unsigned kTypeStoredAs = [] {
+  unsigned type = 0;
+  while (!visitStorage(type, [](auto storage) { return std::same_as<decltype(storage), Storage>; })) ++type;
+  return type;
+}();
+/// Whether all types that are stored so have one encoding, and are collections or not alike. Only what stores
+/// nothing is not.
+template <class Storage>
+inline constexpr bool kHasOneKey = [] {
+  constexpr unsigned kType = kTypeStoredAs<Storage>;
+  for (unsigned type = 0; type < kFieldTypeCount; ++type) {
+    if (!visitStorage(type, [](auto storage) { return std::same_as<decltype(storage), Storage>; })) continue;
+    if (kFieldTypes[type].encoding != kFieldTypes[kType].encoding ||
+        kCollectionTypes.contains(type) != kCollectionTypes.contains(kType))
+      return false;
+  }
+  return true;
+}();
+
+/// The same two for a field that is known to be stored so: no table is asked at run time.
+template <class Storage>
+constexpr std::uint32_t keyOf(const FieldDef& field) {
+  if constexpr (!kHasOneKey<Storage>)
+    return keyOf(field);
+  else
+    return (field.getFieldHashId() << 3) | kFieldTypes[kTypeStoredAs<Storage>].encoding;
+}
+template <class Storage>
+constexpr std::uint32_t firstWordOf(const FieldDef& field) {
+  if constexpr (!kHasOneKey<Storage>)
+    return firstWordOf(field);
+  else
+    return kCollectionTypes.contains(kTypeStoredAs<Storage>) ? kCollectionMarker : keyOf<Storage>(field);
 }
 
 /// From this version on binary strings travel as Base64, and passwords in their encrypted text form.
@@ -84,9 +122,10 @@ inline std::string_view upToNul(std::string_view text) {
       std::memcpy(&word, text.data() + at, kWord);
       return (word - 0x0101010101010101) & ~word & 0x8080808080808080;
     };
-    std::uint64_t found = hasNul(text.size() - kWord);
-    for (std::size_t at = 0; at + kWord < text.size(); at += kWord) found |= hasNul(at);
-    if (found == 0) [[likely]]
+    // The early end keeps the compiler from making a vector loop of it, which would cost more than it saves.
+    std::size_t at = 0;
+    while (at + kWord < text.size() && hasNul(at) == 0) at += kWord;
+    if (at + kWord >= text.size() && hasNul(text.size() - kWord) == 0) [[likely]]
       return text;
   }
   const void* nul = text.empty() ? nullptr : std::memchr(text.data(), 0, text.size());
