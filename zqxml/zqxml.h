@@ -37,6 +37,7 @@
 #include <zqxml/platform/export.h>
 #include <zqxml/platform/file.h>
 #include <zqxml/platform/format.h>
+#include <zqxml/platform/number_text.h>
 #include <zqxml/platform/platform_info.h>
 #include <zqxml/platform/secure_string.h>
 #include <zqxml/platform/text.h>
@@ -46,7 +47,6 @@
 #include <zqxml/xml/date_text.h>
 #include <zqxml/xml/encoding_flags.h>
 #include <zqxml/xml/my_sax2_handler.h>
-#include <zqxml/xml/number_text.h>
 #include <zqxml/xml/value_text.h>
 #include <zqxml/xml/xml_decoder.h>
 #include <zqxml/xml/xml_encoder.h>

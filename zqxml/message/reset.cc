@@ -3,8 +3,8 @@
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/message/internal/field_resolution.h>
 #include <zqxml/message/xn_message_base.h>
+#include <zqxml/platform/number_text.h>
 #include <zqxml/platform/text.h>
-#include <zqxml/xml/number_text.h>
 
 #include <cstring>
 

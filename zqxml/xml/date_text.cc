@@ -1,6 +1,6 @@
 #include <zqxml/logging/xml_log_context.h>
+#include <zqxml/platform/number_text.h>
 #include <zqxml/xml/date_text.h>
-#include <zqxml/xml/number_text.h>
 
 #include <algorithm>
 #include <cstddef>

@@ -1,9 +1,9 @@
 // Map entries: <field><__mapKey__ .../><__mapValue__ .../></field>.
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/internal/message_access.h>
+#include <zqxml/platform/number_text.h>
 #include <zqxml/xml/internal/message_reader.h>
 #include <zqxml/xml/internal/message_reader_names.h>
-#include <zqxml/xml/number_text.h>
 
 #include <concepts>
 #include <utility>

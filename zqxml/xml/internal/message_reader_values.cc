@@ -2,12 +2,12 @@
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/internal/message_access.h>
+#include <zqxml/platform/number_text.h>
 #include <zqxml/platform/platform_info.h>
 #include <zqxml/platform/text.h>
 #include <zqxml/xml/base64_decode.h>
 #include <zqxml/xml/date_text.h>
 #include <zqxml/xml/internal/message_reader_values.h>
-#include <zqxml/xml/number_text.h>
 #include <zqxml/xml/xml_decoder.h>
 #include <zqxml/xml/xml_invalid_char_handler.h>
 

@@ -1,5 +1,5 @@
 #include <locale.h>
-#include <zqxml/xml/number_text.h>
+#include <zqxml/platform/number_text.h>
 
 #include <array>
 #include <charconv>

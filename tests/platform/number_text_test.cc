@@ -1,5 +1,5 @@
 #include <gtest/gtest.h>
-#include <zqxml/xml/number_text.h>
+#include <zqxml/platform/number_text.h>
 
 #include <cerrno>
 #include <cmath>
