@@ -43,6 +43,10 @@
 #include <zqxml/platform/text.h>
 #include <zqxml/platform/thread_pool.h>
 #include <zqxml/platform/zq_password.h>
+#include <zqxml/traverse/entity_type_handler.h>
+#include <zqxml/traverse/msg_field_context.h>
+#include <zqxml/traverse/xml_traverse.h>
+#include <zqxml/traverse/xml_traverse_handler.h>
 #include <zqxml/xml/base64_decode.h>
 #include <zqxml/xml/date_text.h>
 #include <zqxml/xml/encoding_flags.h>

@@ -41,6 +41,8 @@ class MessageAccess {
   /// What the readers do first: back to the freshly built state, with no field set.
   static void resetAndWipe(XNMessageBase& message) { message.resetAndWipe(); }
   static void wipeBitset(XNMessageBase& message) { message.wipeBitset(); }
+  /// Gives the member at the position its default, where the class has one for it.
+  static void setDefaults(XNMessageBase& message, short position) { message.setDefaults(position); }
   static XNMessageBuffer& buffer(XNMessageBase& message) { return message.buffer_; }
 
   // --- Set bits
