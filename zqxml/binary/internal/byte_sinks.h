@@ -1,15 +1,15 @@
 // The sinks of BodyWriter: one counts the bytes of a body, two write them.
 //
-// Both have the same operations, so that one body of code serves both passes and they cannot drift. Each
-// takes the position that it starts at and returns the one behind it: handed on by value, it stays in a
-// register.
+// All have the same operations, so that one body of code serves both passes and they cannot drift. Each takes
+// the position that it starts at and returns the one behind it: handed on by value, it stays in a register.
 //
 //   fixed32, fixed64, varint   one value
 //   bytes                      a byte run that exists
-//   produce(at, size, make)    a byte run of known size that make(char*) writes in place; counting does not
-//   call it group(at, size, nested)    values of known size that nested(at) hands to the sink; counting does
-//   not call it numbers<E>                 the elements of a packed list, whose size the caller knows: only
-//   in a group
+//   produce(at, size, make)    a byte run of known size that make(char*) writes in place
+//   group(at, size, nested)    values of known size that nested(at) hands to the sink
+//   numbers<E>                 the elements of a packed list, whose size the caller knows
+//
+// Counting calls neither make nor nested.
 #pragma once
 
 #include <zqxml/binary/binary_stream.h>

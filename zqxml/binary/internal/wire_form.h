@@ -1,10 +1,12 @@
 // The binary form of a message: the facts that its writer and its reader share. Byte order: little-endian.
 //
-//   message   fixed32 version word (bits 0 to 15 the version, bit 16 a flag), fixed32 tag id of the root,
-//   body body      the set fields, one record after another in declared order; no count, no end mark record
-//   fixed32 marker when the type is a collection, else fixed32 key; then the value by type key       name
-//   hash (24 bits) shifted left by 3, with the BinaryEncodingType in the low three bits marker
-//   kCollectionMarker, followed by the varint number of elements
+//   message  fixed32 version word: bits 0 to 15 the version, bit 16 a flag
+//            fixed32 tag id of the root
+//            body
+//   body     the set fields, one record after another in declared order; no count, no end mark
+//   record   fixed32: the marker when the type is a collection, else the key; then the value by type
+//   key      name hash (24 bits) shifted left by 3, with the BinaryEncodingType in the low three bits
+//   marker   kCollectionMarker, followed by the varint number of elements
 //
 // docs/wire-format.md tells the whole form, with an example.
 #pragma once
