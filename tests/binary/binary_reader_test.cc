@@ -311,6 +311,22 @@ TEST(BinaryReaderTest, HeaderIsVersionAndTag) {
   EXPECT_FALSE(headerOf(fromHex("02 00 00 00 dd 4b d4")).read);
 }
 
+TEST(BinaryReaderTest, HeaderNeedsItsEightBytesWhereTheStreamStands) {
+  const std::string bytes = "skip" + fromHex("02 00 00 00 dd 4b d4 1e");
+  for (std::uint64_t position = 0; position <= bytes.size() + 1; ++position) {
+    ExactBuffer buffer(bytes);
+    BinaryStream stream(buffer->getBuffer(), bytes.size(), position);
+    int version = 0, tagId = 0, flag = 0;
+    EXPECT_EQ(BinarySerializer::getVersionAndTagIDFromBuffer(stream, version, tagId, flag), position <= 4)
+        << position;
+    EXPECT_EQ(stream.position(), position <= 4 ? position + 8 : position);
+    if (position == 4) {
+      EXPECT_EQ(version, 2);
+      EXPECT_EQ(tagId, 0x1ED44BDD);
+    }
+  }
+}
+
 TEST(BinaryReaderTest, FlagCutsTheVersionTo16Bits) {
   const Header header = headerOf(fromHex("02 00 01 00 00 00 00 00"));
   EXPECT_EQ(header.flag, 1);

@@ -107,7 +107,7 @@ bool hasContent(const BinaryBuffer& buffer) {
 
 bool BinarySerializer::getVersionAndTagIDFromBuffer(BinaryStream& stream, int& version, int& tagId,
                                                     int& flag) {
-  if (stream.limit() < wire::kHeaderSize) return false;
+  if (!stream.fits(wire::kHeaderSize)) return false;
   std::uint32_t word = 0;
   std::uint32_t tag = 0;
   stream.readFixed32(word);

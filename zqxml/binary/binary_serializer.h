@@ -60,8 +60,9 @@ class ZQXML_EXPORT BinarySerializer {
   /// The same into a new object of the class that the header names; the caller owns it. Null on failure.
   static XNMessageBase* unserialize(BinaryBuffer& buffer, ZqXMLContextInfo* context, bool keepExisting);
 
-  /// Reads the 8-byte header at the start of `stream`; false when the stream is shorter than that. `version`
-  /// is the low 16 bits of the version word when bit 16, the `flag`, is set, else the whole word.
+  /// Reads the 8-byte header where `stream` stands; false, with nothing read and nothing logged, when fewer
+  /// bytes than that are left. `version` is the low 16 bits of the version word when bit 16, the `flag`, is
+  /// set, else the whole word.
   static bool getVersionAndTagIDFromBuffer(BinaryStream& stream, int& version, int& tagId, int& flag);
 
  private:
