@@ -219,6 +219,30 @@ TEST(BinaryBufferTest, DeepCopyWithoutMemoryLeavesAnEmptyBuffer) {
   EXPECT_FALSE(buffer.isSet());
 }
 
+TEST(BinaryBufferTest, DeepCopyOfANullPointerIsOneOfNoBytes) {
+  BinaryBuffer buffer;
+  buffer.deepCopyBuffer("abc", 3, false);
+  buffer.deepCopyBuffer(nullptr, 5, false);
+  EXPECT_NE(buffer.getBuffer(), nullptr);
+  EXPECT_EQ(buffer.getBufferSize(), 0u);
+  EXPECT_EQ(buffer.getDataSize(), 0u);
+}
+
+TEST(BinaryBufferTest, BlockThatIsGivenBackIsKept) {
+  BinaryBuffer buffer;
+  buffer.deepCopyBuffer("abcdefghijklmnopqrstuvwxyz", 26, false);
+  buffer.SetWriteBuffer(buffer.getBuffer(), 26, false);
+  EXPECT_EQ(buffer.getDataSize(), 0u);
+  EXPECT_EQ(std::string_view(buffer.getBuffer(), 26), "abcdefghijklmnopqrstuvwxyz");
+  buffer.SetReadBuffer(buffer.getBuffer(), 3, false);
+  EXPECT_EQ(contentOf(buffer), "abc");
+  char* block = buffer.getBuffer();
+  buffer.SetReadBuffer(block, 3, true);  // the caller's from here on
+  buffer.SetWriteBuffer(nullptr, 0, false);
+  EXPECT_EQ(std::string_view(block, 3), "abc");
+  std::free(block);
+}
+
 TEST(BinaryBufferTest, ResizeGrowsToExactlyTheSizeAndKeepsTheBytes) {
   BinaryBuffer buffer;
   buffer.deepCopyBuffer("abc", 3, false);
@@ -235,6 +259,15 @@ TEST(BinaryBufferTest, ResizeWithoutMemoryFreesTheBlockAndKeepsTheSizes) {
   EXPECT_EQ(buffer.getBuffer(), nullptr);
   EXPECT_EQ(buffer.getBufferSize(), 3u);
   EXPECT_EQ(buffer.getDataSize(), 3u);
+  EXPECT_FALSE(buffer.isSet());
+}
+
+TEST(BinaryBufferTest, KeepsAResizeWithinTheOldCapacityTrueAfterTheBlockWasLost) {
+  BinaryBuffer buffer;
+  buffer.deepCopyBuffer("abc", 3, false);
+  ASSERT_FALSE(buffer.resizeBuffer(impossibleSize()));
+  EXPECT_TRUE(buffer.resizeBuffer(2));
+  EXPECT_EQ(buffer.getDataSize(), 2u);
   EXPECT_FALSE(buffer.isSet());
 }
 

@@ -11,23 +11,24 @@ void BinaryBuffer::release() {
   buffer_ = nullptr;
 }
 
-void BinaryBuffer::SetReadBuffer(const char* data, std::size_t size, bool external) {
-  release();
-  buffer_ = const_cast<char*>(data);  // one member serves both directions; a read buffer is never written to
+void BinaryBuffer::take(char* data, std::size_t size, std::size_t content, bool external) {
+  if (data != buffer_) release();
+  buffer_ = data;
   bufferSize_ = size;
-  dataSize_ = size;
+  dataSize_ = content;
   external_ = external;
+}
+
+void BinaryBuffer::SetReadBuffer(const char* data, std::size_t size, bool external) {
+  take(const_cast<char*>(data), size, size, external);  // one member serves both directions; never written to
 }
 
 void BinaryBuffer::SetWriteBuffer(char* data, std::size_t size, bool external) {
-  release();
-  buffer_ = data;
-  bufferSize_ = size;
-  dataSize_ = 0;
-  external_ = external;
+  take(data, size, 0, external);
 }
 
 void BinaryBuffer::deepCopyBuffer(const char* data, std::size_t size, bool external) {
+  if (data == nullptr) size = 0;
   // The copy is made before the old block goes, since `data` may be a part of it.
   const bool possible = size < std::numeric_limits<std::size_t>::max();
   char* copy = possible ? static_cast<char*>(std::malloc(size + 1)) : nullptr;
@@ -36,11 +37,7 @@ void BinaryBuffer::deepCopyBuffer(const char* data, std::size_t size, bool exter
   } else if (size != 0) {
     std::memcpy(copy, data, size);
   }
-  release();
-  buffer_ = copy;
-  bufferSize_ = size;
-  dataSize_ = size;
-  external_ = external;
+  take(copy, size, size, external);
 }
 
 bool BinaryBuffer::resizeBuffer(std::size_t newSize) {

@@ -22,22 +22,23 @@ class ZQXML_EXPORT BinaryBuffer {
   /// Frees the memory unless it is external.
   ~BinaryBuffer() { release(); }
 
-  // The three setters first release owned memory, with the old mark deciding. `external` is stored as given:
-  // true means that the memory belongs to the caller, is never freed or resized here and must outlive its
-  // use; false hands over a block of the C heap.
+  // The three setters first release owned memory, with the old mark deciding; a block that the buffer is
+  // given back is kept. `external` is stored as given: true means that the memory belongs to the caller, is
+  // never freed or resized here and must outlive its use; false hands over a block of the C heap.
 
   /// Takes `size` bytes at `data` that all count as content.
   void SetReadBuffer(const char* data, std::size_t size, bool external);
   /// Takes `size` bytes at `data` that do not count as content.
   void SetWriteBuffer(char* data, std::size_t size, bool external);
   /// Takes a new block of size + 1 bytes with a copy of `data`, all of it content. `data` may lie in the
-  /// buffer's own block. When there is no memory for it the buffer is empty. With `external` true nobody
-  /// frees the block.
+  /// buffer's own block; null counts as no bytes. When there is no memory for it the buffer is empty. With
+  /// `external` true nobody frees the block.
   void deepCopyBuffer(const char* data, std::size_t size, bool external);
 
   /// Makes the content exactly `newSize` bytes; the memory grows to no more than that and never shrinks. New
   /// bytes are undefined. False, with nothing changed, for an external buffer. False without memory: the
-  /// block is then freed, the pointer null and the buffer not set.
+  /// block is then freed, the pointer null and the buffer not set, while the sizes stay as they were. A
+  /// later call within that capacity is true and still without memory: look at isSet().
   bool resizeBuffer(std::size_t newSize);
 
   char* getBuffer() const { return buffer_; }
@@ -59,6 +60,7 @@ class ZQXML_EXPORT BinaryBuffer {
   BinaryBuffer& operator=(const BinaryBuffer&) { return *this; }
 
   void release();
+  void take(char* data, std::size_t size, std::size_t content, bool external);
 
   char* buffer_ = nullptr;
   std::uint64_t bufferSize_ = 0;
