@@ -328,6 +328,19 @@ TEST(BinaryStreamTest, WritesGoOnCountingBehindTheLimit) {
   EXPECT_FALSE(stream.skip(0));
 }
 
+TEST(BinaryStreamTest, WriteOfAHugeNumberDoesNotComeRoundToTheRange) {
+  const std::size_t huge = std::numeric_limits<std::size_t>::max();
+  for (const std::size_t size : {huge, huge / 2, huge / 4}) {
+    std::string range(8, '\xee');
+    BinaryStream stream(range.data(), range.size(), 4);
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(stream.writeBytes(range.data(), size), size);
+    EXPECT_EQ(stream.writeFixed32(0), 4u);
+    EXPECT_EQ(stream.writeBytes("abc", 3), 3u);
+    EXPECT_GT(stream.position(), stream.limit());
+    EXPECT_EQ(toHex(range), "ee ee ee ee ee ee ee ee");
+  }
+}
+
 TEST(BinaryStreamTest, SkipOfAHugeNumberDoesNotWrapAround) {
   std::array<char, 8> range{};
   BinaryStream stream(range.data(), range.size(), 4);

@@ -4,10 +4,11 @@
 // groups of seven bits, lowest first, bit 7 of a byte saying that another one follows: 1 to 5 bytes. A signed
 // varint is the varint of the zigzag form, which sends 0, -1, 1, -2 to 0, 1, 2, 3.
 //
-// A stream borrows its bytes and lives on the stack for one call. Every operation returns the number of bytes
-// that it read or wrote, but skip and the accessors. Nothing logs, throws or allocates.
+// A stream borrows its bytes and lives on the stack for one call. Every read and write returns the number of
+// bytes that it took or needed. Nothing logs, throws or allocates.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -91,7 +92,11 @@ class BinaryStream {
 
   /// Moves on as a write of `size` bytes does; the place to store them, or null when they do not fit.
   char* claim(std::size_t size) {
-    char* place = fits(size) ? buffer_ + position_ : nullptr;
+    if (!fits(size)) [[unlikely]] {
+      position_ = std::min(position_ + std::min<std::uint64_t>(size, kFar), kFar);
+      return nullptr;
+    }
+    char* place = buffer_ + position_;
     position_ += size;
     return place;
   }
@@ -148,6 +153,10 @@ class BinaryStream {
     position_ += sizeof value;
     return sizeof value;
   }
+
+  /// Where the position of byte runs that do not fit ends, beyond any limit: it never comes round to bytes
+  /// that exist.
+  static constexpr std::uint64_t kFar = std::uint64_t{1} << 62;
 
   char* buffer_;
   std::uint64_t limit_;
