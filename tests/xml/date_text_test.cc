@@ -181,6 +181,19 @@ TEST(ProcessZQTime, NullTextIsLogged) {
   EXPECT_THAT(capture.lines(), ElementsAre(CapturedLine{"processZQTime", 0, "[Received NULL string]"}));
 }
 
+TEST(ProcessZQTime, PartIsTheNumberThatItBeginsWith) {
+  EXPECT_EQ(acceptTime("1h: 2m:+3s"), 3723);
+  EXPECT_EQ(acceptTime("x:y:z"), 0);
+}
+
+TEST(ProcessZQTime, ResultMayBeUnwanted) {
+  LogCapture capture;
+  EXPECT_FALSE(processZQTime("01:02:03", nullptr));
+  EXPECT_TRUE(capture.empty());
+  EXPECT_FALSE(processZQTime("25:00:00", nullptr));
+  EXPECT_TRUE(capture.has("processZQTime", 0, "Error in 24 hour time representation : [25:00:00]"));
+}
+
 TEST(ProcessZQTime, AnyOtherNumberOfColonsIsLogged) {
   LogCapture capture;
   for (const char* text : {"", "90", "1:30", "1:2:3:4"}) EXPECT_EQ(acceptTime(text), -1) << text;
@@ -244,6 +257,11 @@ TEST(ProcessXDate, OtherTextsAreRefusedWithoutAWord) {
   }
   EXPECT_EQ(acceptDate(nullptr, 1), -1);
   EXPECT_TRUE(capture.empty());
+}
+
+TEST(ProcessXDate, NullResultIsRefused) {
+  EXPECT_FALSE(processXDate("2020-01-01", nullptr, 2));
+  EXPECT_FALSE(processXDate("2020-01-01 12:34:56", nullptr, 1));
 }
 
 TEST(ProcessXDate, OtherDateTypesAreRefused) {

@@ -257,13 +257,15 @@ bool processZQTime(const char* text, std::uint32_t* seconds) {
     logError("processZQTime", "Error in 24 hour time representation : [%s]", trimmed);
     return false;
   }
+  if (seconds == nullptr) return false;
   *seconds = static_cast<std::uint32_t>(hour * 3600 + minute * 60 + rest);
   return true;
 }
 
 bool processXDate(const char* text, std::uint32_t* out, int dateType) {
   const bool hasTime = dateType == static_cast<int>(kDateTypeDateTime);
-  if (text == nullptr || (!hasTime && dateType != static_cast<int>(kDateTypeDate))) return false;
+  if (text == nullptr || out == nullptr || (!hasTime && dateType != static_cast<int>(kDateTypeDate)))
+    return false;
   const CalendarParts parts = hasTime ? scanDateTime(text) : scanDate(text);
   if (!parts.complete || findRangeError(parts).has_value()) return false;
   *out = static_cast<std::uint32_t>(localTime(parts));

@@ -38,9 +38,9 @@ inline constexpr unsigned kDateTypeDate = 2;
 /// QUIRK: a text with '-' but no ':' that is no date sets `*error` without a line.
 ZQXML_EXPORT bool readDateAnnotation(std::string text, void* out, bool validate, int* error, int size);
 
-/// Reads a time text into `size` bytes (0 to 8) at `out`: a plain number of seconds, or parts joined by ':',
-/// each counting 60 of the next ("1:30" is 90). Any number of parts, no range; "" writes nothing. `validate`
-/// and `error` are not used. True but for an exception, which is logged.
+/// Reads a time text into `size` bytes at `out`: a plain number of seconds, or parts joined by ':', each
+/// counting 60 of the next ("1:30" is 90). Any number of parts, no range; "" writes nothing, and no size
+/// writes more than 8 bytes. `validate` and `error` are not used. True but for an exception, which is logged.
 ZQXML_EXPORT bool readZQTimeAnnotation(std::string text, void* out, bool validate, int* error, int size);
 
 /// Writes the readable form of a date value into `out`, at least 512 bytes which the caller clears: before
@@ -52,12 +52,14 @@ ZQXML_EXPORT bool formatDateAnnotation(int seconds, unsigned dateType, char* out
 /// untouched and nothing logged, for any other value.
 ZQXML_EXPORT bool formatTimeOfDay(std::int32_t seconds, char* out);
 
-/// The XML reader's time: exactly "H:M:S" with 0:00:00 to 24:00:00; surrounding white space is ignored.
-/// False, and an error-level line, for anything else.
+/// The XML reader's time: three parts joined by ':' that give 0:00:00 to 24:00:00; surrounding white space is
+/// ignored, and each part is the number that it begins with, 0 without one. False, and an error-level line,
+/// for anything else. False without a line, after the same tests, for a null `seconds`.
 ZQXML_EXPORT bool processZQTime(const char* text, std::uint32_t* seconds);
 
 /// The XML reader's date: `dateType` 1 takes "YYYY-MM-DD HH:MM:SS", 2 "YYYY-MM-DD"; the low 32 bits of the
-/// local time go to `*out`. False, without a line, for anything else.
+/// local time go to `*out`; what follows the date is not looked at. False, without a line, for anything else
+/// and for a null text or `out`.
 ZQXML_EXPORT bool processXDate(const char* text, std::uint32_t* out, int dateType);
 
 }  // namespace zqxml
