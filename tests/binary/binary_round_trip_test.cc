@@ -7,6 +7,7 @@
 #include <tests/support/log_capture.h>
 #include <tests/support/open_message.h>
 #include <tests/support/random_message.h>
+#include <zqxml/binary/binary_explainer.h>
 #include <zqxml/catalogue/generated/Demo.h>
 
 #include <string>
@@ -38,7 +39,8 @@ RC_GTEST_PROP(BinaryRoundTripTest, SizeIsWhatIsWrittenWhateverTheVersion, (int v
   BinaryStream stream(range.data(), range.size());
   BinarySerializerTestAccess::writeBody(message, stream, version);
   RC_ASSERT(stream.position() == size);
-  RC_ASSERT(serialized(message, version).size() == 8u + size);
+  // One sink looks at the end of its range, and the other one writes what was counted unchecked.
+  RC_ASSERT(serializedBody(message, version) == range.substr(0, size));
 }
 
 RC_GTEST_PROP(BinaryRoundTripTest, DamageIsAnswered, ()) {
@@ -52,6 +54,7 @@ RC_GTEST_PROP(BinaryRoundTripTest, DamageIsAnswered, ()) {
   const int result = readInto(message, bytes);
   RC_ASSERT(result == 0 || result == -1);
   RC_ASSERT((readNew(bytes) != nullptr) == (result == 0));
+  RC_ASSERT(explainBinary(bytes, [](const BinaryNote&) {}) == (result == 0));
 }
 
 TEST(BinaryRoundTripTest, EveryTypeComesBack) {
