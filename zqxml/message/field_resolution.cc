@@ -26,19 +26,17 @@ bool isMember(const _ClassDef* classDef, short memNum) {
 }  // namespace
 
 void logInvalidMember(const XNMessageBase& message, const char* function, short memNum) {
-  logError(function,
-           "Invalid member access. CHECK IF ZqXMLMsgsBase BINARY IS UPDATED PROPERLY.  Given field id [%d]. "
-           "Schema of "
-           "given message is :\n%s",
-           memNum, schemaOf(message));
+  logError(
+      function,
+      "Invalid member access. CHECK IF ZqXMLMsgsBase BINARY IS UPDATED PROPERLY.  Given field id [%d]. Schema of given message is :\n%s",
+      memNum, schemaOf(message));
 }
 
 void logInvalidIndex(const XNMessageBase& message, const char* function, short index) {
-  logError(function,
-           "Invalid member access. CHECK IF ZqXMLMsgsBase BINARY IS UPDATED PROPERLY.  Given index on buffer "
-           "is [%d]. "
-           "Schema of given message is \n%s",
-           index, schemaOf(message));
+  logError(
+      function,
+      "Invalid member access. CHECK IF ZqXMLMsgsBase BINARY IS UPDATED PROPERLY.  Given index on buffer is [%d]. Schema of given message is \n%s",
+      index, schemaOf(message));
 }
 
 const FieldDef* findFieldByHash(const XNMessageBase& message, const char* function, FieldTypeSet fits,

@@ -1,15 +1,13 @@
 // XNMessageBase: the one run-time class of every message.
 //
-// What an object holds is decided by its catalogue record (_ClassDef); there
-// are no virtual operations and no code per message. Values lie in an
-// XNMessageBuffer; a message owns everything reachable from its slots.
-// Generated classes derive from this class, add no members and reach their
-// fields through the protected accessors.
+// What an object holds is decided by its catalogue record (_ClassDef); there are no virtual operations and no
+// code per message. Values lie in an XNMessageBuffer; a message owns everything reachable from its slots.
+// Generated classes derive from this class, add no members and reach their fields through the protected
+// accessors.
 //
-// Threads: an object has no lock and belongs to one thread at a time. Static
-// members only read the catalogue. Failure: nothing throws on bad input, except
-// getObject, assignment between classes and construction with too small a block
-// (ZqException). A field that cannot be reached is logged and left alone.
+// Threads: an object has no lock and belongs to one thread at a time. Static members only read the catalogue.
+// Failure: nothing throws on bad input, except getObject, assignment between classes and construction with
+// too small a block (ZqException). A field that cannot be reached is logged and left alone.
 #pragma once
 
 #include <zqxml/catalogue/records.h>
@@ -45,67 +43,54 @@ static_assert(sizeof(std::string) == 32 && sizeof(std::u16string) == 32,
 class ZQXML_EXPORT XNMessageBase {
  public:
   // --- Construction
-  // -------------------------------------------------------------------------------------------------
 
-  /// An object without a class: every field access fails, its tag name is
-  /// "NoMessage", it equals nothing.
+  /// An object without a class: every field access fails, its tag name is "NoMessage", it equals nothing.
   XNMessageBase();
-  /// Deep copy, in storage of its own even when `other` lives in a caller's
-  /// block. Only set fields with a name hash are copied; a message's texts and
-  /// CDATA come along.
+  /// Deep copy, in storage of its own even when `other` lives in a caller's block. Only set fields with a
+  /// name hash are copied; a message's texts and CDATA come along.
   XNMessageBase(const XNMessageBase& other);
   /// Takes everything over; `other` becomes an object without a class.
   XNMessageBase(XNMessageBase&& other) noexcept;
   ~XNMessageBase();
 
-  /// Deep assignment between objects of one class. QUIRK: the texts of the
-  /// target stay where the source has none. Throws ZqException
-  /// ("XNMessageBase::operator=") between different classes, the target
-  /// unchanged.
+  /// Deep assignment between objects of one class. QUIRK: the texts of the target stay where the source has
+  /// none. Throws ZqException ("XNMessageBase::operator=") between different classes, the target unchanged.
   void operator=(const XNMessageBase& other);
   /// As above, but takes the fields over; throws in the same case.
   void operator=(XNMessageBase&& other);
 
-  /// Field by field over fields with a name hash; false when either object has
-  /// no class or the classes differ. QUIRK: any two maps are equal; a set field
-  /// of type 24, 29, 32 or 40 makes the result false; passwords compare by
-  /// text.
+  /// Field by field over fields with a name hash; false when either object has no class or the classes
+  /// differ. QUIRK: any two maps are equal; a set field of type 24, 29, 32 or 40 makes the result false;
+  /// passwords compare by text.
   bool operator==(const XNMessageBase& other) const;
-  /// QUIRK: always false, so that a map keyed by messages holds one entry at
-  /// most.
+  /// QUIRK: always false, so that a map keyed by messages holds one entry at most.
   bool operator<(const XNMessageBase& other) const;
 
   // --- Factories; the caller owns the result
-  // --------------------------------------------------------------------------
 
-  /// Process start-up: forwards to XMLSerializer::initialize. Any thread, any
-  /// number of times.
+  /// Process start-up: forwards to XMLSerializer::initialize. Any thread, any number of times.
   static eXNMsgRet Initialize();
   /// Does nothing.
   void initialize() {}
 
-  /// New object of the tag's class; null after a log line when the tag does not
-  /// resolve. The flag is not looked at.
-  static XNMessageBase* createObject(std::uint32_t tagId, bool unused = false);
-  /// New object of the class that the ClassRef (four big-endian bytes) names;
-  /// null for null and for a slot beyond the table (logged). The flag is not
+  /// New object of the tag's class; null after a log line when the tag does not resolve. The flag is not
   /// looked at.
+  static XNMessageBase* createObject(std::uint32_t tagId, bool unused = false);
+  /// New object of the class that the ClassRef (four big-endian bytes) names; null for null and for a slot
+  /// beyond the table (logged). The flag is not looked at.
   static XNMessageBase* createObjectFromClassID(const void* classRef, bool unused = false);
-  /// New object of slot and class index; an object without a class where there
-  /// is no such record.
+  /// New object of slot and class index; an object without a class where there is no such record.
   static XNMessageBase* createObjectFromIndices(short& msgSysIndex, int& msgIndex);
-  /// As createObjectFromClassID, but null for a reference to
-  /// ProcessingInstructionInfo.
+  /// As createObjectFromClassID, but null for a reference to ProcessingInstructionInfo.
   static XNMessageBase* createFromClassIDIfNotProcessingInstructionInfo(const void* classRef);
-  /// New object, filled from `xml` when `parse` is set, else keeping the text
-  /// unparsed. On XN_MSG_FAILED `out` is null and `error` tells why.
+  /// New object, filled from `xml` when `parse` is set, else keeping the text unparsed. On XN_MSG_FAILED
+  /// `out` is null and `error` tells why.
   static eXNMsgRet ConstructObject(std::uint32_t tagId, const char* xml, XNMessageBase*& out, bool parse,
                                    std::string& error);
   static eXNMsgRet constructObject(std::uint32_t msgSysIndex, std::uint32_t classId, const char* xml,
                                    XNMessageBase*& out, bool parse, std::string& error);
 
-  // --- Catalogue (see catalogue/lookup.h for what each look-up answers and
-  // logs) ----------------------------------------
+  // --- Catalogue (see catalogue/lookup.h for what each look-up answers and logs)
 
   static bool getIndicesFromTagID(short& msgSysIndex, int& msgIndex, std::uint32_t tagId);
   static bool getTagIDFromIndices(short msgSysIndex, short msgIndex, std::uint32_t& tagId);
@@ -121,28 +106,23 @@ class ZQXML_EXPORT XNMessageBase {
   static const char* getEnumString(short msgSysIndex, const char* enumName, int value);
   static bool isOldWay(std::uint32_t tagId);
   static bool getMessageSchemaString(std::uint32_t tagId, std::string& text, bool allFields, bool details);
-  /// Subsystem and class name joined by "_"; an empty text when the tag does
-  /// not resolve.
+  /// Subsystem and class name joined by "_"; an empty text when the tag does not resolve.
   static std::string getTagNameFromTagID(std::uint32_t tagId);
-  /// Field count of the tag's class into `count`; false when it does not
-  /// resolve.
+  /// Field count of the tag's class into `count`; false when it does not resolve.
   static bool getNumberOfFields(std::uint32_t tagId, int& count);
 
   // --- What the object is
-  // -----------------------------------------------------------------------------------------------
 
   std::uint32_t getTagID() const { return tagId_; }
   /// Slot of the subsystem.
   int getSubsysID() const { return msgSysIndex_; }
   /// Class index in the subsystem.
   int getMessageIndex() const { return msgIndex_; }
-  /// Subsystem and class name joined by "_"; "NoMessage" is the class part of
-  /// an object without a class.
+  /// Subsystem and class name joined by "_"; "NoMessage" is the class part of an object without a class.
   std::string getTagName() const;
   const char* getSubsystemName() const;
   int getNumberOfFields() const;
-  /// Body size that the last size pass of the binary encoder stored here, in
-  /// bytes.
+  /// Body size that the last size pass of the binary encoder stored here, in bytes.
   std::uint32_t GetCachedSize() const { return cachedSize_; }
   void SetCachedSize(std::uint32_t size) { cachedSize_ = size; }
   /// Always false; setting has no effect.
@@ -150,30 +130,25 @@ class ZQXML_EXPORT XNMessageBase {
   void setXmlWriteFlag(bool) {}
 
   // --- Set bits
-  // -----------------------------------------------------------------------------------------------------------
 
-  /// The bit of a member; false on every (logged) failure. Arguments as for the
-  /// accessors below.
+  /// The bit of a member; false on every (logged) failure. Arguments as for the accessors below.
   bool isSet(short memNum, std::uint32_t msgTag, std::uint32_t fieldHash) const;
-  /// For walkers: the bit at a position; tells whether the field has a name
-  /// hash and appends its name. A position outside the class is logged
-  /// ("Invalid field Id [%d]. ...") and false.
+  /// For walkers: the bit at a position; tells whether the field has a name hash and appends its name. A
+  /// position outside the class is logged ("Invalid field Id [%d]. ...") and false.
   bool isSet(short position, bool& hasHash, std::string& name) const;
-  /// By name, for tools: `on` false clears the member, true is refused with a
-  /// log line; an unknown name is ignored.
+  /// By name, for tools: `on` false clears the member, true is refused with a log line; an unknown name is
+  /// ignored.
   void setMemberTestBit(const std::string& name, bool on);
-  /// Sets or clears the bit of the primitive, non-list field at `position`;
-  /// anything else is logged and refused.
+  /// Sets or clears the bit of the primitive, non-list field at `position`; anything else is logged and
+  /// refused.
   void setPrimitiveBitValue(int position, bool on);
 
   // --- Texts of the object
-  // --------------------------------------------------------------------------------------------------
 
   /// The last error, or an empty text. Valid until the next change.
   const char16_t* getLastErrorEnglishW() const;
   std::u16string getLastErrorEnglishStrW() const;
-  /// Formats (see platform/format.h) and keeps at most 8,191 units; a null
-  /// format does nothing.
+  /// Formats (see platform/format.h) and keeps at most 8,191 units; a null format does nothing.
   template <class... Args>
   void setLastErrorEnglishA(const char* format, const Args&... args) {
     const std::array<FormatArg, sizeof...(Args)> list{FormatArg(args)...};
@@ -184,8 +159,7 @@ class ZQXML_EXPORT XNMessageBase {
     const std::array<FormatArg, sizeof...(Args)> list{FormatArg(args)...};
     formatLastErrorW(format, list);
   }
-  /// QUIRK: the text is a format without arguments: "%%" becomes "%", a
-  /// conversion stands as it is.
+  /// QUIRK: the text is a format without arguments: "%%" becomes "%", a conversion stands as it is.
   void setLastErrorEnglishStrA(const std::string& text);
   void setLastErrorEnglishStrW(const std::u16string& text);
 
@@ -193,8 +167,7 @@ class ZQXML_EXPORT XNMessageBase {
   void setSerialized(bool serialized) { serialized_ = serialized; }
   /// The XML text kept with the object, or "". Does not serialize.
   const char* getSerializedXMLString() const;
-  /// The kept text while isSerialized(); else serializes into it first. "" on
-  /// failure.
+  /// The kept text while isSerialized(); else serializes into it first. "" on failure.
   const char* getSerializedXMLString(bool rootOnly);
   /// The kept text, made on first use.
   std::string& getSerializedXMLStringRef();
@@ -202,8 +175,7 @@ class ZQXML_EXPORT XNMessageBase {
   const char16_t* getSerializedXMLStringUTF16();
   const char16_t* getSerializedXMLStringUTF16(bool rootOnly);
   const char16_t* getSerializedXMLStringUnicode();
-  /// Keeps a copy; `markSerialized` true also marks the object as serialized,
-  /// false leaves that as it was.
+  /// Keeps a copy; `markSerialized` true also marks the object as serialized, false leaves that as it was.
   void setSerializedXMLString(const std::string& text, bool markSerialized);
   void setLastSerializedXMLString(const std::string& text);
   /// Empties the kept text and clears serialized.
@@ -214,19 +186,17 @@ class ZQXML_EXPORT XNMessageBase {
   bool isCDATABufferSet() const;
   void resetCDATABuffer();
 
-  /// Field 0, where the class has it: the slot when set; with `create` it is
-  /// made and set; else a null slot that is the thread's own. Refused (null
-  /// slot) for subsystems 18 and 27 and for classes without the field.
+  /// Field 0, where the class has it: the slot when set; with `create` it is made and set; else a null slot
+  /// that is the thread's own. Refused (null slot) for subsystems 18 and 27 and for classes without the
+  /// field.
   XNMessageBase*& getProcessinginstructioninfo(bool create);
-  /// Null clears the member; an object is copied into it. Refused with a log
-  /// line as above.
+  /// Null clears the member; an object is copied into it. Refused with a log line as above.
   void setProcessinginstructioninfo(const ZqEntities::ProcessingInstructionInfo* info);
 
   // --- Forms: XML (defined in xml/), binary (defined in binary/)
-  // ----------------------------------------------------------------
 
-  /// XML text, UTF-8. `rootOnly` true leaves the XML declaration out. `out` is
-  /// replaced; a field that cannot be written is logged and left out.
+  /// XML text, UTF-8. `rootOnly` true leaves the XML declaration out. `out` is replaced; a field that cannot
+  /// be written is logged and left out.
   eXNMsgRet serialize(std::string& out, bool rootOnly = false);
   eXNMsgRet serializeUTF8(std::string& out, bool rootOnly = false);
   eXNMsgRet serializeUTF16(std::u16string& out, bool rootOnly = false);
@@ -234,8 +204,7 @@ class ZQXML_EXPORT XNMessageBase {
   eXNMsgRet serializeUnicode(std::u16string& out);
   /// XML text with its declaration, empty on failure.
   std::string AsString();
-  /// Resets the object and fills it from XML. On failure the object holds what
-  /// was read so far.
+  /// Resets the object and fills it from XML. On failure the object holds what was read so far.
   eXNMsgRet unserialize(std::string& xml);
   eXNMsgRet unserialize(const std::string& xml);
   eXNMsgRet unserialize(const char* xml);
@@ -244,46 +213,38 @@ class ZQXML_EXPORT XNMessageBase {
   int dumpXmlToFile(CUlFile* file);
   int readXmlFromFile(CUlFile* file);
 
-  /// Binary form into `buffer`; the buffer's data size, 0 on failure (see
-  /// binary/binary_serializer.h).
+  /// Binary form into `buffer`; the buffer's data size, 0 on failure (see binary/binary_serializer.h).
   std::uint64_t SerializeBinary(BinaryBuffer& buffer);
   std::uint64_t SerializeBinary(BinaryBuffer& buffer, int version);
   /// Fills the object; 0, or -1 on failure.
   int UnserializeBinary(BinaryBuffer& buffer);
 
  protected:
-  /// Object of a class of the catalogue. Indices without a record give an
-  /// object without a class.
+  /// Object of a class of the catalogue. Indices without a record give an object without a class.
   XNMessageBase(int msgSysIndex, int msgIndex);
-  /// The same in the caller's zeroed block of `blockSize` bytes, which must
-  /// outlive the object. Throws ZqException
-  /// ("XNMessageBase::initialize") when blockSize is below elements + fields/8
-  /// + 1. QUIRK: the element count is not scaled by 8 in that test; a block
-  /// that passes it and is too small all the same is left alone, and the object
-  /// owns its storage.
+  /// The same in the caller's zeroed block of `blockSize` bytes, which must outlive the object. Throws
+  /// ZqException ("XNMessageBase::initialize") when blockSize is below elements + fields/8 + 1. QUIRK: the
+  /// element count is not scaled by 8 in that test; a block that passes it and is too small all the same is
+  /// left alone, and the object owns its storage.
   XNMessageBase(int msgSysIndex, int msgIndex, std::int64_t* block, int blockSize);
 
   // --- Typed accessors
-  // ------------------------------------------------------------------------------------------------------------
   //
-  // Every accessor is told what the caller believes: memNum (set bit), index
-  // (slot), msgTag (tag id of the object) and fieldHash (24-bit name hash).
-  // When the object has that tag, memNum and index are used as they are. When
-  // it has another one (the schema has drifted), the field is found again by
-  // its hash and its own numbers are used; that is no error.
+  // Every accessor is told what the caller believes: memNum (set bit), index (slot), msgTag (tag id of the
+  // object) and fieldHash (24-bit name hash). When the object has that tag, memNum and index are used as they
+  // are. When it has another one (the schema has drifted), the field is found again by its hash and its own
+  // numbers are used; that is no error.
   //
-  // Failure, always a level 0 line under the accessor's name
-  // ("XNMessageBase::setint64"), never an exception but in getObject: memNum
-  // outside the class, index outside the slots (scalar reads look at the index
-  // alone) give "Invalid member access. ..." with the schema of the object; an
-  // unknown hash, or a field that is stored otherwise than the accessor needs,
-  // gives "Message [%s] with TagID : [%u] does not contain field : [%u].
-  // Message Received : [%u]". A failing read yields 0, null or an empty text; a
-  // failing by-reference or make form yields an object of the thread's own,
-  // emptied at each failure; a failing setter does nothing.
+  // Failure, always a level 0 line under the accessor's name ("XNMessageBase::setint64"), never an exception
+  // but in getObject: memNum outside the class, index outside the slots (scalar reads look at the index
+  // alone) give "Invalid member access. ..." with the schema of the object; an unknown hash, or a field that
+  // is stored otherwise than the accessor needs, gives "Message [%s] with TagID : [%u] does not contain field
+  // : [%u]. Message Received : [%u]". A failing read yields 0, null or an empty text; a failing by-reference
+  // or make form yields an object of the thread's own, emptied at each failure; a failing setter does
+  // nothing.
 
-  /// Scalars. Integers, booleans and enumerations are one 64-bit slot; a float
-  /// lies in the low four bytes of its slot.
+  /// Scalars. Integers, booleans and enumerations are one 64-bit slot; a float lies in the low four bytes of
+  /// its slot.
   std::int64_t getint64(short index, std::uint32_t msgTag, std::uint32_t fieldHash) const;
   double getdouble(short index, std::uint32_t msgTag, std::uint32_t fieldHash) const;
   float getfloat(short index, std::uint32_t msgTag, std::uint32_t fieldHash) const;
@@ -293,8 +254,7 @@ class ZQXML_EXPORT XNMessageBase {
   /// Marks the bit and gives the slot.
   std::int64_t& getint64ByRef(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash);
 
-  /// In-place strings: copies out, assigns in, and by reference; ByRef marks
-  /// the bit.
+  /// In-place strings: copies out, assigns in, and by reference; ByRef marks the bit.
   std::string getstring(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash);
   std::string getstring_const(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash) const;
   std::string& getstringByRef(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash);
@@ -307,8 +267,8 @@ class ZQXML_EXPORT XNMessageBase {
   void setwstring(short memNum, short index, const std::u16string& value, std::uint32_t msgTag,
                   std::uint32_t fieldHash);
 
-  /// Binary strings and passwords: reads give the slot's own object without
-  /// marking, ByRef marks, setters copy into the existing object and mark.
+  /// Binary strings and passwords: reads give the slot's own object without marking, ByRef marks, setters
+  /// copy into the existing object and mark.
   bstring* getbstringobject(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash);
   const bstring* getbstringobject_const(short memNum, short index, std::uint32_t msgTag,
                                         std::uint32_t fieldHash) const;
@@ -329,11 +289,10 @@ class ZQXML_EXPORT XNMessageBase {
   void setcdataobject(short memNum, short index, const cdata& value, std::uint32_t msgTag,
                       std::uint32_t fieldHash);
 
-  // Lists. get: the slot by reference, the vector made when there is none, the
-  // bit marked when markSet. get_const: the pointer, null when there is no
-  // vector. set: null clears the member, else the bit is marked and the vector
-  // replaced by a copy. One vector type serves all field types with its
-  // elements (list<uint>, list<bool> and enumerations alike).
+  // Lists. get: the slot by reference, the vector made when there is none, the bit marked when markSet.
+  // get_const: the pointer, null when there is no vector. set: null clears the member, else the bit is marked
+  // and the vector replaced by a copy. One vector type serves all field types with its elements (list<uint>,
+  // list<bool> and enumerations alike).
   std::vector<std::int32_t>*& getlistint(short memNum, short index, std::uint32_t msgTag,
                                          std::uint32_t fieldHash, bool markSet);
   const std::vector<std::int32_t>* getlistint_const(short memNum, short index, std::uint32_t msgTag,
@@ -461,25 +420,21 @@ class ZQXML_EXPORT XNMessageBase {
   void setMapObjectAndObject(short memNum, short index, const std::map<XNMessageBase, XNMessageBase>* value,
                              std::uint32_t msgTag, std::uint32_t fieldHash);
 
-  /// The slot of a sub-object by reference. QUIRK: an unknown field throws
-  /// ZqException ("XNMessageBase::getObject") after the log line; a bad memNum
-  /// gives the null slot of the thread.
+  /// The slot of a sub-object by reference. QUIRK: an unknown field throws ZqException
+  /// ("XNMessageBase::getObject") after the log line; a bad memNum gives the null slot of the thread.
   XNMessageBase*& getObject(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash);
   const XNMessageBase* getObject_const(short memNum, short index, std::uint32_t msgTag,
                                        std::uint32_t fieldHash) const;
-  /// What generated getters use: the slot, with an object of (msgSysIndex,
-  /// msgIndex) made in it when it is empty and `create` or `markSet` asks for
-  /// one; `markSet` marks the bit.
+  /// What generated getters use: the slot, with an object of (msgSysIndex, msgIndex) made in it when it is
+  /// empty and `create` or `markSet` asks for one; `markSet` marks the bit.
   XNMessageBase*& getObjectAccessor(bool create, bool markSet, short memNum, short index,
                                     std::uint32_t msgTag, std::uint32_t fieldHash, int msgSysIndex,
                                     int msgIndex);
-  /// Takes ownership of `value` (an XNMessageBase); null clears the member.
-  /// QUIRK: an object that was there is dropped, not freed; the plain flag is
-  /// not looked at.
+  /// Takes ownership of `value` (an XNMessageBase); null clears the member. QUIRK: an object that was there
+  /// is dropped, not freed; the plain flag is not looked at.
   void setObject(short memNum, short index, const void* value, bool unused, std::uint32_t msgTag,
                  std::uint32_t fieldHash, bool markSet);
-  /// Copies `value` (an XNMessageBase) into the member and marks it; null
-  /// clears the member.
+  /// Copies `value` (an XNMessageBase) into the member and marks it; null clears the member.
   void setObjectAccessor(const void* value, short memNum, short index, std::uint32_t msgTag,
                          std::uint32_t fieldHash);
 
@@ -488,14 +443,12 @@ class ZQXML_EXPORT XNMessageBase {
   void unsetField(short memNum, std::uint32_t msgTag, std::uint32_t fieldHash);
 
   // --- Whole object
-  // ---------------------------------------------------------------------------------------------------------------
 
-  /// Back to the freshly built state. QUIRK: in a subsystem that is not old-way
-  /// the defaults are present but not set.
+  /// Back to the freshly built state. QUIRK: in a subsystem that is not old-way the defaults are present but
+  /// not set.
   void reset();
-  /// Clears one member: frees or empties its content and clears the bit. QUIRK:
-  /// a slot that is 0 is left alone with its bit. `destroy` is the destructor's
-  /// case and ends in-place and always-present content too.
+  /// Clears one member: frees or empties its content and clears the bit. QUIRK: a slot that is 0 is left
+  /// alone with its bit. `destroy` is the destructor's case and ends in-place and always-present content too.
   void deleteMember(short memNum, std::uint32_t msgTag, std::uint32_t fieldHash, bool destroy);
 
  private:

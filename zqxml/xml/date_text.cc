@@ -128,11 +128,10 @@ bool readCalendarText(const std::string& text, void* out, bool validate, int* er
   } else {
     const auto narrowed = static_cast<std::uint32_t>(time);
     store(narrowed, out, size);
-    logDebug("readDateAnnotation", 15,
-             "Input to method : [%s], size of field : [%d], data being returned after conversion to unsigned "
-             "int : "
-             "[%u]",
-             text, size, narrowed);
+    logDebug(
+        "readDateAnnotation", 15,
+        "Input to method : [%s], size of field : [%d], data being returned after conversion to unsigned int : [%u]",
+        text, size, narrowed);
   }
   return true;
 }

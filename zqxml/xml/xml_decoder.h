@@ -40,7 +40,7 @@ class ZQXML_EXPORT XMLDecoder {
   static XMLDecoder* getXMLDecoderObject();
 
   // --- Parsing (xml/). `context` is stored in this decoder. QUIRK: the decoder's own flags do not reach the
-  // parse. ----------
+  // parse.
   int unSerialize(XNMessageBase& msg, std::string& xml, ZqXMLContextInfo* context = nullptr);
   int unSerialize(XNMessageBase& msg, const char16_t* xml, ZqXMLContextInfo* context = nullptr);
   /// New object of the root tag's class, null on failure; the caller owns it.
@@ -49,14 +49,12 @@ class ZQXML_EXPORT XMLDecoder {
   static void CreateObjByName(const std::string& tag, XNMessageBase** out, const char* xml, bool parse);
 
   // --- Binary (binary/). 0, or -1 on failure; null on failure.
-  // --------------------------------------------------------------
   int UnserializeBinary(XNMessageBase& msg, BinaryBuffer& buffer);
   XNMessageBase* UnserializeBinary(BinaryBuffer& buffer);
   int UnserializeBinary(XNMessageBase& msg, BinaryBuffer& buffer, ZqXMLContextInfo* context);
   XNMessageBase* UnserializeBinary(BinaryBuffer& buffer, ZqXMLContextInfo* context);
 
   // --- Catalogue (xml/)
-  // -------------------------------------------------------------------------------------------------------
   static const _ClassDef* GetClassDef(std::uint32_t tagId);
   static const _ClassDef* GetClassDef(std::uint32_t high, std::uint32_t low);
   static const _ClassDef* GetClassDef(const XNMessageBase* msg);
@@ -72,7 +70,6 @@ class ZQXML_EXPORT XMLDecoder {
   static constexpr bool isPrimitive(unsigned type) { return kXmlPrimitiveTypes.contains(type); }
 
   // --- Lists by field name, untyped (xml/)
-  // --------------------------------------------------------------------------------------
   /// Appends a copy of *value: an 8-byte cell for integers, booleans and enumerations, else the element
   /// itself.
   static void InsertIntoList(XNMessageBase* msg, const std::string& field, const void* value);
@@ -81,7 +78,6 @@ class ZQXML_EXPORT XMLDecoder {
   static void ReadFromList(const XNMessageBase* msg, const std::string& field, std::vector<const void*>& out);
 
   // --- Annotations (annotation/)
-  // --------------------------------------------------------------------------------------------------
   /// True when the field has the annotation that the class of `out` asks for; `out` takes its values.
   /// `fieldName` may be the class's own name: the class-level annotation.
   static bool FillAnnotation(const XNMessageBase* msg, AnnotationBase& out, const std::string& fieldName);
@@ -90,7 +86,6 @@ class ZQXML_EXPORT XMLDecoder {
   static bool FillAnnotationIds(const FieldDef& field, std::vector<std::uint32_t>& ids);
 
   // --- Passwords (annotation/)
-  // ------------------------------------------------------------------------------------------------------
   /// Registers a routine for types 0 to 10; other types only log. Not locked: register before concurrent use.
   static void registerPasswordEncAlgo(Annotation::PasswordEncryptType type, PasswordRoutine routine);
   static void registerPasswordDecAlgo(Annotation::PasswordEncryptType type, PasswordRoutine routine);

@@ -38,11 +38,10 @@ std::optional<char16_t> parseUnit(std::u16string_view digits) {
   for (std::size_t position = 0; position < digits.size(); ++position) {
     const int digit = hexValue(digits[position]);
     if (digit < 0) {
-      logError("parseForInteger",
-               "Decoding of input string [%ls] failed at position[%zu] for ch[%lc]. Treating the sequence as "
-               "pattern "
-               "instead of invalid char.",
-               digits, position, digits[position]);
+      logError(
+          "parseForInteger",
+          "Decoding of input string [%ls] failed at position[%zu] for ch[%lc]. Treating the sequence as pattern instead of invalid char.",
+          digits, position, digits[position]);
       return std::nullopt;
     }
     value = value * 16 + static_cast<unsigned>(digit);

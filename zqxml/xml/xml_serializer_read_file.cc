@@ -20,10 +20,10 @@ bool reachedEnd(CUlFile& file, unsigned got, std::uint64_t done, std::uint64_t s
   bool atEnd = false;
   const CUlError error = file.IsEOF(atEnd);
   if (error.IsError()) {
-    logError(kRead,
-             "Assuming EOF after reading [%llu] bytes out of an estimated [%llu]. Return string from EOF "
-             "check [%s].",
-             done, size, error.GetText());
+    logError(
+        kRead,
+        "Assuming EOF after reading [%llu] bytes out of an estimated [%llu]. Return string from EOF check [%s].",
+        done, size, error.GetText());
     return true;
   }
   if (atEnd) {

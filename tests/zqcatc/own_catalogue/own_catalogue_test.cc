@@ -1,4 +1,5 @@
-// A program with subsystems of its own, on the shared library: the library works with the program's catalogue.
+// A program with subsystems of its own, on the shared library: the library works with the program's
+// catalogue.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <zqxml/catalogue/generated/Common.h>

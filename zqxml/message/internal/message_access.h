@@ -20,7 +20,6 @@ namespace zqxml {
 class MessageAccess {
  public:
   // --- The object
-  // -------------------------------------------------------------------------------------------------------
   static const _ClassDef* classDef(const XNMessageBase& message) { return message.classDef_; }
   /// Another record over the same storage, for tests: it must describe the slots as they are, and the
   /// object's own record must be back before the object ends.
@@ -46,7 +45,6 @@ class MessageAccess {
   static XNMessageBuffer& buffer(XNMessageBase& message) { return message.buffer_; }
 
   // --- Set bits
-  // -----------------------------------------------------------------------------------------------------------
   static bool isSet(const XNMessageBase& message, int memNum) {
     return (message.buffer_.isSet_[memNum / 8] >> (memNum % 8) & 1) != 0;
   }
@@ -58,7 +56,6 @@ class MessageAccess {
   }
 
   // --- Slots
-  // ----------------------------------------------------------------------------------------------------------------
   static std::int64_t& slot(XNMessageBase& message, const FieldDef& field) {
     return message.buffer_[field.getIndex()];
   }
@@ -115,7 +112,6 @@ class MessageAccess {
   }
 
   // --- Members by their accessors (guarded, logged; for tests and tools)
-  // ---------------------------------------------------------
   static void deleteMember(XNMessageBase& message, short memNum, bool destroy = false) {
     message.deleteMember(memNum, message.getTagID(), 0, destroy);
   }

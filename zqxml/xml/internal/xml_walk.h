@@ -6,9 +6,7 @@
 //
 //   Node    handle of an element; false when it could not be made
 //   Name    a field's name in the sink's form: `Name(const char*)`
-//   Text&   text()                                   the value about to be written, with the assign...
-//   operations
-//                                                    of WideText
+//   Text&   text()                                   the value to write, set by WideText's operations
 //   void    scalar(Node parent, const Name&)         text() as attribute or child element
 //   void    cdata(Node parent, const Name&)          text() as child element with a CDATA section
 //   Node    element(Node parent, const Name&)        a new last child element
@@ -77,8 +75,7 @@ class XmlWalk {
       if (isMasked(msg, field, record)) {
         logDebug(
             kFunction, 15,
-            "Masking field [%s]:[%s] as sensitive annotation is present and encoding_options to mask the "
-            "field is specified",
+            "Masking field [%s]:[%s] as sensitive annotation is present and encoding_options to mask the field is specified",
             classDef->getName(), field.getName());
         sink_.text().assignAscii("########");
         sink_.scalar(element, name);
