@@ -36,6 +36,8 @@ ZQXML_EXPORT const _ClassDef* classOfRef(const void* classRef);
 /// others.
 ZQXML_EXPORT const _ClassDef* mapValueClass(const FieldDef& field);
 
+/// Slot of the subsystem with this name, and index of a class in it: by exact name, the first one. False, the
+/// output untouched and nothing logged, for null and when there is none.
 ZQXML_EXPORT bool subsystemFromName(const char* name, short& subsystem);
 ZQXML_EXPORT bool classIndexFromName(const char* name, short subsystem, int& classIndex);
 

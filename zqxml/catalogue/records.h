@@ -15,7 +15,6 @@
 namespace zqxml {
 
 class XNMessageBase;
-class MySAX2Handler;
 
 /// One member of a message class, or one enumerator of an enumeration.
 class ZQXML_EXPORT FieldDef {

@@ -87,24 +87,33 @@ class ZQXML_EXPORT XNMessageBase {
   /// `out` is null and `error` tells why.
   static eXNMsgRet ConstructObject(std::uint32_t tagId, const char* xml, XNMessageBase*& out, bool parse,
                                    std::string& error);
+  /// The same by slot and class id.
   static eXNMsgRet constructObject(std::uint32_t msgSysIndex, std::uint32_t classId, const char* xml,
                                    XNMessageBase*& out, bool parse, std::string& error);
 
   // --- Catalogue (see catalogue/lookup.h for what each look-up answers and logs)
 
+  /// catalogue::indicesFromTag and catalogue::tagFromIndices.
   static bool getIndicesFromTagID(short& msgSysIndex, int& msgIndex, std::uint32_t tagId);
   static bool getTagIDFromIndices(short msgSysIndex, short msgIndex, std::uint32_t& tagId);
+  /// catalogue::classDef.
   static const _ClassDef* GetClassDef(short msgSysIndex, int msgIndex);
   static const _ClassDef* GetClassDef(std::uint32_t tagId);
   /// The object's own record, null for a null object.
   static const _ClassDef* GetClassDef(const XNMessageBase* message);
+  /// catalogue::classOfField and catalogue::classOfRef.
   static const _ClassDef* GetClassDefFromClassID(const FieldDef& field);
   static const _ClassDef* GetClassDefFromClassID(const void* classRef);
+  /// catalogue::subsystemFromName, and catalogue::classIndexFromName in the subsystem `msgSysIndex`.
   static bool getMessageSystemIndexFromName(const char* name, short& msgSysIndex);
   static bool getMessageIndexFromName(const char* name, short& msgSysIndex, int& msgIndex);
+  /// catalogue::fieldPosition.
   static int getFieldNumberFromName(const _ClassDef* classDef, const std::string& name);
+  /// catalogue::enumString.
   static const char* getEnumString(short msgSysIndex, const char* enumName, int value);
+  /// catalogue::isOldWay.
   static bool isOldWay(std::uint32_t tagId);
+  /// catalogue::schemaText of the tag's class; false, `text` untouched, when the tag does not resolve.
   static bool getMessageSchemaString(std::uint32_t tagId, std::string& text, bool allFields, bool details);
   /// Subsystem and class name joined by "_"; an empty text when the tag does not resolve.
   static std::string getTagNameFromTagID(std::uint32_t tagId);
@@ -113,6 +122,7 @@ class ZQXML_EXPORT XNMessageBase {
 
   // --- What the object is
 
+  /// Tag id of the class, 0 without one.
   std::uint32_t getTagID() const { return tagId_; }
   /// Slot of the subsystem.
   int getSubsysID() const { return msgSysIndex_; }
@@ -120,7 +130,9 @@ class ZQXML_EXPORT XNMessageBase {
   int getMessageIndex() const { return msgIndex_; }
   /// Subsystem and class name joined by "_"; "NoMessage" is the class part of an object without a class.
   std::string getTagName() const;
+  /// "" for an object without a class.
   const char* getSubsystemName() const;
+  /// 0 for an object without a class.
   int getNumberOfFields() const;
   /// Body size that the last size pass of the binary encoder stored here, in bytes.
   std::uint32_t GetCachedSize() const { return cachedSize_; }
@@ -163,6 +175,7 @@ class ZQXML_EXPORT XNMessageBase {
   void setLastErrorEnglishStrA(const std::string& text);
   void setLastErrorEnglishStrW(const std::u16string& text);
 
+  /// Whether the kept text stands for the object. Nothing lowers the mark when a field changes.
   bool isSerialized() const { return serialized_; }
   void setSerialized(bool serialized) { serialized_ = serialized; }
   /// The XML text kept with the object, or "". Does not serialize.
@@ -171,16 +184,20 @@ class ZQXML_EXPORT XNMessageBase {
   const char* getSerializedXMLString(bool rootOnly);
   /// The kept text, made on first use.
   std::string& getSerializedXMLStringRef();
-  /// QUIRK: not refreshed while isSerialized() is true. "" on failure.
+  /// Serializes into the kept wide text and gives it, "" on failure; the first with the declaration, the last
+  /// without. QUIRK: not refreshed while isSerialized() is true.
   const char16_t* getSerializedXMLStringUTF16();
   const char16_t* getSerializedXMLStringUTF16(bool rootOnly);
   const char16_t* getSerializedXMLStringUnicode();
   /// Keeps a copy; `markSerialized` true also marks the object as serialized, false leaves that as it was.
   void setSerializedXMLString(const std::string& text, bool markSerialized);
+  /// Keeps a second text, which copies take along; nothing reads it.
   void setLastSerializedXMLString(const std::string& text);
   /// Empties the kept text and clears serialized.
   void clearSerializedXMLString();
 
+  /// The CDATA body, which is part of no form: setting marks it as set, resetting empties and unmarks it, and
+  /// it is "" when there is none.
   void setCDATABuffer(const std::string& text);
   std::string getCDATABuffer() const;
   bool isCDATABufferSet() const;
@@ -195,8 +212,8 @@ class ZQXML_EXPORT XNMessageBase {
 
   // --- Forms: XML (defined in xml/), binary (defined in binary/)
 
-  /// XML text, UTF-8. `rootOnly` true leaves the XML declaration out. `out` is replaced; a field that cannot
-  /// be written is logged and left out.
+  /// XML text, UTF-8 or UTF-16, as XMLSerializer with default flags makes it, and with its results.
+  /// `rootOnly` true leaves the XML declaration out. A field that cannot be written is logged and left out.
   eXNMsgRet serialize(std::string& out, bool rootOnly = false);
   eXNMsgRet serializeUTF8(std::string& out, bool rootOnly = false);
   eXNMsgRet serializeUTF16(std::u16string& out, bool rootOnly = false);
@@ -204,16 +221,20 @@ class ZQXML_EXPORT XNMessageBase {
   eXNMsgRet serializeUnicode(std::u16string& out);
   /// XML text with its declaration, empty on failure.
   std::string AsString();
-  /// Resets the object and fills it from XML. On failure the object holds what was read so far.
+  /// Resets the object and fills it from XML, with the results of XMLSerializer::unserialize. On failure the
+  /// object holds what was read so far. Null is an empty text.
   eXNMsgRet unserialize(std::string& xml);
   eXNMsgRet unserialize(const std::string& xml);
   eXNMsgRet unserialize(const char* xml);
   /// Wide text, native byte order; the flag has no effect.
   eXNMsgRet unserialize(const char16_t* xml, bool flag = false);
+  /// The same into and from an open file, which stays the caller's: 0, or a number that XMLSerializer's
+  /// operation of this name tells.
   int dumpXmlToFile(CUlFile* file);
   int readXmlFromFile(CUlFile* file);
 
-  /// Binary form into `buffer`; the buffer's data size, 0 on failure (see binary/binary_serializer.h).
+  /// Binary form into `buffer`, of version 2 unless another is given; the buffer's data size, 0 on failure
+  /// (see binary/binary_serializer.h).
   std::uint64_t SerializeBinary(BinaryBuffer& buffer);
   std::uint64_t SerializeBinary(BinaryBuffer& buffer, int version);
   /// Fills the object; 0, or -1 on failure.

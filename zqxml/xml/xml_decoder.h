@@ -55,6 +55,7 @@ class ZQXML_EXPORT XMLDecoder {
   XNMessageBase* UnserializeBinary(BinaryBuffer& buffer, ZqXMLContextInfo* context);
 
   // --- Catalogue (xml/)
+  /// XNMessageBase::GetClassDef; `high | low` is a tag id in two parts.
   static const _ClassDef* GetClassDef(std::uint32_t tagId);
   static const _ClassDef* GetClassDef(std::uint32_t high, std::uint32_t low);
   static const _ClassDef* GetClassDef(const XNMessageBase* msg);
