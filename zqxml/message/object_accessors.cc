@@ -9,7 +9,7 @@ namespace zqxml {
 namespace {
 
 constexpr FieldTypeSet kObjectTypes =
-    typesStoredAs(Overloaded{[](Object) { return true; }, [](auto) { return false; }});
+    FieldTypeSet::ofStorage(Overloaded{[](Object) { return true; }, [](auto) { return false; }});
 
 }  // namespace
 

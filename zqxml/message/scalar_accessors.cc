@@ -7,8 +7,8 @@
 namespace zqxml {
 namespace {
 
-constexpr FieldTypeSet kIntegerTypes =
-    typesStoredAs(Overloaded{[]<element::Integer E>(Scalar<E>) { return true; }, [](auto) { return false; }});
+constexpr FieldTypeSet kIntegerTypes = FieldTypeSet::ofStorage(
+    Overloaded{[]<element::Integer E>(Scalar<E>) { return true; }, [](auto) { return false; }});
 constexpr FieldTypeSet kDoubleTypes{FDT_DOUBLE};
 constexpr FieldTypeSet kFloatTypes{FDT_FLOAT};
 

@@ -7,7 +7,7 @@ namespace zqxml {
 namespace {
 
 template <class Text>
-constexpr FieldTypeSet kTypesOf = typesStoredAs(Overloaded{
+constexpr FieldTypeSet kTypesOf = FieldTypeSet::ofStorage(Overloaded{
     []<class E>(InPlace<E>) { return std::is_same_v<typename E::Value, Text>; },
     []<class E>(Owned<E>) { return std::is_same_v<typename E::Value, Text>; }, [](auto) { return false; }});
 

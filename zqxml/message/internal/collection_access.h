@@ -3,19 +3,15 @@
 
 #include <zqxml/message/internal/field_resolution.h>
 
-#include <map>
 #include <type_traits>
-#include <vector>
 
 namespace zqxml {
 
 /// Types of list and map fields that are stored as Collection.
 template <class Collection>
-inline constexpr FieldTypeSet kTypesHolding = typesStoredAs(Overloaded{
-    []<class E>(List<E>) { return std::is_same_v<std::vector<typename E::Value>, Collection>; },
-    []<class K, class V>(Map<K, V>) {
-      return std::is_same_v<std::map<typename K::Value, typename V::Value>, Collection>;
-    },
+inline constexpr FieldTypeSet kTypesHolding = FieldTypeSet::ofStorage(Overloaded{
+    []<class E>(List<E>) { return std::is_same_v<typename List<E>::Value, Collection>; },
+    []<class K, class V>(Map<K, V>) { return std::is_same_v<typename Map<K, V>::Value, Collection>; },
     [](auto) { return false; }});
 
 /// The slot of the collection, made when there is none; marks the bit when markSet.

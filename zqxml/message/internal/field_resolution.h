@@ -18,17 +18,7 @@ struct FieldAddress {
   std::uint32_t fieldHash;
 };
 
-/// Types of fields that `accepts` a storage of; computed at compile time.
-template <class Accepts>
-constexpr FieldTypeSet typesStoredAs(Accepts accepts) {
-  FieldTypeSet types;
-  for (unsigned type = 0; type < kFieldTypeCount; ++type) {
-    if (visitStorage(type, accepts)) types = types | FieldTypeSet{static_cast<FieldDataType>(type)};
-  }
-  return types;
-}
-
-inline constexpr FieldTypeSet kAllTypes = typesStoredAs([](auto) { return true; });
+inline constexpr FieldTypeSet kAllTypes = FieldTypeSet::ofStorage([](auto) { return true; });
 
 /// The field to act on: the one at memNum and index when the object has the caller's tag, else the first one
 /// with the hash. Null, after a level 0 line under `function`, when it is not there or its type is none of
