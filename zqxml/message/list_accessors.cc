@@ -17,10 +17,7 @@ const std::vector<std::int32_t>* XNMessageBase::getlistint_const(short memNum, s
 }
 void XNMessageBase::setlistint(short memNum, short index, const std::vector<std::int32_t>* value,
                                std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setlistint", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setlistint", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::vector<std::uint32_t>*& XNMessageBase::getlistuint(short memNum, short index, std::uint32_t msgTag,
@@ -36,10 +33,7 @@ const std::vector<std::uint32_t>* XNMessageBase::getlistuint_const(short memNum,
 }
 void XNMessageBase::setlistuint(short memNum, short index, const std::vector<std::uint32_t>* value,
                                 std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setlistuint", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setlistuint", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::vector<std::int32_t>*& XNMessageBase::getlistlong(short memNum, short index, std::uint32_t msgTag,
@@ -55,10 +49,7 @@ const std::vector<std::int32_t>* XNMessageBase::getlistlong_const(short memNum, 
 }
 void XNMessageBase::setlistlong(short memNum, short index, const std::vector<std::int32_t>* value,
                                 std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setlistlong", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setlistlong", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::vector<std::uint32_t>*& XNMessageBase::getlistulong(short memNum, short index, std::uint32_t msgTag,
@@ -74,10 +65,7 @@ const std::vector<std::uint32_t>* XNMessageBase::getlistulong_const(short memNum
 }
 void XNMessageBase::setlistulong(short memNum, short index, const std::vector<std::uint32_t>* value,
                                  std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setlistulong", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setlistulong", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::vector<std::int64_t>*& XNMessageBase::getlistlonglong(short memNum, short index, std::uint32_t msgTag,
@@ -93,10 +81,7 @@ const std::vector<std::int64_t>* XNMessageBase::getlistlonglong_const(short memN
 }
 void XNMessageBase::setlistlonglong(short memNum, short index, const std::vector<std::int64_t>* value,
                                     std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setlistlonglong", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setlistlonglong", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::vector<std::uint64_t>*& XNMessageBase::getlistulonglong(short memNum, short index, std::uint32_t msgTag,
@@ -112,10 +97,7 @@ const std::vector<std::uint64_t>* XNMessageBase::getlistulonglong_const(short me
 }
 void XNMessageBase::setlistulonglong(short memNum, short index, const std::vector<std::uint64_t>* value,
                                      std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setlistulonglong", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setlistulonglong", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::vector<float>*& XNMessageBase::getlistfloat(short memNum, short index, std::uint32_t msgTag,
@@ -130,10 +112,7 @@ const std::vector<float>* XNMessageBase::getlistfloat_const(short memNum, short 
 }
 void XNMessageBase::setlistfloat(short memNum, short index, const std::vector<float>* value,
                                  std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setlistfloat", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setlistfloat", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::vector<double>*& XNMessageBase::getlistdouble(short memNum, short index, std::uint32_t msgTag,
@@ -148,10 +127,7 @@ const std::vector<double>* XNMessageBase::getlistdouble_const(short memNum, shor
 }
 void XNMessageBase::setlistdouble(short memNum, short index, const std::vector<double>* value,
                                   std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setlistdouble", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setlistdouble", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::vector<std::string>*& XNMessageBase::getliststring(short memNum, short index, std::uint32_t msgTag,
@@ -167,10 +143,7 @@ const std::vector<std::string>* XNMessageBase::getliststring_const(short memNum,
 }
 void XNMessageBase::setliststring(short memNum, short index, const std::vector<std::string>* value,
                                   std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setliststring", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setliststring", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::vector<std::u16string>*& XNMessageBase::getlistwstring(short memNum, short index, std::uint32_t msgTag,
@@ -186,10 +159,7 @@ const std::vector<std::u16string>* XNMessageBase::getlistwstring_const(short mem
 }
 void XNMessageBase::setlistwstring(short memNum, short index, const std::vector<std::u16string>* value,
                                    std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setlistwstring", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setlistwstring", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::vector<bstring>*& XNMessageBase::getlistbstring(short memNum, short index, std::uint32_t msgTag,
@@ -205,10 +175,7 @@ const std::vector<bstring>* XNMessageBase::getlistbstring_const(short memNum, sh
 }
 void XNMessageBase::setlistbstring(short memNum, short index, const std::vector<bstring>* value,
                                    std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setlistbstring", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setlistbstring", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::vector<XNMessageBase>*& XNMessageBase::getlistobject(short memNum, short index, std::uint32_t msgTag,
@@ -224,10 +191,7 @@ const std::vector<XNMessageBase>* XNMessageBase::getlistobject_const(short memNu
 }
 void XNMessageBase::setlistobject(short memNum, short index, const std::vector<XNMessageBase>* value,
                                   std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setlistobject", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setlistobject", {memNum, index, msgTag, fieldHash}, value);
 }
 
 }  // namespace zqxml

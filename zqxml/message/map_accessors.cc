@@ -19,10 +19,7 @@ const std::map<std::int64_t, std::int64_t>* XNMessageBase::getMapInt64AndInt64_c
 void XNMessageBase::setMapInt64AndInt64(short memNum, short index,
                                         const std::map<std::int64_t, std::int64_t>* value,
                                         std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setMapInt64AndInt64", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setMapInt64AndInt64", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::map<std::int64_t, std::string>*& XNMessageBase::getMapInt64AndString(short memNum, short index,
@@ -40,10 +37,7 @@ const std::map<std::int64_t, std::string>* XNMessageBase::getMapInt64AndString_c
 void XNMessageBase::setMapInt64AndString(short memNum, short index,
                                          const std::map<std::int64_t, std::string>* value,
                                          std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setMapInt64AndString", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setMapInt64AndString", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::map<std::int64_t, XNMessageBase>*& XNMessageBase::getMapInt64AndObject(short memNum, short index,
@@ -61,10 +55,7 @@ const std::map<std::int64_t, XNMessageBase>* XNMessageBase::getMapInt64AndObject
 void XNMessageBase::setMapInt64AndObject(short memNum, short index,
                                          const std::map<std::int64_t, XNMessageBase>* value,
                                          std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setMapInt64AndObject", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setMapInt64AndObject", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::map<std::string, std::int64_t>*& XNMessageBase::getMapStringAndInt64(short memNum, short index,
@@ -82,10 +73,7 @@ const std::map<std::string, std::int64_t>* XNMessageBase::getMapStringAndInt64_c
 void XNMessageBase::setMapStringAndInt64(short memNum, short index,
                                          const std::map<std::string, std::int64_t>* value,
                                          std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setMapStringAndInt64", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setMapStringAndInt64", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::map<std::string, std::string>*& XNMessageBase::getMapStringAndString(short memNum, short index,
@@ -103,10 +91,7 @@ const std::map<std::string, std::string>* XNMessageBase::getMapStringAndString_c
 void XNMessageBase::setMapStringAndString(short memNum, short index,
                                           const std::map<std::string, std::string>* value,
                                           std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setMapStringAndString", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setMapStringAndString", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::map<std::string, XNMessageBase>*& XNMessageBase::getMapStringAndObject(short memNum, short index,
@@ -124,10 +109,7 @@ const std::map<std::string, XNMessageBase>* XNMessageBase::getMapStringAndObject
 void XNMessageBase::setMapStringAndObject(short memNum, short index,
                                           const std::map<std::string, XNMessageBase>* value,
                                           std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setMapStringAndObject", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setMapStringAndObject", {memNum, index, msgTag, fieldHash}, value);
 }
 
 std::map<XNMessageBase, XNMessageBase>*& XNMessageBase::getMapObjectAndObject(short memNum, short index,
@@ -145,10 +127,7 @@ const std::map<XNMessageBase, XNMessageBase>* XNMessageBase::getMapObjectAndObje
 void XNMessageBase::setMapObjectAndObject(short memNum, short index,
                                           const std::map<XNMessageBase, XNMessageBase>* value,
                                           std::uint32_t msgTag, std::uint32_t fieldHash) {
-  if (value == nullptr)
-    deleteMember(memNum, msgTag, fieldHash, false);
-  else
-    setContent(*this, "XNMessageBase::setMapObjectAndObject", {memNum, index, msgTag, fieldHash}, *value);
+  setContent(*this, "XNMessageBase::setMapObjectAndObject", {memNum, index, msgTag, fieldHash}, value);
 }
 
 }  // namespace zqxml

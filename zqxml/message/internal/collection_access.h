@@ -31,18 +31,20 @@ const Collection* content(const XNMessageBase& message, const char* function, co
   return field == nullptr ? nullptr : MessageAccess::owned<Collection>(message, *field);
 }
 
-/// Makes the collection a copy of `value` and marks the bit. Elements that are messages are cloned, never
-/// assigned: assignment between classes throws.
+/// Makes the collection a copy of `value` and marks the bit; null clears the member. Elements that are
+/// messages are cloned, never assigned: assignment between classes throws.
 template <class Collection>
 void setContent(XNMessageBase& message, const char* function, const FieldAddress& address,
-                const Collection& value) {
+                const Collection* value) {
+  if (value == nullptr)
+    return MessageAccess::deleteMember(message, address.memNum, address.msgTag, address.fieldHash);
   const FieldDef* field = resolveField(message, function, kTypesHolding<Collection>, address);
   if (field == nullptr) return;
   Collection& target = MessageAccess::make<Collection>(message, *field, true);
   if constexpr (std::is_same_v<typename Collection::value_type, XNMessageBase>)
-    Collection(value).swap(target);
+    Collection(*value).swap(target);
   else
-    target = value;
+    target = *value;
 }
 
 }  // namespace zqxml

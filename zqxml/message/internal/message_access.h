@@ -111,9 +111,13 @@ class MessageAccess {
     return *content;
   }
 
-  // --- Members by their accessors (guarded, logged; for tests and tools)
+  // --- Members by their accessors (guarded, logged)
   static void deleteMember(XNMessageBase& message, short memNum, bool destroy = false) {
     message.deleteMember(memNum, message.getTagID(), 0, destroy);
+  }
+  static void deleteMember(XNMessageBase& message, short memNum, std::uint32_t msgTag,
+                           std::uint32_t fieldHash) {
+    message.deleteMember(memNum, msgTag, fieldHash, false);
   }
   static void setCdata(XNMessageBase& message, const FieldDef& field, const cdata& value) {
     message.setcdataobject(field.getMemNum(), field.getIndex(), value, message.getTagID(), 0);
