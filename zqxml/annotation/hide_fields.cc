@@ -1,4 +1,5 @@
 #include <zqxml/annotation/xml_serialization_support.h>
+#include <zqxml/catalogue/generated/ZqEntities.h>
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/catalogue/name_hash.h>
 #include <zqxml/message/internal/message_access.h>
@@ -10,7 +11,6 @@
 namespace zqxml {
 namespace {
 
-constexpr std::uint32_t kGenericEntityTag = 0x128c0c7a;
 constexpr std::int64_t kHubCellEntity = 1;
 /// Values of `_type_` whose entities keep it.
 constexpr std::int64_t kShownEntities[] = {2, 10, 27, 34, 42, 43, 71, 72, 95, 113, 114};
@@ -32,7 +32,8 @@ bool hideFields(ListenerCbData& data) {
   if (classDef == nullptr) return false;
 
   const char* name = data.field.getName();
-  const bool isType = tagId == kGenericEntityTag && name != nullptr && std::strcmp(name, "_type_") == 0;
+  const bool isType =
+      tagId == ZqEntities::GenericEntity::kTagId && name != nullptr && std::strcmp(name, "_type_") == 0;
   const std::int64_t type = isType ? integerValue(*data.msg, data.field) : 0;
   if (type == 0) {
     data.flags = XMLCB_SKIP_PROCESSING;

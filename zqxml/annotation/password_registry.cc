@@ -1,4 +1,5 @@
 #include <zqxml/annotation/internal/password_registry.h>
+#include <zqxml/catalogue/generated/Annotation.h>
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/logging/xml_log_context.h>
 
@@ -34,7 +35,7 @@ bool store(RoutineTable& table, int type, PasswordRoutine routine) {
 }  // namespace
 
 const char* passwordTypeName(int type) {
-  constexpr short kAnnotation = 27;
+  constexpr short kAnnotation = Annotation::Password::kSubsystem;
   int classIndex = 0;
   if (!catalogue::classIndexFromName("PasswordEncryptType", kAnnotation, classIndex)) return "";
   const char* name = catalogue::enumeratorName(*catalogue::classAt(kAnnotation, classIndex), type);

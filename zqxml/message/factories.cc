@@ -1,13 +1,11 @@
 // Making messages from tag ids, class references and indices.
+#include <zqxml/catalogue/generated/ZqEntities.h>
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/xn_message_base.h>
 
 namespace zqxml {
 namespace {
-
-/// Tag id of ProcessingInstructionInfo (subsystem 18), which old-way objects do not build for themselves.
-constexpr std::uint32_t kProcessingInstructionInfoTag = 0x12454ea9;
 
 /// Ends a half-made object: `error` says why.
 eXNMsgRet abandon(XNMessageBase*& out, std::string& error, std::string why) {
@@ -52,7 +50,8 @@ XNMessageBase* XNMessageBase::createFromClassIDIfNotProcessingInstructionInfo(co
              ref.classIndex);
     return nullptr;
   }
-  return tagId == kProcessingInstructionInfoTag ? nullptr : createObjectFromClassID(classRef, false);
+  if (tagId == ZqEntities::ProcessingInstructionInfo::kTagId) return nullptr;
+  return createObjectFromClassID(classRef, false);
 }
 
 eXNMsgRet XNMessageBase::ConstructObject(std::uint32_t tagId, const char* xml, XNMessageBase*& out,

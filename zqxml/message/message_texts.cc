@@ -11,10 +11,11 @@
 namespace zqxml {
 namespace {
 
+using Info = ZqEntities::ProcessingInstructionInfo;
+
 constexpr std::size_t kLastErrorUnits = 8191;
-constexpr int kZqEntities = 18;
+/// Subsystem of the annotation classes.
 constexpr int kAnnotation = 27;
-constexpr int kProcessingInstructionInfoIndex = 74;
 
 /// The text, made on first use.
 template <class Text>
@@ -91,11 +92,11 @@ void XNMessageBase::resetCDATABuffer() {
 
 bool XNMessageBase::hasProcessingInstructionInfo() const {
   if (classDef_ == nullptr || classDef_->getNumberOfFields() == 0) return false;
-  if (msgSysIndex_ == kZqEntities || msgSysIndex_ == kAnnotation) return false;
+  if (msgSysIndex_ == Info::kSubsystem || msgSysIndex_ == kAnnotation) return false;
   const FieldDef& first = classDef_->getFields()[0];
   if (first.getType() != FDT_OBJECT) return false;
   const ClassRef ref = ClassRef::read(first.namePointer());
-  return ref.subsystem == kZqEntities && ref.classIndex == kProcessingInstructionInfoIndex;
+  return ref.subsystem == Info::kSubsystem && ref.classIndex == Info::kClassIndex;
 }
 
 XNMessageBase*& XNMessageBase::getProcessinginstructioninfo(bool create) {
@@ -105,13 +106,13 @@ XNMessageBase*& XNMessageBase::getProcessinginstructioninfo(bool create) {
   XNMessageBase*& slot = MessageAccess::owned<XNMessageBase>(*this, classDef_->getFields()[0]);
   if (!set) {
     delete slot;
-    slot = new XNMessageBase(kZqEntities, kProcessingInstructionInfoIndex);
+    slot = new XNMessageBase(Info::kSubsystem, Info::kClassIndex);
     MessageAccess::mark(*this, 0);
   }
   return slot;
 }
 
-void XNMessageBase::setProcessinginstructioninfo(const ZqEntities::ProcessingInstructionInfo* info) {
+void XNMessageBase::setProcessinginstructioninfo(const Info* info) {
   if (!hasProcessingInstructionInfo()) {
     logError("XNMessageBase::setProcessinginstructioninfo",
              "Calling this function on message [%s] is not valid", getTagName());

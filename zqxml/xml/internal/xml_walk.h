@@ -18,10 +18,10 @@
 // throw: that passes through.
 #pragma once
 
-#include <zqxml/annotation/annotation_base.h>
 #include <zqxml/annotation/annotation_record.h>
 #include <zqxml/annotation/xml_serialization_support.h>
 #include <zqxml/catalogue/field_types.h>
+#include <zqxml/catalogue/generated/Annotation.h>
 #include <zqxml/catalogue/records.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/internal/message_access.h>
@@ -91,8 +91,6 @@ class XmlWalk {
   /// Types whose MarkAsCDATA annotation does not count (maps have no place where it would).
   static constexpr FieldTypeSet kNeverCdata{FDT_NONE,         FDT_BSTRING, FDT_PSTRING,
                                             FDT_LIST_BSTRING, FDT_OBJECT,  FDT_LIST_OBJECT};
-  static constexpr int kAnnotationSubsystem = 27;
-  static constexpr int kSensitiveClass = 64;
 
   /// One field on its way to the sink: a handler of visitStorage.
   struct FieldWriter {
@@ -340,7 +338,7 @@ class XmlWalk {
     if ((call_.flags.encoding_options & MASK_SENSITIVE) == 0 || !record.isSensitive() ||
         !FieldDef::isPrimitiveType(field.getType()))
       return false;
-    AnnotationBase sensitive(kAnnotationSubsystem, kSensitiveClass);
+    Annotation::Sensitive sensitive;
     return XMLDecoder::FillAnnotation(&msg, sensitive, field.getName());
   }
 
