@@ -1,52 +1,23 @@
 #include <zqxml/annotation/internal/password_registry.h>
+#include <zqxml/annotation/internal/password_type.h>
 #include <zqxml/annotation/internal/wiped_text.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/platform/base64.h>
 #include <zqxml/platform/text.h>
 #include <zqxml/xml/xml_decoder.h>
 
-#include <cstdint>
 #include <string_view>
 
 namespace zqxml {
 namespace {
 
-/// Numbers of Annotation::PasswordEncryptType, which texts and contexts carry as plain integers.
-enum PasswordType : int {
-  kUnknown = 0,
-  kPlainText = 1,
-  kSession = 2,
-  kVersion1 = 3,
-  kVersion2 = 4,
-  kVersion3 = 5,
-  kPassThrough = 6,
-  kSessionPlusVersion2 = 7,
-  kSessionPlusVersion3 = 8,
-  kVersion5 = 10,
-  kVersion8 = 11,
-};
-
-/// A few types as bits; unknown numbers are in no set.
-class TypeSet {
- public:
-  constexpr TypeSet(std::initializer_list<PasswordType> types) {
-    for (const PasswordType type : types) bits_ |= 1u << type;
-  }
-  constexpr bool contains(int type) const { return type >= 0 && type < 32 && ((bits_ >> type) & 1) != 0; }
-
- private:
-  std::uint32_t bits_ = 0;
-};
-
-/// Types that ZQPassword opens by itself.
-constexpr TypeSet kStoredForms{kVersion1, kVersion2, kVersion3, kVersion5, kVersion8};
 /// Types with a session layer; their routines need "MessageInfo".
-constexpr TypeSet kSessionForms{kSession, kSessionPlusVersion2, kSessionPlusVersion3};
+constexpr PasswordTypeSet kSessionForms{kSession, kSessionPlusVersion2, kSessionPlusVersion3};
 /// Types of a context that ask a session routine to re-encrypt.
-constexpr TypeSet kReEncrypting{kUnknown, kVersion2, kVersion3, kVersion5, kVersion8};
+constexpr PasswordTypeSet kReEncrypting{kUnknown, kVersion2, kVersion3, kVersion5, kVersion8};
 /// Types of a context that take a password as the decryption left it.
-constexpr TypeSet kTakenAsDecrypted{kUnknown,     kPlainText, kVersion2, kVersion3,
-                                    kPassThrough, kVersion5,  kVersion8};
+constexpr PasswordTypeSet kTakenAsDecrypted{kUnknown,     kPlainText, kVersion2, kVersion3,
+                                            kPassThrough, kVersion5,  kVersion8};
 
 /// First characters of a text that are no type mark: the text is a plain password.
 constexpr bool isTypeMark(char16_t first) {

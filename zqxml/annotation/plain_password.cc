@@ -1,4 +1,5 @@
 #include <zqxml/annotation/internal/once_per_process.h>
+#include <zqxml/annotation/internal/password_type.h>
 #include <zqxml/annotation/internal/wiped_text.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/pstring.h>
@@ -16,18 +17,8 @@ OncePerProcess v8PasswordFailure;
 
 namespace {
 
-constexpr int kNoType = 0;
-constexpr int kPlainType = 1;
-constexpr int kVersion8Type = 11;
-
 /// Types whose stored form may be of any length.
-constexpr bool isOfAnyLength(int type) {
-  return type == 5 || type == 10 || type == kVersion8Type;
-}
-/// Types that ZQPassword recodes to version 8.
-constexpr bool isRecodable(int type) {
-  return isOfAnyLength(type) || type == 3 || type == 4;
-}
+constexpr PasswordTypeSet kOfAnyLength{kVersion3, kVersion5, kVersion8};
 
 /// A character area with room for `kSize` characters and a terminator, zeroed at the start and wiped at the
 /// end.
@@ -70,11 +61,11 @@ bool decryptShort(const std::string& stored, bstring& plain) {
 }  // namespace
 
 bstring pstring::getPlainPassword() const {
-  if (encryptionType_ == kPlainType) return *this;
+  if (encryptionType_ == kPlainText) return *this;
   bstring plain;
-  if (isOfAnyLength(encryptionType_)) {
+  if (kOfAnyLength.contains(encryptionType_)) {
     if (const std::optional<secure_string> whole = decryptWhole(str())) return std::string(whole->view());
-  } else if (encryptionType_ != kNoType && decryptShort(str(), plain)) {
+  } else if (encryptionType_ != kUnknown && decryptShort(str(), plain)) {
     return plain;
   }
   if (plainPasswordFailure.first()) {
@@ -85,8 +76,8 @@ bstring pstring::getPlainPassword() const {
 }
 
 secure_basic_string<char> pstring::getPlainPassword_s() const {
-  if (encryptionType_ == kPlainType) return secure_string(std::string_view(str()));
-  if (encryptionType_ == kNoType) {
+  if (encryptionType_ == kPlainText) return secure_string(std::string_view(str()));
+  if (encryptionType_ == kUnknown) {
     logError("pstring::getPlainPassword_s",
              "XNMessageBase::getPlainPassword_s(): NO PASSWORD DECRYPTION ALGORITHM FOUND");
     return {};
@@ -98,11 +89,11 @@ secure_basic_string<char> pstring::getPlainPassword_s() const {
 
 pstring pstring::getV8Password() const {
   if (empty()) return *this;
-  if (encryptionType_ == kVersion8Type && size() > 1 && str().front() == '8') return *this;
-  if (isRecodable(encryptionType_)) {
+  if (encryptionType_ == kVersion8 && size() > 1 && str().front() == '8') return *this;
+  if (kStoredForms.contains(encryptionType_)) {
     PasswordArea<2048> out;
     std::size_t size = out.size();
-    if (ZQPassword().ConvertToV8(c_str(), out.data(), &size) != 0) return pstring(out.c_str(), kVersion8Type);
+    if (ZQPassword().ConvertToV8(c_str(), out.data(), &size) != 0) return pstring(out.c_str(), kVersion8);
   }
   if (v8PasswordFailure.first()) {
     logError("pstring::getV8Password",

@@ -1,3 +1,4 @@
+#include <zqxml/annotation/internal/password_type.h>
 #include <zqxml/annotation/internal/wiped_text.h>
 #include <zqxml/annotation/platform_password_routines.h>
 #include <zqxml/platform/base64.h>
@@ -11,7 +12,7 @@ namespace zqxml {
 namespace {
 
 /// A routine per type: the context that it is called with can be one of another type.
-template <int kType>
+template <PasswordType kType>
 bstring encryptInForm(bstring text, ZqXMLContextInfo*) {
   const WipeAtExit wipe(text.str());
   std::string stored;
@@ -39,15 +40,17 @@ bstring decodeBase64(bstring text, ZqXMLContextInfo*) {
 }
 
 struct TypeRoutines {
-  int type;
+  PasswordType type;
   PasswordRoutine encrypt;
   PasswordRoutine decrypt;
 };
 
 constexpr TypeRoutines kRoutines[] = {
-    {3, encryptInForm<3>, decryptAnyForm},   {4, encryptInForm<4>, decryptAnyForm},
-    {5, encryptInForm<5>, decryptAnyForm},   {9, encodeBase64, decodeBase64},
-    {10, encryptInForm<10>, decryptAnyForm},
+    {kVersion1, encryptInForm<kVersion1>, decryptAnyForm},
+    {kVersion2, encryptInForm<kVersion2>, decryptAnyForm},
+    {kVersion3, encryptInForm<kVersion3>, decryptAnyForm},
+    {kBase64, encodeBase64, decodeBase64},
+    {kVersion5, encryptInForm<kVersion5>, decryptAnyForm},
 };
 
 }  // namespace
