@@ -2,6 +2,7 @@
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/xml/internal/dom_sink.h>
 #include <zqxml/xml/internal/wide_text.h>
+#include <zqxml/xml/internal/xml_names.h>
 #include <zqxml/xml/internal/xml_walk.h>
 #include <zqxml/xml/xml_serializer.h>
 
@@ -98,8 +99,8 @@ bool XMLSerializer::constructMapElements(xercesc::DOMDocument* doc, xercesc::DOM
   entry = keyNode = valueNode = nullptr;
   try {
     entry = doc->createElement(name);
-    keyNode = appendElement(doc, entry, u"__mapKey__");
-    valueNode = appendElement(doc, entry, u"__mapValue__");
+    keyNode = appendElement(doc, entry, kMapKeyName);
+    valueNode = appendElement(doc, entry, kMapValueName);
     parent->appendChild(entry);
     return true;
   } catch (...) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zqxml/xml/internal/wide_text.h>
+#include <zqxml/xml/internal/xml_names.h>
 #include <zqxml/xml/internal/xml_serializer_access.h>
 
 #include <xercesc/dom/DOMDocument.hpp>
@@ -36,10 +37,10 @@ class DomSink {
     }
   }
   void entryValue(Node entry) {
-    XMLSerializerAccess::writeListNodeToXML(serializer_, document_, entry, u"val", text_.c_str());
+    XMLSerializerAccess::writeListNodeToXML(serializer_, document_, entry, kValName, text_.c_str());
   }
   void entryCdata(Node entry) {
-    XMLSerializerAccess::writeListNodeAsCDATA(serializer_, document_, entry, u"val", text_.c_str());
+    XMLSerializerAccess::writeListNodeAsCDATA(serializer_, document_, entry, kValName, text_.c_str());
   }
   bool mapEntry(Node parent, const Name& name, Node& key, Node& value) {
     Node entry = nullptr;

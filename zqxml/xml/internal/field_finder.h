@@ -13,7 +13,7 @@
 namespace zqxml {
 
 /// The name hash of UTF-16 text: that of its UTF-8 bytes, taken without a conversion where it is ASCII.
-inline std::uint32_t nameHash(std::u16string_view name) {
+constexpr std::uint32_t nameHash(std::u16string_view name) {
   std::uint32_t hash = 0;
   for (const char16_t unit : name) {
     if (unit > 0x7f) return nameHash(toUtf8(name));

@@ -1,18 +1,16 @@
-// The fixed names of the XML form.
+// The fixed names of the XML form as the reader compares them. Not installed.
 #pragma once
 
 #include <zqxml/catalogue/field_types.h>
-#include <zqxml/catalogue/name_hash.h>
+#include <zqxml/xml/internal/field_finder.h>
+#include <zqxml/xml/internal/xml_names.h>
 
 #include <cstdint>
-#include <string_view>
 
 namespace zqxml {
 
-/// The attribute that holds the value of a list element or of a side of a map entry.
-inline constexpr std::u16string_view kValName = u"val";
-inline constexpr std::uint32_t kMapKeyHash = nameHash(std::string_view("__mapKey__"));
-inline constexpr std::uint32_t kMapValueHash = nameHash(std::string_view("__mapValue__"));
+inline constexpr std::uint32_t kMapKeyHash = nameHash(kMapKeyName);
+inline constexpr std::uint32_t kMapValueHash = nameHash(kMapValueName);
 static_assert(kMapKeyHash == 0x321e63 && kMapValueHash == 0x882bf5);
 
 /// Fields whose elements are objects of their own.
