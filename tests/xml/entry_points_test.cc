@@ -1,12 +1,8 @@
 // The entry points that read and write XML: results, what they leave behind, and what they log.
 #include <gmock/gmock.h>
-#include <zqxml/binary/binary_buffer.h>
 #include <zqxml/catalogue/generated/XmlRead.h>
-#include <zqxml/message/internal/message_access.h>
 #include <zqxml/platform/text.h>
 #include <zqxml/xml/my_sax2_handler.h>
-#include <zqxml/xml/xml_decoder.h>
-#include <zqxml/xml/xml_encoder.h>
 #include <zqxml/xml/xml_serializer.h>
 
 #include <memory>
@@ -19,12 +15,9 @@ namespace zqxml {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::StartsWith;
 using XmlRead::Defaults;
-using XmlRead::Every;
 using XmlRead::Node;
 
 constexpr char kParse[] = "XMLSerializer::parserHelper";
@@ -291,69 +284,6 @@ TEST(EntryPoints, EveryTruncatedWideTextFails) {
   }
 }
 
-// --- The tag of a text
-
-TEST(EntryPoints, TagComesFromTheRootAndItsIdFromTheCatalogue) {
-  std::string tag;
-  unsigned tagId = 0;
-  for (std::string xml :
-       {"<XmlRead_Node/>", "<?xml version='1.0'?><!-- c --><?pi?><!DOCTYPE x><XmlRead_Node id='1'><cut",
-        "\n\t<XmlRead_Node id='1'>"}) {
-    ASSERT_TRUE(XMLSerializer::GetTagAndTagIDFromXML(xml, tag, tagId)) << xml;
-    EXPECT_EQ(tag, "XmlRead_Node");
-    EXPECT_EQ(tagId, Node::kTagId);
-  }
-}
-
-TEST(EntryPoints, TagOfARenamedRootIsThatOfItsClass) {
-  std::string xml = "<SystemMonitoring_GenericEvent/>";
-  std::string tag;
-  unsigned tagId = 0;
-  ASSERT_TRUE(XMLSerializer::GetTagAndTagIDFromXML(xml, tag, tagId));
-  EXPECT_EQ(tag, "DistributedIDA_GenericEvent");
-  EXPECT_EQ(tagId >> 24, 119u);
-}
-
-TEST(EntryPoints, TagOfAWideTextNeedsADeclaration) {
-  LogCapture log;
-  std::string tag;
-  unsigned tagId = 0;
-  std::u16string declared = u"<?xml version=\"1.0\" encoding=\"UTF-16\"?><XmlRead_Node/>";
-  EXPECT_TRUE(XMLSerializer::GetTagAndTagIDFromXML(declared, tag, tagId));
-  EXPECT_EQ(tag, "XmlRead_Node");
-  std::u16string bare = u"<XmlRead_Node/>";
-  EXPECT_FALSE(XMLSerializer::GetTagAndTagIDFromXML(bare, tag, tagId));
-  EXPECT_EQ(tag, "");
-}
-
-TEST(EntryPoints, TagOfAnEmptyTextIsNotLookedFor) {
-  LogCapture log(10);
-  std::string tag = "before";
-  unsigned tagId = 5;
-  std::string narrow;
-  std::u16string wide;
-  EXPECT_FALSE(XMLSerializer::GetTagAndTagIDFromXML(narrow, tag, tagId));
-  EXPECT_FALSE(XMLSerializer::GetTagAndTagIDFromXML(wide, tag, tagId));
-  EXPECT_EQ(tag, "before");
-  const CapturedLine line{kTag, 10, "Received empty xml"};
-  EXPECT_THAT(log.lines(), ElementsAre(line, line));
-}
-
-TEST(EntryPoints, TagOfATextThatIsNoXmlIsLogged) {
-  for (std::string xml : {"text", "<?xml version='1.0'?>", "<", "<!--"}) {
-    LogCapture log;
-    std::string tag = "before";
-    unsigned tagId = 5;
-    EXPECT_FALSE(XMLSerializer::GetTagAndTagIDFromXML(xml, tag, tagId)) << xml;
-    EXPECT_EQ(tag, "");
-    EXPECT_EQ(tagId, 0u);
-    EXPECT_TRUE(log.has(kTag, 0, "Error retrieving tag for given xml."));
-    EXPECT_TRUE(log.hasPart(kTagStart, 0, "SAXParseException: ") ||
-                log.hasPart(kTagStart, 0, "Unable to retrieve t"))
-        << testing::PrintToString(log.lines());
-  }
-}
-
 // --- The handler
 
 TEST(EntryPoints, HandlerHashesNamesLikeTheCatalogue) {
@@ -384,114 +314,6 @@ TEST(EntryPoints, HandlerTakesEventsWithoutNamesOrAnObject) {
   MySAX2Handler handler(&node);
   handler.endElement(nullptr, nullptr, nullptr);
   EXPECT_EQ(handler.finish(), &node);
-}
-
-// --- The facades
-
-TEST(EntryPoints, EncoderWritesByItsFlags) {
-  Node node;
-  node.setId(3);
-  std::string text;
-  EXPECT_EQ(XMLEncoder().serialize(node, text), XN_MSG_OK);
-  EXPECT_THAT(text, StartsWith("<?xml "));
-  EXPECT_THAT(text, HasSubstr("<XmlRead_Node id=\"3\"/>"));
-  EXPECT_EQ(XMLEncoder(static_cast<ZqXMLContextInfo*>(nullptr)).serialize(node, text, true), XN_MSG_OK);
-  EXPECT_EQ(text, "<XmlRead_Node id=\"3\"/>");
-  EncodingFlags flags;
-  flags.useElements = true;
-  const XMLEncoder elements(flags, nullptr);
-  EXPECT_EQ(XMLEncoder(elements).serialize(node, text, true), XN_MSG_OK);
-  EXPECT_EQ(text, "<XmlRead_Node><id>3</id></XmlRead_Node>");
-  std::u16string wide;
-  EXPECT_EQ(XMLEncoder(elements).serializeUTF16(node, wide, true), XN_MSG_OK);
-  EXPECT_EQ(wide, u"<XmlRead_Node><id>3</id></XmlRead_Node>");
-  EXPECT_EQ(XMLEncoder().serializeUTF16(node, wide), XN_MSG_OK);
-  EXPECT_TRUE(wide.starts_with(u"<?xml "));
-}
-
-TEST(EntryPoints, DecoderKeepsTheContextOfItsLastCall) {
-  LogCapture log;
-  ZqXMLContextInfo context;
-  XMLDecoder decoder;
-  std::string text = "<a id='4'/>";
-  Node node;
-  EXPECT_EQ(decoder.unSerialize(node, text, &context), XN_MSG_OK);
-  EXPECT_EQ(node.getId(), 4);
-  EXPECT_EQ(decoder.getContextObj(), &context);
-  EXPECT_EQ(decoder.unSerialize(node, u"<a id='5'/>", nullptr), XN_MSG_OK);
-  EXPECT_EQ(node.getId(), 5);
-  EXPECT_EQ(decoder.getContextObj(), nullptr);
-  text = "<XmlRead_Node id='6'/>";
-  const std::unique_ptr<XNMessageBase> made(decoder.unSerialize(text, &context));
-  ASSERT_NE(Node::from(made.get()), nullptr);
-  EXPECT_EQ(Node::from(made.get())->getId(), 6);
-  EXPECT_EQ(decoder.getContextObj(), &context);
-  text = "<XmlRead_Node";
-  EXPECT_EQ(decoder.unSerialize(text), nullptr);
-  EXPECT_EQ(decoder.unSerialize(node, text), XN_MSG_PARSE_ERROR);
-}
-
-TEST(EntryPoints, DecoderStartsFromNothing) {
-  XMLDecoder decoder;
-  std::string text = "<a/>";
-  Node node = filledNode();
-  EXPECT_EQ(decoder.unSerialize(node, text), XN_MSG_OK);
-  EXPECT_FALSE(node.isIdSet());
-}
-
-TEST(EntryPoints, ContextOfTheDecoderReachesPasswords) {
-  ZqXMLContextInfo context;
-  context.setPasswordEncType(6);  // passes through
-  XMLDecoder decoder;
-  std::string text = "<a pstringField='&#9;YWJj'/>";
-  Every every;
-  EXPECT_EQ(decoder.unSerialize(every, text, &context), XN_MSG_OK);
-  EXPECT_EQ(every.getPstringField().str(), "abc");
-  EXPECT_EQ(every.getPstringField().getEncryptionType(), 9);
-}
-
-TEST(EntryPoints, DecoderFlagsAreStoredAndGivenBack) {
-  XMLDecoder decoder;
-  EXPECT_FALSE(decoder.getIgnoreStartTag());
-  decoder.setIgnoreStartTag(true);
-  EXPECT_TRUE(decoder.getIgnoreStartTag());
-  EXPECT_EQ(decoder.getEncryptionTypeUsed(), 0);
-  decoder.setEncryptionTypeUsed(7);
-  EXPECT_EQ(decoder.getEncryptionTypeUsed(), 7);
-  // The root tag is not skipped all the same.
-  std::string text = "<XmlRead_Node id='6'/>";
-  EXPECT_NE(std::unique_ptr<XNMessageBase>(decoder.unSerialize(text)), nullptr);
-  EXPECT_EQ(XMLDecoder::initialize(), 0);
-}
-
-TEST(EntryPoints, ProcessHasOneDecoder) {
-  EXPECT_NE(XMLDecoder::getXMLDecoderObject(), nullptr);
-  EXPECT_EQ(XMLDecoder::getXMLDecoderObject(), XMLDecoder::getXMLDecoderObject());
-}
-
-TEST(EntryPoints, ClassRecordsAreFoundByTagOrObject) {
-  Node node;
-  const _ClassDef* record = MessageAccess::classDef(node);
-  EXPECT_EQ(XMLDecoder::GetClassDef(Node::kTagId), record);
-  EXPECT_EQ(XMLDecoder::GetClassDef(Node::kTagId & 0xff000000, Node::kTagId & 0xffffff), record);
-  EXPECT_EQ(XMLDecoder::GetClassDef(&node), record);
-  EXPECT_EQ(XMLDecoder::GetClassDef(static_cast<const XNMessageBase*>(nullptr)), nullptr);
-}
-
-TEST(EntryPoints, BinaryFacadesGoThereAndBack) {
-  Node node;
-  node.setId(3);
-  XMLDecoder decoder;
-  ZqXMLContextInfo context;
-  for (const int version : {0, 1, 2}) {
-    BinaryBuffer buffer;
-    const std::uint64_t size = version == 0 ? XMLEncoder().SerializeBinary(node, buffer)
-                                            : XMLEncoder().SerializeBinary(node, buffer, version);
-    EXPECT_NE(size, 0u);
-    Node read;
-    EXPECT_EQ(decoder.UnserializeBinary(read, buffer), 0);
-    EXPECT_EQ(read.getId(), 3);
-  }
 }
 
 // --- Members of the object
