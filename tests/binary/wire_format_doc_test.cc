@@ -4,45 +4,28 @@
 #include <gtest/gtest.h>
 #include <tests/binary/binary_forms.h>
 #include <tests/binary/binary_type_rows.h>
+#include <tests/support/markdown.h>
 #include <tests/support/open_message.h>
-#include <tests/support/run_program.h>
 #include <tests/support/scratch_folder.h>
 #include <zqxml/catalogue/generated/App.h>
 #include <zqxml/catalogue/generated/Demo.h>
 
-#include <filesystem>
-#include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
 namespace zqxml {
 namespace {
 
-std::vector<std::string> pageLines() {
-  std::ifstream page(ZQXML_SOURCE_DIR "/docs/wire-format.md");
-  EXPECT_TRUE(page.is_open());
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(page, line);) lines.push_back(line);
-  return lines;
-}
+constexpr const char* kPage = ZQXML_SOURCE_DIR "/docs/wire-format.md";
 
 /// The bytes of each example: two hexadecimal digits each, until something else stands in the line.
 std::map<std::string, std::string> examples() {
   std::map<std::string, std::string> found;
-  const std::string open = "<!-- example: ";
-  std::string name;
-  bool inside = false;
-  for (const std::string& line : pageLines()) {
-    if (line.starts_with(open)) {
-      name = line.substr(open.size(), line.find(" -->") - open.size());
-    } else if (line.starts_with("```")) {
-      inside = !inside && !name.empty();
-      if (!inside) name.clear();
-    } else if (inside) {
-      found[name] += fromHex(line.substr(0, line.find("  ")));
-    }
+  for (const MarkdownBlock& block : blocksOf(kPage)) {
+    if (block.example.empty()) continue;
+    for (const std::string& line : linesOf(block.text))
+      found[block.example] += fromHex(line.substr(0, line.find("  ")));
   }
   return found;
 }
@@ -84,7 +67,7 @@ TEST(WireFormatPageTest, ExampleOfVersion1IsWhatIsWritten) {
 
 TEST(WireFormatPageTest, RecordOfEachTypeIsTheTestedOne) {
   std::map<std::string, std::string> shown;
-  for (const std::string& line : pageLines()) {
+  for (const std::string& line : linesOf(contentOf(kPage))) {
     if (!line.starts_with("| `FDT_") || !line.ends_with("` |")) continue;
     const std::size_t record = line.rfind('`', line.size() - 4) + 1;
     shown[line.substr(3, line.find('`', 3) - 3)] = line.substr(record, line.size() - 3 - record);
@@ -96,32 +79,10 @@ TEST(WireFormatPageTest, RecordOfEachTypeIsTheTestedOne) {
 
 TEST(WireFormatPageTest, CommandsPrintWhatIsShown) {
   const ScratchFolder folder;
-  std::ofstream(std::filesystem::path(folder.path()) / "example.bin", std::ios::binary)
-      << examples()["worked"];
+  folder.write("example.bin", examples()["worked"]);
   int commands = 0;
-  bool inside = false;
-  std::string command, expected;
-  for (const std::string& line : pageLines()) {
-    if (line == "```console") {
-      inside = true;
-    } else if (inside && line.starts_with("$ ")) {
-      ASSERT_EQ(command, "") << "one command in a block";
-      command = line.substr(2);
-    } else if (inside && line == "```") {
-      inside = false;
-      const ProgramRun run =
-          runProgram({"/bin/sh", "-c", "PATH=\"" ZQXML_BINARY_DIR "/bin:$PATH\"; " + command},
-                     {.input = {}, .folder = folder.path(), .environment = {}});
-      EXPECT_EQ(run.status, 0) << command;
-      EXPECT_EQ(run.out, expected) << command;
-      EXPECT_EQ(run.err, "") << command;
-      ++commands;
-      command.clear();
-      expected.clear();
-    } else if (inside) {
-      expected += line + "\n";
-    }
-  }
+  for (const MarkdownBlock& block : blocksOf(kPage))
+    if (block.language == "console") commands += expectCommandsPrint(block, folder.path());
   EXPECT_EQ(commands, 1);
 }
 

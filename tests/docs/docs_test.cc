@@ -3,21 +3,18 @@
 // The commands of a document are its ```sh blocks. They run in the order of the document, each block by
 // itself, in one scratch folder with links to the source's folders, with the built programs on the path. A
 // ```text block that follows such a block with nothing but empty lines between is its output, standard error
-// included; a line
-// "..." in it stands for any number of lines.
+// included; a line "..." in it stands for any number of lines.
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <regex>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "tests/support/markdown.h"
 #include "tests/support/run_program.h"
 #include "tests/support/scratch_folder.h"
 
@@ -27,48 +24,6 @@ namespace {
 namespace fs = std::filesystem;
 
 const fs::path kSource = ZQXML_SOURCE_DIR;
-
-std::string contentOf(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  EXPECT_TRUE(file.is_open()) << path;
-  return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
-std::vector<std::string> linesOf(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
-  return lines;
-}
-
-/// A fenced block of a document.
-struct Block {
-  std::string language;
-  std::string text;
-  std::size_t line = 0;       ///< of its fence, from 1
-  bool followsBlock = false;  ///< only empty lines stand between it and the block before
-};
-
-std::vector<Block> blocksOf(const fs::path& document) {
-  std::vector<Block> blocks;
-  bool inside = false;
-  bool onlyEmpty = false;
-  std::size_t number = 0;
-  for (const std::string& line : linesOf(contentOf(document))) {
-    ++number;
-    if (line.starts_with("```")) {
-      inside = !inside;
-      if (inside) blocks.push_back({line.substr(3), "", number, onlyEmpty});
-      onlyEmpty = true;
-    } else if (inside) {
-      blocks.back().text += line + '\n';
-    } else if (!line.empty()) {
-      onlyEmpty = false;
-    }
-  }
-  EXPECT_FALSE(inside) << document << ": a block has no end";
-  return blocks;
-}
 
 bool matches(const std::vector<std::string>& shown, std::size_t i, const std::vector<std::string>& printed,
              std::size_t j) {
@@ -107,7 +62,7 @@ class Document : public testing::TestWithParam<fs::path> {
 };
 
 TEST_P(Document, CommandsDoWhatItSays) {
-  const std::vector<Block> blocks = blocksOf(GetParam());
+  const std::vector<MarkdownBlock> blocks = blocksOf(GetParam());
   for (std::size_t i = 0; i < blocks.size(); ++i) {
     if (blocks[i].language != "sh") continue;
     const ProgramRun result = run(blocks[i].text);
@@ -162,7 +117,7 @@ TEST(Readme, CodeIsThatOfTheExample) {
   const std::size_t start = example.find(mark) + mark.size();
   const std::string code = example.substr(start, example.find(mark, start) - start);
   bool found = false;
-  for (const Block& block : blocksOf(kSource / "README.md"))
+  for (const MarkdownBlock& block : blocksOf(kSource / "README.md"))
     if (block.language == "cpp" && block.text == code) found = true;
   EXPECT_TRUE(found) << "README.md does not show\n" << code;
 }

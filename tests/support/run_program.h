@@ -8,8 +8,8 @@ namespace zqxml {
 
 /// How a program ended and what it wrote.
 struct ProgramRun {
-  int status =
-      -1;  ///< exit status; 128 and the number of the signal when one ended it; -1 when it did not start
+  /// Exit status; 128 and the number of the signal when one ended it; -1 when it did not start.
+  int status = -1;
   std::string out;
   std::string err;
   long peakMemory = 0;  ///< KiB that it had in memory at most

@@ -6,10 +6,10 @@
 #include <zqxml/catalogue/generated/DistributedIDA.h>
 #include <zqxml/catalogue/generated/ZqEntities.h>
 
-#include <fstream>
 #include <map>
 #include <string>
 
+#include "tests/support/markdown.h"
 #include "tests/support/time_zone.h"
 #include "tests/xml/xml_writing.h"
 
@@ -19,27 +19,13 @@ namespace {
 using App::AnnotationSample;
 using Demo::Sample;
 
-/// The examples of the page by name: what stands in the block of XML behind "<!-- example: name -->".
+/// The examples of the page by name: its blocks of XML.
 std::map<std::string, std::string> examplesOfThePage() {
-  std::ifstream page(ZQXML_SOURCE_DIR "/docs/xml-form.md");
-  EXPECT_TRUE(page.is_open());
-  const std::string mark = "<!-- example: ";
   std::map<std::string, std::string> examples;
-  std::string name;
-  bool inside = false;
-  for (std::string line; std::getline(page, line);) {
-    if (line.starts_with(mark)) {
-      name = line.substr(mark.size(), line.find(" -->") - mark.size());
-    } else if (line == "```xml") {
-      EXPECT_FALSE(name.empty()) << "a block of XML without a name";
-      EXPECT_EQ(examples.count(name), 0u) << name;
-      inside = true;
-    } else if (line == "```") {
-      inside = false;
-      name.clear();
-    } else if (inside) {
-      examples[name] += line + '\n';
-    }
+  for (const MarkdownBlock& block : blocksOf(ZQXML_SOURCE_DIR "/docs/xml-form.md")) {
+    if (block.language != "xml") continue;
+    EXPECT_FALSE(block.example.empty()) << "a block of XML without a name";
+    EXPECT_TRUE(examples.emplace(block.example, block.text).second) << block.example;
   }
   return examples;
 }
