@@ -1,4 +1,5 @@
-# What the library stands on. The same list is in ZqXMLMsgsBaseConfig.cmake.in and zqxmlmsgsbase.pc.in.
+# What the library stands on. Public headers name Xerces-C alone, so ZqXMLMsgsBaseConfig.cmake.in and
+# zqxmlmsgsbase.pc.in ask their users for that one.
 
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
