@@ -1,7 +1,7 @@
 // What is told of the bytes of a binary message.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <tests/binary/binary_forms.h>
+#include <tests/binary/binary_readings.h>
 #include <tests/support/log_capture.h>
 #include <tests/support/open_message.h>
 #include <zqxml/binary/binary_explainer.h>
@@ -49,10 +49,6 @@ std::vector<std::string> lines(const std::string& bytes) {
                               note.field.empty() ? "" : " ", note.what, note.value));
   }
   return told;
-}
-
-std::string everyType(const std::string& body) {
-  return withHeader(EveryType::kTagId, body);
 }
 
 TEST(BinaryExplainerTest, TellsTheHeader) {

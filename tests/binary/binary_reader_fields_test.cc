@@ -1,7 +1,7 @@
 // Unknown fields, fields that are found, and traces of the binary reader.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <tests/binary/binary_forms.h>
+#include <tests/binary/binary_readings.h>
 #include <tests/binary/hand_made_class.h>
 #include <tests/support/log_capture.h>
 #include <tests/support/open_message.h>
@@ -17,12 +17,6 @@ namespace {
 using Demo::EveryType;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr const char* kReader = "BinarySerializer::unserializeBinaryRecur";
-
-std::string everyType(const std::string& body, std::uint32_t version = 2) {
-  return withHeader(EveryType::kTagId, body, version);
-}
 
 // --- Unknown fields.
 

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <tests/annotation/password_routines.h>
-#include <tests/binary/binary_forms.h>
+#include <tests/binary/binary_readings.h>
 #include <tests/binary/hand_made_class.h>
 #include <tests/support/log_capture.h>
 #include <tests/support/open_message.h>
@@ -23,16 +23,9 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 
-constexpr const char* kReader = "BinarySerializer::unserializeBinaryRecur";
-constexpr const char* kEntry = "BinarySerializer::unserialize";
-
 /// Marker, key, byte count and encodings of a map.
 Wire mapHead(const char* field, std::uint32_t count, unsigned keyEncoding, unsigned valueEncoding) {
   return Wire().marker(count).key(field, 2).varint(0).varint(keyEncoding).varint(valueEncoding);
-}
-
-std::string everyType(const std::string& body) {
-  return withHeader(EveryType::kTagId, body);
 }
 
 /// A child of number 1, with its size.

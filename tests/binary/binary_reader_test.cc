@@ -1,7 +1,7 @@
 // Messages out of the binary form.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <tests/binary/binary_forms.h>
+#include <tests/binary/binary_readings.h>
 #include <tests/support/log_capture.h>
 #include <tests/support/open_message.h>
 #include <zqxml/catalogue/generated/Demo.h>
@@ -20,14 +20,6 @@ namespace {
 using Demo::EveryType;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr const char* kReader = "BinarySerializer::unserializeBinaryRecur";
-constexpr const char* kEntry = "BinarySerializer::unserialize";
-constexpr const char* kFailedEveryType = "Error unserializing from buffer on object [Demo_EveryType]";
-
-std::string everyType(const std::string& body, std::uint32_t version = 2) {
-  return withHeader(EveryType::kTagId, body, version);
-}
 
 TEST(BinaryReaderTest, ShortBufferHasNoMetadataInOneFormAndIsNotSetInTheOther) {
   for (std::size_t size : {1u, 4u, 7u}) {

@@ -1,7 +1,7 @@
 // Values, lists and objects out of the binary form.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <tests/binary/binary_forms.h>
+#include <tests/binary/binary_readings.h>
 #include <tests/binary/hand_made_class.h>
 #include <tests/support/log_capture.h>
 #include <tests/support/open_message.h>
@@ -17,14 +17,6 @@ namespace {
 using Demo::EveryType;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr const char* kReader = "BinarySerializer::unserializeBinaryRecur";
-constexpr const char* kEntry = "BinarySerializer::unserialize";
-constexpr const char* kFailedEveryType = "Error unserializing from buffer on object [Demo_EveryType]";
-
-std::string everyType(const std::string& body, std::uint32_t version = 2) {
-  return withHeader(EveryType::kTagId, body, version);
-}
 
 // --- Texts.
 
