@@ -13,8 +13,7 @@ namespace zqxml::zqcatc {
 ///   2 bytes   length of the record with these two
 ///   1 byte    flags: Password type in bits 7-4, ZQTime 3, Suppress 2, XDate type in bits 1-0
 ///   1 byte    flags: GenPath 7, HideInReports 6, SingleInstanced 5, CommandParam 4, Text 3,
-///   SearchCriteriaDef 2,
-///             StoredProcedure 1, IndexAttr 0
+///             SearchCriteriaDef 2, StoredProcedure 1, IndexAttr 0
 ///   1 byte    flags: MarkAsCDATA 7, Sensitive 6, value of IndexAttr 0
 ///   sections  Text, CommandParam, SearchCriteriaDef, StoredProcedure, those that are there
 /// A record ends after the last flag byte that says something; with a section all three stand. A string is a

@@ -177,8 +177,7 @@ class BodyReader : public WireReader<Observer> {
     if (!varint(in, WirePart::kLength, length)) return false;
     if (!in.fits(length)) {
       return fail(
-          "Error unserializing in binary mode. Specified string size [%u] > buffer size [%u]. "
-          "CurrentPosition : [%u]",
+          "Error unserializing in binary mode. Specified string size [%u] > buffer size [%u]. CurrentPosition : [%u]",
           length, in.limit(), in.position());
     }
     return skip(in, WirePart::kSkipped, length);

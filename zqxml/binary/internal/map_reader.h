@@ -51,8 +51,7 @@ class MapReader {
     // QUIRK: the expected encodings always read 1, that of a 64-bit integer, whatever the map holds.
     constexpr int kShown = wire::kSideEncoding<Int64>;
     return reader_.fail(
-        "Map member [%s] has key/value encoding type mismatch\nkey type = [%d]; received key type = "
-        "[%d]\nValue type = [%d]; received value type = [%d] ",
+        "Map member [%s] has key/value encoding type mismatch\nkey type = [%d]; received key type = [%d]\nValue type = [%d]; received value type = [%d] ",
         field_.getName(), kShown, key, kShown, value);
   }
 

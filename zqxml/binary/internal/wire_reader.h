@@ -143,8 +143,7 @@ class WireReader {
   [[gnu::noinline, gnu::cold]] bool textOverrun(const char* kind, const FieldDef& field, std::uint32_t length,
                                                 std::uint64_t limit, std::uint64_t position) {
     return fail(
-        "Error constructing %s field [%s]. Specified string size [%d] causes a buffer overrun. Buffer size : "
-        "[%d]. CurrentPosition : [%d]",
+        "Error constructing %s field [%s]. Specified string size [%d] causes a buffer overrun. Buffer size : [%d]. CurrentPosition : [%d]",
         kind, field.getName(), length, limit, position);
   }
 
