@@ -43,8 +43,6 @@ TEST_P(Interruption, LeavesNoUnfinishedFile) {
   const pid_t child = start();
   ASSERT_GT(child, 0);
   const bool seen = seesUnfinishedFile();
-  // The file is seen a moment before its name is noted for removal.
-  std::this_thread::sleep_for(std::chrono::milliseconds(200));
   kill(child, GetParam());
   int status = 0;
   ASSERT_EQ(waitpid(child, &status, 0), child);

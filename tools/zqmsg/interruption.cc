@@ -1,6 +1,5 @@
 #include "tools/zqmsg/interruption.h"
 
-#include <signal.h>
 #include <unistd.h>
 
 #include <array>
@@ -10,6 +9,8 @@
 
 namespace zqxml::tool {
 namespace {
+
+constexpr int kInterruptions[] = {SIGINT, SIGTERM, SIGHUP};
 
 // What the handler may read: a signal can come at any instruction.
 std::array<char, PATH_MAX> pathToRemove;
@@ -22,7 +23,7 @@ extern "C" void removeAndDie(int signalNumber) {
 }
 
 void installHandlers() {
-  for (int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
+  for (int signalNumber : kInterruptions) {
     struct sigaction present = {};
     if (sigaction(signalNumber, nullptr, &present) != 0 || present.sa_handler != SIG_DFL) continue;
     struct sigaction action = {};
@@ -34,6 +35,17 @@ void installHandlers() {
 }
 
 }  // namespace
+
+InterruptionsHeld::InterruptionsHeld() {
+  sigset_t held;
+  sigemptyset(&held);
+  for (int signalNumber : kInterruptions) sigaddset(&held, signalNumber);
+  sigprocmask(SIG_BLOCK, &held, &before_);
+}
+
+InterruptionsHeld::~InterruptionsHeld() {
+  sigprocmask(SIG_SETMASK, &before_, nullptr);
+}
 
 void RemovedOnInterruption::remember(const std::string& path) {
   forget();

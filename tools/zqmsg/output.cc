@@ -24,6 +24,7 @@ Output::Output(const std::string& file)
     check(name_, CUlError(descriptor < 0 ? errno : 0));
     stream_.Attach(descriptor, name_);
   } else {
+    const InterruptionsHeld held;
     check(name_, file_.Open(file));
     unfinished_.remember(file_.temporaryName());
   }
