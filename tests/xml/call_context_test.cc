@@ -277,7 +277,7 @@ TEST(XmlStartUp, EveryDoorStartsTheProcessesLibrary) {
   EXPECT_TRUE(XMLSerializer::isXercesInitialized);
   EXPECT_EQ(XMLSerializationSupport::initialize(), XN_MSG_OK);
   EXPECT_TRUE(initialize());
-  EXPECT_FALSE(xmlValidationDisabled());
+  EXPECT_FALSE(XmlStartUp::process().validationDisabled());
   EXPECT_EQ(XMLDecoder::initialize(), 0);
 }
 

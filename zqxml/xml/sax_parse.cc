@@ -1,6 +1,6 @@
 #include <zqxml/xml/internal/sax_parse.h>
+#include <zqxml/xml/internal/xml_start_up_once.h>
 #include <zqxml/xml/my_sax2_handler.h>
-#include <zqxml/xml/xml_start_up.h>
 
 #include <xercesc/sax2/XMLReaderFactory.hpp>
 #include <xercesc/util/XMLUni.hpp>
@@ -22,7 +22,7 @@ SaxParse::SaxParse(MySAX2Handler& handler, std::size_t inputBytes)
   reader_->setErrorHandler(&handler);
   reader_->setFeature(XMLUni::fgSAX2CoreValidation, false);
   reader_->setFeature(XMLUni::fgXercesLoadExternalDTD, false);
-  if (xmlValidationDisabled()) {
+  if (XmlStartUp::process().validationDisabled()) {
     for (const XMLCh* feature :
          {XMLUni::fgSAX2CoreNameSpaces, XMLUni::fgXercesSchema, XMLUni::fgXercesDynamic,
           XMLUni::fgSAX2CoreNameSpacePrefixes, XMLUni::fgXercesSchemaFullChecking})

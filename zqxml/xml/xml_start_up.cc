@@ -62,10 +62,6 @@ bool initialize() {
   return XmlStartUp::process().startLibrary("initialize");
 }
 
-bool xmlValidationDisabled() {
-  return XmlStartUp::process().validationDisabled();
-}
-
 eXNMsgRet XMLSerializer::initialize() {
   return XmlStartUp::process().startCodec();
 }

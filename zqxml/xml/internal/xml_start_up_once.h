@@ -25,6 +25,7 @@ class XmlStartUp {
   eXNMsgRet startCodec();
   /// The library alone, without a look at the setting. `function` names the line of a failure.
   bool startLibrary(const char* function);
+  /// Whether the setting "EventManager"/"nDisableXMLValidation" was other than 0 when the codec started.
   bool validationDisabled() const { return validationDisabled_.load(std::memory_order_relaxed); }
 
  private:
