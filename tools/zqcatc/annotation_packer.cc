@@ -1,5 +1,7 @@
 #include "annotation_packer.h"
 
+#include <zqxml/annotation/annotation_record.h>
+
 #include <algorithm>
 #include <array>
 #include <limits>
@@ -33,13 +35,11 @@ constexpr std::array<Mark, 8> kMarks{{
 /// Fields on which an annotation has an effect; those not listed take it anywhere.
 constexpr FieldTypeSet kDateTypes{FDT_INT,      FDT_UINT,      FDT_LONG,   FDT_ULONG,
                                   FDT_LONGLONG, FDT_ULONGLONG, FDT_TIME32, FDT_TIME64};
-constexpr FieldTypeSet kNeverCdataTypes{FDT_NONE,         FDT_ENUM_VALUE, FDT_BSTRING,    FDT_PSTRING,
-                                        FDT_LIST_BSTRING, FDT_OBJECT,     FDT_LIST_OBJECT};
 
 bool hasEffect(std::string_view annotation, FieldDataType type) {
   if (annotation == "Password") return type == FDT_PSTRING;
   if (annotation == "XDate" || annotation == "ZQTime") return kDateTypes.contains(type);
-  if (annotation == "MarkAsCDATA") return !kNeverCdataTypes.contains(type) && !kMapTypes.contains(type);
+  if (annotation == "MarkAsCDATA") return !kNeverCdataTypes.contains(type);
   return true;
 }
 

@@ -25,6 +25,12 @@
 
 namespace zqxml {
 
+/// Types of fields on which MarkAsCDATA has no effect.
+inline constexpr FieldTypeSet kNeverCdataTypes =
+    FieldTypeSet{FDT_NONE,         FDT_ENUM_VALUE, FDT_BSTRING,    FDT_PSTRING,
+                 FDT_LIST_BSTRING, FDT_OBJECT,     FDT_LIST_OBJECT} |
+    kMapTypes;
+
 /// View of one record; costs a pointer and a length, owns nothing.
 class AnnotationRecord {
  public:

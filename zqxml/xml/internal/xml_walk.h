@@ -81,16 +81,14 @@ class XmlWalk {
         sink_.scalar(element, name);
         continue;
       }
-      visitStorage(field.getType(), FieldWriter{*this, msg, field, record, name, element,
-                                                record.isCdata() && !kNeverCdata.contains(field.getType())});
+      visitStorage(field.getType(),
+                   FieldWriter{*this, msg, field, record, name, element,
+                               record.isCdata() && !kNeverCdataTypes.contains(field.getType())});
     }
   }
 
  private:
   static constexpr const char* kFunction = "XMLSerializer::serializeXMLRecur";
-  /// Types whose MarkAsCDATA annotation does not count (maps have no place where it would).
-  static constexpr FieldTypeSet kNeverCdata{FDT_NONE,         FDT_BSTRING, FDT_PSTRING,
-                                            FDT_LIST_BSTRING, FDT_OBJECT,  FDT_LIST_OBJECT};
 
   /// One field on its way to the sink: a handler of visitStorage.
   struct FieldWriter {
