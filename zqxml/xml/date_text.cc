@@ -1,6 +1,7 @@
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/platform/number_text.h>
 #include <zqxml/xml/date_text.h>
+#include <zqxml/xml/internal/date_forms.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -206,26 +207,37 @@ bool readZQTimeAnnotation(std::string text, void* out, bool /*validate*/, int* /
   }
 }
 
-bool formatDateAnnotation(int seconds, unsigned dateType, char* out) {
-  constexpr std::size_t kRoom = 512;
+bool formatDate(std::int64_t seconds, unsigned dateType, const DateForms& forms,
+                std::array<char, kDateRoom>& out) {
   const std::time_t time = seconds;
   std::tm local{};
-  if (out == nullptr || localtime_r(&time, &local) == nullptr) return false;
+  if (localtime_r(&time, &local) == nullptr) return false;
+  const auto print = [&out](const char* format, auto... values) {
+    std::snprintf(out.data(), out.size(), format, values...);
+  };
   if (local.tm_year < 91) {
     // So early a time is an interval that the field holds in place of a date.
     if (seconds >= kSecondsPerDay && seconds % kSecondsPerDay == 0) {
-      std::snprintf(out, kRoom, "%d dd", seconds / kSecondsPerDay);
+      print(forms.days, static_cast<int>(seconds / kSecondsPerDay));
     } else if (seconds >= kSecondsPerHour && seconds % kSecondsPerHour == 0) {
-      std::snprintf(out, kRoom, "%d hh", seconds / kSecondsPerHour);
+      print(forms.hours, static_cast<int>(seconds / kSecondsPerHour));
     } else {
-      std::snprintf(out, kRoom, "%d", seconds);
+      print(forms.seconds, static_cast<int>(seconds));
     }
   } else if (dateType == kDateTypeDate) {
-    std::snprintf(out, kRoom, "%04d-%02d-%02d", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
+    print("%04d-%02d-%02d", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
   } else {
-    std::snprintf(out, kRoom, "%04d-%02d-%02d %02d:%02d:%02d", local.tm_year + 1900, local.tm_mon + 1,
-                  local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
+    print("%04d-%02d-%02d %02d:%02d:%02d", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+          local.tm_hour, local.tm_min, local.tm_sec);
   }
+  return true;
+}
+
+bool formatDateAnnotation(int seconds, unsigned dateType, char* out) {
+  constexpr DateForms kForms{"%d dd", "%d hh", "%d"};
+  std::array<char, kDateRoom> form;
+  if (out == nullptr || !formatDate(seconds, dateType, kForms, form)) return false;
+  std::strcpy(out, form.data());
   return true;
 }
 
