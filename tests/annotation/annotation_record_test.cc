@@ -55,6 +55,11 @@ TEST(AnnotationRecord, FlagByteZeroHoldsPasswordTimeSuppressionAndDate) {
   EXPECT_EQ(recordOf(packRecord(packBytes({0xfe}))).dateType(), 2u);
 }
 
+TEST(AnnotationRecord, FlagByteOneHoldsWhatReportsHide) {
+  EXPECT_TRUE(recordOf(packRecord(packBytes({0, 0x40}))).isHiddenInReports());
+  EXPECT_FALSE(recordOf(packRecord(packBytes({0xff, 0xbf}))).isHiddenInReports());
+}
+
 TEST(AnnotationRecord, FlagByteTwoHoldsCdataSensitivityAndIndexedMetadata) {
   EXPECT_TRUE(recordOf(packRecord(packBytes({0, 0, 0x80}))).isCdata());
   EXPECT_FALSE(recordOf(packRecord(packBytes({0, 0, 0x7f}))).isCdata());

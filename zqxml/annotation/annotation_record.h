@@ -66,6 +66,10 @@ class AnnotationRecord {
   /// Annotation::DateType: 1 date and time, 2 date, 3 unused; 0 when the field is not a date.
   constexpr unsigned dateType() const { return flags(0) & 0x03; }
 
+  // Flag byte 1.
+
+  constexpr bool isHiddenInReports() const { return (flags(1) & 0x40) != 0; }
+
   // Flag byte 2.
 
   /// The value goes into a CDATA section.
