@@ -1,0 +1,78 @@
+// Short ways to render a message, and to the events of single fields.
+#pragma once
+
+#include <tests/support/open_message.h>
+#include <zqxml/render/default_render_context.h>
+#include <zqxml/render/html_gui_summary_render_context.h>
+#include <zqxml/render/html_render_context.h>
+#include <zqxml/render/zq_xml_summary.h>
+
+#include <sstream>
+#include <string>
+#include <string_view>
+
+namespace zqxml {
+
+/// A locale without texts: labels are names, and the words for true and false are English, in any
+/// environment.
+inline constexpr int kNoTexts = 0x7f;
+inline constexpr int kEnglish = 0x0409;
+inline constexpr int kGerman = 0x0407;
+
+inline ContextFormatOpts optionsFor(int localeId, bool order = false, bool collapsible = false) {
+  return {localeId, order, collapsible};
+}
+
+inline void render(XNMessageBase& message, ZqXMLRenderContext& context) {
+  ZqXMLFormatOptions options;
+  EXPECT_EQ(ZqXMLSummary::getZqSummaryInfo(&message, &context, options), XN_MSG_OK);
+}
+
+/// What an HTML context makes of the message.
+template <class Context>
+std::string rendered(XNMessageBase& message, ContextFormatOpts options = optionsFor(kNoTexts)) {
+  Context context(options);
+  render(message, context);
+  std::string text;
+  context.DumpToString(text);
+  return text;
+}
+inline std::string outlineOf(XNMessageBase& message, ContextFormatOpts options = optionsFor(kNoTexts)) {
+  return rendered<HTMLRenderContext>(message, options);
+}
+inline std::string paragraphOf(XNMessageBase& message, ContextFormatOpts options = optionsFor(kNoTexts)) {
+  return rendered<HTMLGuiSummaryRenderContext>(message, options);
+}
+
+/// The text that a DefaultRenderContext makes of the message, enumerations included.
+inline std::string plainText(XNMessageBase& message, ContextFormatOpts options = optionsFor(kNoTexts)) {
+  std::ostringstream stream;
+  DefaultRenderContext context(stream, options);
+  render(message, context);
+  std::string text;
+  context.DumpToString(text);
+  return text;
+}
+/// The summary into a stream.
+inline std::string streamText(XNMessageBase& message) {
+  std::ostringstream stream;
+  ZqXMLFormatOptions options;
+  EXPECT_EQ(ZqXMLSummary::getZqSummaryInfo(&message, stream, options), XN_MSG_OK);
+  return stream.str();
+}
+
+/// The event of one field, as a walk makes it.
+inline MsgFieldContext eventOf(XNMessageBase& message, std::string_view field) {
+  MsgFieldContext context(fieldOf(message, field), &message);
+  context.setValueState(hasBit(message, field));
+  return context;
+}
+
+/// The indentation of `levels` levels.
+inline std::string indentation(int levels) {
+  std::string text;
+  for (int i = 0; i < 8 * levels; ++i) text += "&nbsp;";
+  return text;
+}
+
+}  // namespace zqxml

@@ -1,0 +1,151 @@
+#include <zqxml/render/html_render_context.h>
+#include <zqxml/render/internal/rendered_field.h>
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+namespace zqxml {
+namespace {
+
+/// Objects of this subsystem are references: ZqEntities.
+constexpr int kEntitySubsystem = 18;
+
+/// Deeper levels are not indented further. Indentation can drift (see endSubHeader), and the output would
+/// otherwise grow with the square of the message.
+constexpr int kMostIndent = 100;
+
+/// What stands in place of a class's name in a title.
+std::string titleOf(const std::string& name, bool collapsible) {
+  if (name == "JobOption") return "Job Options";
+  if (name == "ClientsList" || (collapsible && name == "GetClientPropertiesResponse"))
+    return "Additional Properties";
+  if (collapsible && name == "ZQSearchReq") return "Search Options";
+  return name;
+}
+
+}  // namespace
+
+std::atomic<int> HTMLRenderContext::CountOptions{0};
+
+void HTMLRenderContext::DumpToString(std::string& text) const {
+  text.clear();
+  text.reserve(std::accumulate(lines.begin(), lines.end(), std::size_t{0},
+                               [](std::size_t sum, const std::string& line) { return sum + line.size(); }));
+  for (const std::string& line : lines) text += line;
+}
+
+void HTMLRenderContext::appendIndent(std::string& line, int units) {
+  for (int i = std::min(units, kMostIndent); i > 0; --i) line += indentUnit;
+}
+
+void HTMLRenderContext::addToOutPut(const std::string& name, const std::string& value) {
+  if (value.empty()) return;
+  std::string line;
+  if (inlineEntity) {
+    line = "&nbsp;&nbsp;";
+  } else {
+    line = "<br>";
+    appendIndent(line, indent);
+  }
+  appendItem(line, name, value);
+  if (!fieldCounts.empty()) ++fieldCounts.back();
+  lines.push_back(std::move(line));
+}
+
+void HTMLRenderContext::startHeader(std::string name) {
+  const std::string title = titleOf(name, formatOptions.collapsible);
+  if (!formatOptions.collapsible) {
+    lines.push_back(title + ":");
+    return;
+  }
+  const std::string id = name + std::to_string(CountOptions.fetch_add(1, std::memory_order_relaxed));
+  // QUIRK: the tooltip says "Click to view" and not what.
+  lines.push_back("<a title=\"Click to view  \" style=\"color: blue; cursor:hand;\" onclick=\"showdiv('" +
+                  id + "');\">" + title + "::</a><div id=\"" + id + "\" style=\"display:none\">");
+}
+void HTMLRenderContext::writeHeader(std::string) {}
+void HTMLRenderContext::endHeader(std::string) {
+  // QUIRK: also when nothing has opened a block.
+  lines.emplace_back("</div>");
+}
+
+void HTMLRenderContext::startSubHeader(MsgFieldContext& context) {
+  subHeaderOpen = false;
+  const RenderedField field(context);
+  std::string label = field.label(formatOptions.localeId);
+  const XNMessageBase* object = field.firstObject();
+  inlineEntity = object != nullptr && object->getSubsysID() == kEntitySubsystem;
+
+  std::string line;
+  if (headers.size() > 1) {
+    const std::string& top = headers.back();
+    const std::string& previous = headers[headers.size() - 2];
+    if (!top.empty() && !previous.empty() && !label.empty()) {
+      if (previous == label) return;  // the next element of a list whose label stands already
+      if (top == label) {
+        line = "<br>";
+        appendIndent(line, indent + 1);
+        // QUIRK: the line is written, and begins the next one as well.
+        lines.push_back(line);
+      }
+    }
+  }
+  line += "<br>";
+  appendIndent(line, indent);
+  line += "<B>";
+  line += label;
+  line += "</B>";
+  if (!label.empty()) headers.push_back(std::move(label));
+  firstAttribute = true;
+
+  if (!fieldCounts.empty()) ++fieldCounts.back();
+  fieldCounts.push_back(-1);
+  ++indent;
+  subHeaderOpen = true;
+  if (inlineEntity && field.isList()) {
+    line += "<br>";
+    appendIndent(line, indent);
+  }
+  lines.push_back(std::move(line));
+}
+void HTMLRenderContext::writeSubHeader(std::string) {}
+
+void HTMLRenderContext::endSubHeader(MsgFieldContext&) {
+  // QUIRK: this tells whether the last sub-object that began opened a level, which need not be the one that
+  // ends: below elements that share a label the indentation drifts.
+  if (subHeaderOpen) --indent;
+  if (fieldCounts.empty()) return;
+  if (fieldCounts.back() != -1) {
+    // QUIRK: the label stays, so that the next element of the list knows it.
+    if (fieldCounts.size() > 1) fieldCounts.pop_back();
+    inlineEntity = false;
+    return;
+  }
+  fieldCounts.pop_back();
+  if (!fieldCounts.empty()) --fieldCounts.back();
+  if (!headers.empty()) headers.pop_back();
+}
+
+void HTMLRenderContext::writeAttribute(MsgFieldContext& context) {
+  const RenderedField field(context);
+  if (!field.isSet() || field.isWithheld()) return;
+  std::string date;
+  if (field.readDate(date)) return addToOutPut(field.label(formatOptions.localeId), date);
+  if (!field.isSingleValue() || !context.isValueSet()) return;
+  field.visitValue([&](const auto& value) { writeAttribute(field.label(formatOptions.localeId), value); });
+}
+
+void HTMLRenderContext::writeList(MsgFieldContext& context) {
+  const RenderedField field(context);
+  const ListText list = field.listText('(', ')');
+  if (list.hasElements) addToOutPut(field.label(formatOptions.localeId), list.text);
+}
+
+void HTMLRenderContext::writeEnum(MsgFieldContext& context) {
+  const RenderedField field(context);
+  if (!context.isValueSet() || !field.isSet()) return;
+  addToOutPut(field.label(formatOptions.localeId), field.enumeratorText());
+}
+
+}  // namespace zqxml
