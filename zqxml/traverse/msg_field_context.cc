@@ -117,7 +117,7 @@ struct Replacer<XNMessageBase> {
 
 const FieldDef* MsgFieldContext::ownField(const char* function) const {
   if (msgObj_ == nullptr || MessageAccess::classDef(*msgObj_) == nullptr) return nullptr;
-  if (field_.getType() >= kFieldTypeCount) return nullptr;
+  if (field_.getType() == FDT_NONE || field_.getType() >= kFieldTypeCount) return nullptr;
   return resolveField(*msgObj_, function, {field_.getType()},
                       {field_.getMemNum(), field_.getIndex(), msgObj_->getTagID(), field_.getFieldHashId()});
 }

@@ -46,7 +46,7 @@ class ObjectWalk {
   /// Walks the object; true when a value in it or below it was replaced.
   bool run(XNMessageBase& msg, const _ClassDef& record, const FieldDefTraverseInfo* parent) {
     Place root{&msg, &record, parent};
-    return walkFields(root);
+    return walkStacked(root);
   }
 
  private:
@@ -104,11 +104,16 @@ class ObjectWalk {
     return found;
   }
 
+  /// A trailing self record is no field, though it may have a hash.
+  static bool isField(const FieldDef& field) {
+    return field.getFieldHashId() != 0 && field.getType() != FDT_NONE;
+  }
+
   bool walkFields(Place& place) {
     bool replaced = false;
     for (int pass = 0; pass < Mode::kPasses; ++pass) {
       for (const FieldDef& field : *place.record) {
-        if (field.getFieldHashId() == 0 || !Mode::takes(pass, field.getType())) continue;
+        if (!isField(field) || !Mode::takes(pass, field.getType())) continue;
         MsgFieldContext context(FieldDefTraverseInfo(field, place.parent), place.msg);
         context.setValueState(MessageAccess::isSet(*place.msg, field.getMemNum()));
         handler_.visit(context);
