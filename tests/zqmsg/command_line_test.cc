@@ -77,7 +77,7 @@ TEST_F(CommandLine, TooManyArgumentsAreWrongUsage) {
 }
 
 TEST_F(CommandLine, FormThatThereIsNotIsRefusedWithThoseThatThereAre) {
-  for (const char* form : {"text", "html", "page", "json", ""}) {
+  for (const char* form : {"text", "html", "json", ""}) {
     const ProgramRun run = zqmsg({"convert", "--to", form}, kSaveAlertXml);
     EXPECT_THAT(run, Exits(2));
     EXPECT_THAT(run.err, HasSubstr("xml,xml16,binary,objects"));

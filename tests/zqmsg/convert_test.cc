@@ -177,5 +177,29 @@ TEST_F(Convert, MessageOfAnotherSubsystemsNameIsRead) {
   EXPECT_THAT(to("xml", to("binary", xml)), HasSubstr("<SystemMonitoring_GenericEvent"));
 }
 
+TEST_F(Convert, PageMasksSecretsUnlessToldOtherwise) {
+  const std::string masked = to("page", kSaveAlertXml);
+  EXPECT_THAT(masked, StartsWith("<!DOCTYPE html>"));
+  EXPECT_THAT(masked, HasSubstr("operator"));
+  EXPECT_THAT(masked, Not(HasSubstr("hush")));
+  EXPECT_THAT(to("page", kSaveAlertXml, {"--show-secrets"}), HasSubstr("hush"));
+}
+
+TEST_F(Convert, SwitchesWithoutEffectOnAPageAreRefused) {
+  for (const char* option : {"--elements", "--readable", "--mask-passwords", "--version=2"}) {
+    const ProgramRun run = zqmsg({"convert", "--to", "page", option}, kSaveAlertXml);
+    EXPECT_THAT(run, Exits(2)) << option;
+    EXPECT_THAT(run.out, IsEmpty());
+  }
+  const ProgramRun run = zqmsg({"convert", "--to", "xml", "--show-secrets"}, kSaveAlertXml);
+  EXPECT_THAT(run, Exits(2));
+  EXPECT_THAT(run.err, HasSubstr("--show-secrets is for the form page"));
+}
+
+TEST_F(Convert, PageCannotBeRead) {
+  const ProgramRun run = zqmsg({"convert", "--from", "page", "--to", "xml"}, kSaveAlertXml);
+  EXPECT_THAT(run, Exits(2));
+}
+
 }  // namespace
 }  // namespace zqxml

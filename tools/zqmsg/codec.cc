@@ -9,6 +9,7 @@
 
 #include "tools/zqmsg/failure.h"
 #include "tools/zqmsg/library_log.h"
+#include "tools/zqmsg/page/message_page.h"
 
 namespace zqxml::tool {
 namespace {
@@ -103,6 +104,17 @@ std::string encodeBinary(XNMessageBase& message, const WriteOptions& options) {
   return size == 0 ? std::string() : std::string(buffer.getBuffer(), size);
 }
 
+std::string encodePage(XNMessageBase& message, const WriteOptions& options) {
+  const auto sizeOf = [](const std::string& bytes) {
+    return bytes.empty() ? std::nullopt : std::optional<std::uint64_t>(bytes.size());
+  };
+  eXNMsgRet ignored = XN_MSG_OK;
+  PageFacts facts;
+  facts.xmlBytes = sizeOf(encodeXml(message, WriteOptions(), ignored));
+  facts.binaryBytes = sizeOf(encodeBinary(message, WriteOptions()));
+  return messagePage(message, facts, options.showSecrets);
+}
+
 }  // namespace
 
 MessagePtr decode(Form form, const std::string& bytes, const std::string& where, LibraryLog& log) {
@@ -118,10 +130,12 @@ std::string encode(XNMessageBase& message, const WriteOptions& options, const st
                    LibraryLog& log) {
   const bool isXml = options.form == Form::kXml || options.form == Form::kXml16;
   eXNMsgRet result = XN_MSG_OK;
-  std::string bytes = isXml ? encodeXml(message, options, result) : encodeBinary(message, options);
+  std::string bytes = isXml                         ? encodeXml(message, options, result)
+                      : options.form == Form::kPage ? encodePage(message, options)
+                                                    : encodeBinary(message, options);
   requirePasswords(where, log);
   // A field that would make the rest of a binary message unreadable.
-  const bool unreadable = !isXml && log.told().keyWithoutValue;
+  const bool unreadable = options.form != Form::kPage && !isXml && log.told().keyWithoutValue;
   if (result != XN_MSG_OK || bytes.empty() || unreadable) {
     throw Failure(result == XN_MSG_OK ? kFailed : static_cast<ExitStatus>(result), where,
                   "cannot be written in the form " + std::string(formName(options.form)))

@@ -28,6 +28,7 @@ struct WriteOptions {
   bool rootOnly = false;
   bool maskPasswords = false;
   bool maskSensitive = false;
+  bool showSecrets = false;    ///< of `page`
   std::optional<int> version;  ///< of `binary` and of `xml` with its declaration; 2 when not given
 };
 

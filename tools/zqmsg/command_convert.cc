@@ -11,16 +11,18 @@ namespace {
 constexpr const char* kExamples = R"(Forms:
   xml      XML text in UTF-8          binary   the compact binary form
   xml16    XML text in UTF-16         objects  a file of any number of messages
+  page     a page of HTML to look at it in a browser (only --to)
 
 Examples:
   zqmsg convert alert.xml --to binary -o alert.bin
   zqmsg convert alert.bin --to xml --readable
   zqmsg convert *.xml --to objects -o all.objects   many messages into one file
   zqmsg convert all.objects --to xml -o folder/     and each into a file of its own
+  zqmsg convert alert.xml --to page -o alert.html
   zqmsg convert - --from binary --to xml < alert.bin)";
 
-std::vector<std::string> formNames() {
-  return {kFormNames.begin(), kFormNames.end()};
+std::vector<std::string> formNames(std::size_t count) {
+  return {kFormNames.begin(), kFormNames.begin() + count};
 }
 
 struct Arguments {
@@ -42,7 +44,9 @@ void refuseWhatHasNoEffect(const CLI::App& command, const ConvertOptions& option
     if (!isXml && command.count(name) != 0)
       misuse(std::string(name) + " is for the forms xml and xml16, not for " + std::string(formName(form)));
   }
+  if (options.write.showSecrets && form != Form::kPage) misuse("--show-secrets is for the form page");
   if (!options.write.version) return;
+  if (form == Form::kPage) misuse("--version is for the forms xml and binary");
   if (form == Form::kXml16 || form == Form::kObjects)
     misuse("--version is for the forms xml and binary; " + std::string(formName(form)) +
            " is always version 2");
@@ -67,9 +71,11 @@ void addConvert(CLI::App& app, Session& session) {
   const auto arguments = std::make_shared<Arguments>();
   ConvertOptions& options = arguments->options;
   command.add_option("FILE", options.files, "Inputs; - or none is standard input");
-  command.add_option("--to", arguments->to, "Form to write")->required()->check(CLI::IsMember(formNames()));
+  command.add_option("--to", arguments->to, "Form to write")
+      ->required()
+      ->check(CLI::IsMember(formNames(kFormNames.size())));
   command.add_option("--from", arguments->from, "Form of the inputs; found out when not given")
-      ->check(CLI::IsMember(formNames()));
+      ->check(CLI::IsMember(formNames(kReadableForms)));
   command.add_option("-o,--output", options.output, "File, or folder for many; - or none is standard output");
   command.add_flag("--elements", options.write.elements, "XML: values as elements, not as attributes");
   command.add_flag("--readable", options.write.readable, "XML: indented, names, dates and times as text");
@@ -78,6 +84,8 @@ void addConvert(CLI::App& app, Session& session) {
   command.add_flag("--mask-passwords", options.write.maskPasswords, "XML: ******* for every password");
   command.add_flag("--mask-sensitive", options.write.maskSensitive,
                    "XML: ######## for every sensitive value");
+  command.add_flag("--show-secrets", options.write.showSecrets,
+                   "page: passwords, sensitive values and byte strings as they are");
   command.add_option("--version", arguments->version, "Version of the form; 2 when not given");
   command.callback([&command, arguments, &session] { convert(command, *arguments, session); });
 }

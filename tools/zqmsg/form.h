@@ -14,9 +14,12 @@ enum class Form {
   kXml16,    ///< one message as XML text in UTF-16
   kBinary,   ///< one message in the binary form
   kObjects,  ///< any number of messages: binary forms, each behind its length in 4 bytes, big-endian
+  kPage,     ///< one message as a page of HTML; only written
 };
 
-inline constexpr std::array<std::string_view, 4> kFormNames{"xml", "xml16", "binary", "objects"};
+inline constexpr std::array<std::string_view, 5> kFormNames{"xml", "xml16", "binary", "objects", "page"};
+/// The first forms can be read too; the others are for people.
+inline constexpr std::size_t kReadableForms = 4;
 
 constexpr std::string_view formName(Form form) {
   return kFormNames[static_cast<std::size_t>(form)];

@@ -94,7 +94,7 @@ class FieldComparison {
   void operator()(Scalar<E>) {
     if constexpr (element::Integer<E>) {
       both<std::int64_t>([this](std::int64_t a, std::int64_t b) {
-        if (a != b) diff_.report(path_, integerText<E>(a), integerText<E>(b));
+        if (a != b) diff_.report(path_, integerText(a), integerText(b));
       });
     } else {
       values<typename E::Value>();
@@ -190,18 +190,10 @@ class FieldComparison {
     return path_ + '[' + valueText(key) + ']';
   }
 
-  template <class E>
   std::string integerText(std::int64_t value) const {
-    if constexpr (std::is_same_v<E, element::Bool>) {
-      if (value == 0 || value == 1) return value == 0 ? "false" : "true";
-    } else if constexpr (std::is_same_v<E, element::Enum>) {
-      const _ClassDef* enumeration = catalogue::classOfField(field_);
-      const char* name = enumeration == nullptr
-                             ? nullptr
-                             : catalogue::enumeratorName(*enumeration, static_cast<std::int32_t>(value));
-      if (name != nullptr) return std::to_string(value) + " (" + name + ")";
-    }
-    return std::to_string(value);
+    const char* name = nameOfValue(field_, value);
+    if (name == nullptr) return std::to_string(value);
+    return kEnumTypes.contains(field_.getType()) ? std::to_string(value) + " (" + name + ")" : name;
   }
 
   template <class T>

@@ -1,5 +1,7 @@
 #include "tools/zqmsg/value_text.h"
 
+#include <zqxml/catalogue/lookup.h>
+
 #include <array>
 #include <charconv>
 #include <cstdint>
@@ -107,6 +109,15 @@ std::string numberText(double value) {
 
 std::string numberText(float value) {
   return shortest(value);
+}
+
+const char* nameOfValue(const FieldDef& field, std::int64_t value) {
+  constexpr FieldTypeSet kBooleans{FDT_BOOL, FDT_LIST_BOOL};
+  if (kBooleans.contains(field.getType())) return value == 0 ? "false" : value == 1 ? "true" : nullptr;
+  if (!kEnumTypes.contains(field.getType())) return nullptr;
+  const _ClassDef* enumeration = catalogue::classOfField(field);
+  if (enumeration == nullptr) return nullptr;
+  return catalogue::enumeratorName(*enumeration, static_cast<std::int32_t>(value));
 }
 
 }  // namespace zqxml::tool

@@ -1,6 +1,9 @@
 // Values as text for people: quoted, escaped, and no longer than a line.
 #pragma once
 
+#include <zqxml/catalogue/records.h>
+
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -17,5 +20,9 @@ std::string quotedText(std::string_view text, std::size_t position = 0);
 /// The shortest text that reads back as the same number.
 std::string numberText(double value);
 std::string numberText(float value);
+
+/// What the schema calls a number of this field or of one of its elements: the name of the enumerator, or
+/// "true" and "false" of a boolean. Null when it has no such name.
+const char* nameOfValue(const FieldDef& field, std::int64_t value);
 
 }  // namespace zqxml::tool
