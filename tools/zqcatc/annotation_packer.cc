@@ -1,6 +1,7 @@
 #include "annotation_packer.h"
 
 #include <zqxml/annotation/annotation_record.h>
+#include <zqxml/annotation/internal/annotation_sections.h>
 
 #include <algorithm>
 #include <array>
@@ -43,33 +44,13 @@ bool hasEffect(std::string_view annotation, FieldDataType type) {
   return true;
 }
 
-/// A presence bit and its value, each in a byte of the SearchCriteriaDef section.
-struct SearchFlag {
-  std::string_view name;
-  std::size_t presenceByte;
-  unsigned char presenceBit;
-  std::size_t valueByte;  ///< of the three value bytes
-  unsigned char valueBit;
-};
-
-constexpr std::array<SearchFlag, 13> kSearchFlags{{
-    {"Or", 0, 0x10, 0, 0x04},
-    {"And", 0, 0x08, 0, 0x02},
-    {"Nor", 0, 0x04, 0, 0x01},
-    {"Between", 0, 0x02, 1, 0x04},
-    {"In", 0, 0x01, 1, 0x02},
-    {"Nin", 1, 0x80, 1, 0x01},
-    {"Lt", 1, 0x40, 2, 0x80},
-    {"Gt", 1, 0x20, 2, 0x40},
-    {"Equals1", 1, 0x10, 2, 0x20},
-    {"Lte", 1, 0x08, 2, 0x10},
-    {"Gte", 1, 0x04, 2, 0x08},
-    {"metadata", 1, 0x02, 2, 0x04},
-    {"DefaultVisibility", 1, 0x01, 2, 0x02},
-}};
-
 void setBits(std::string& bytes, std::size_t at, unsigned bits) {
   bytes[at] = static_cast<char>(static_cast<unsigned char>(bytes[at]) | bits);
+}
+
+/// Sets a bit of the three bytes at the start, by its number from the low end of the third one.
+void setBitOfThree(std::string& bytes, unsigned number) {
+  setBits(bytes, 2 - number / 8, 1u << number % 8);
 }
 
 void appendNumber(std::string& bytes, std::uint32_t value, int width) {
@@ -174,10 +155,10 @@ void RecordWriter::addSearchCriteria(const Element& element) {
   std::string head(4, '\0');
   std::string text;
   std::string values(3, '\0');
-  for (const SearchFlag& flag : kSearchFlags) {
-    if (element.find(flag.name) == nullptr) continue;
-    setBits(head, flag.presenceByte, flag.presenceBit);
-    if (flagAttribute(element, flag.name)) setBits(values, flag.valueByte, flag.valueBit);
+  for (const SearchCriterion& criterion : kSearchCriteria) {
+    if (element.find(criterion.field) == nullptr) continue;
+    setBitOfThree(head, criterion.presence);
+    if (flagAttribute(element, criterion.field)) setBitOfThree(values, criterion.value);
   }
   const auto field = [&](std::string_view name, std::size_t byte, unsigned bit, std::string& target,
                          std::size_t at, unsigned shift, std::uint32_t high) {

@@ -14,29 +14,6 @@ std::uint32_t word24(AnnotationCursor& cursor) {
   return first << 16 | second << 8 | cursor.byte();
 }
 
-/// A boolean of SearchCriteriaDef: its bit in the three presence bytes and in the three last value bytes.
-struct Criterion {
-  std::string_view field;
-  unsigned presence;
-  unsigned value;
-};
-
-constexpr Criterion kCriteria[] = {
-    {"Or", 20, 18},
-    {"And", 19, 17},
-    {"Nor", 18, 16},
-    {"Between", 17, 10},
-    {"In", 16, 9},
-    {"Nin", 15, 8},
-    {"Lt", 14, 7},
-    {"Gt", 13, 6},
-    {"Equals1", 12, 5},
-    {"Lte", 11, 4},
-    {"Gte", 10, 3},
-    {"metadata", 9, 2},
-    {"DefaultVisibility", 8, 1},
-};
-
 }  // namespace
 
 AnnotationValues getTextAnnotation(AnnotationCursor& cursor) {
@@ -68,7 +45,7 @@ AnnotationValues getSearchCriteriaDefAnnotation(AnnotationCursor& cursor) {
   const std::uint32_t rest = word24(cursor);
 
   if (bit(presence, 21)) values.add("type", types >> 4);
-  for (const Criterion& criterion : kCriteria)
+  for (const SearchCriterion& criterion : kSearchCriteria)
     if (bit(presence, criterion.presence))
       values.add(criterion.field, std::uint32_t{bit(rest, criterion.value)});
   if (bit(presence, 7)) values.add("searchGroupType", types & 0xf);

@@ -47,6 +47,30 @@ AnnotationValues getTextAnnotation(AnnotationCursor& cursor);
 /// behind it.
 AnnotationValues getCommandParamAnnotation(AnnotationCursor& cursor);
 
+/// A boolean of SearchCriteriaDef: the numbers of its bits in the three presence bytes and in the three last
+/// value bytes, counted from the low end of the third byte.
+struct SearchCriterion {
+  std::string_view field;
+  unsigned presence;
+  unsigned value;
+};
+
+inline constexpr SearchCriterion kSearchCriteria[] = {
+    {"Or", 20, 18},
+    {"And", 19, 17},
+    {"Nor", 18, 16},
+    {"Between", 17, 10},
+    {"In", 16, 9},
+    {"Nin", 15, 8},
+    {"Lt", 14, 7},
+    {"Gt", 13, 6},
+    {"Equals1", 12, 5},
+    {"Lte", 11, 4},
+    {"Gte", 10, 3},
+    {"metadata", 9, 2},
+    {"DefaultVisibility", 8, 1},
+};
+
 /// Three bytes of presence flags, one byte of values, the string `text`, three bytes of values; the value
 /// bytes are there whether anything is present or not.
 AnnotationValues getSearchCriteriaDefAnnotation(AnnotationCursor& cursor);
