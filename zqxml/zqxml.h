@@ -37,8 +37,8 @@
 #include <zqxml/platform/export.h>
 #include <zqxml/platform/file.h>
 #include <zqxml/platform/format.h>
-#include <zqxml/platform/number_text.h>
 #include <zqxml/platform/loc_text.h>
+#include <zqxml/platform/number_text.h>
 #include <zqxml/platform/platform_info.h>
 #include <zqxml/platform/secure_string.h>
 #include <zqxml/platform/text.h>

@@ -22,7 +22,8 @@ constexpr EncodingFlags flagsOf(bool useElements, bool readable) {
   return flags;
 }
 
-/// Writes the message with the flags as UTF-8 and as UTF-16, reads both into new ones, expects the same values.
+/// Writes the message with the flags as UTF-8 and as UTF-16, reads both into new ones, expects the same
+/// values.
 void expectXmlBringsBack(OpenMessage& message, EncodingFlags flags) {
   XMLSerializer serializer(flags, nullptr);
   std::string xml;

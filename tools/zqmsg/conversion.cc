@@ -15,7 +15,8 @@
 namespace zqxml::tool {
 namespace {
 
-constexpr std::array<const char*, kFormNames.size()> kExtensions{".xml", ".utf16.xml", ".bin", ".objects", ".html"};
+constexpr std::array<const char*, kFormNames.size()> kExtensions{".xml", ".utf16.xml", ".bin", ".objects",
+                                                                 ".html"};
 
 bool isFolder(const std::string& path) {
   std::error_code ignored;
