@@ -2,6 +2,7 @@
 #include <tests/support/every_type.h>
 #include <tests/support/open_message.h>
 #include <tests/support/time_zone.h>
+#include <zqxml/xml/xml_serializer.h>
 
 #include <cstdlib>
 #include <fstream>
@@ -108,6 +109,19 @@ TEST(PageRows, FieldsHiddenFromSummariesAreLeftOut) {
   setText(message, "suppressed", "not for reports");
   setInteger(message, "annotated", 5);
   EXPECT_EQ(rowsOf(message, true), "");
+}
+
+TEST(PageRows, AMessageAsDeepAsCanBeReadHasAllItsLevels) {
+  constexpr int kLevels = 999;
+  std::string xml = "<XmlRead_Node>";
+  for (int level = 0; level < kLevels; ++level) xml += "<items>";
+  for (int level = 0; level < kLevels; ++level) xml += "</items>";
+  const std::unique_ptr<XNMessageBase> message(XMLSerializer().unserialize(xml + "</XmlRead_Node>", false));
+  ASSERT_NE(message, nullptr);
+  const std::string rows = rowsOf(*message);
+  std::size_t sections = 0;
+  for (std::size_t at = 0; (at = rows.find("<section", at)) != std::string::npos; ++at) ++sections;
+  EXPECT_EQ(sections, 2 * kLevels);
 }
 
 TEST(Page, StandsAloneAndCountsItsFields) {
