@@ -89,7 +89,9 @@ class FieldRow {
       objects(*values);
     } else {
       std::string html = values->empty() ? "<small>no elements</small>" : std::string();
-      for (const auto& value : *values) html += "<span class=\"i\">" + elementHtml<E>(value) + "</span>";
+      for (const auto& value : *values)
+        html +=
+            (html.empty() ? "<span class=\"i\">" : " <span class=\"i\">") + elementHtml<E>(value) + "</span>";
       page_.row(name_, html);
     }
   }
