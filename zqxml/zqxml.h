@@ -21,6 +21,7 @@
 #include <zqxml/catalogue/old_way.h>
 #include <zqxml/catalogue/records.h>
 #include <zqxml/catalogue/result.h>
+#include <zqxml/logging/dummy_objects.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/bstring.h>
 #include <zqxml/message/cdata.h>
