@@ -5,9 +5,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <tests/binary/binary_forms.h>
+#include <tests/render/rendering.h>
 #include <tests/support/every_type.h>
 #include <tests/support/log_capture.h>
 #include <tests/support/open_message.h>
+#include <tests/support/time_zone.h>
 #include <zqxml/binary/binary_buffer.h>
 #include <zqxml/binary/binary_serializer.h>
 #include <zqxml/xml/xml_serializer.h>
@@ -133,6 +135,34 @@ TEST_F(GoldenForms, BinaryOfVersionTwoIsAsRecorded) {
   clearBinaryLosses(message_);
   expectGolden("every_type.v2.bin", binary(2), hexOf);
   expectBinaryReadsBack("every_type.v2.bin");
+}
+
+// --- For people. The texts of a locale without any, in the time zone of the recording.
+
+/// Text and mark-up in lines, one item each.
+std::string inItems(std::string text) {
+  for (const char* start : {",", "<br>", "<BR>", "</div>"})
+    for (std::size_t at = 0; (at = text.find(start, at)) != std::string::npos; at += 2) text.insert(at, "\n");
+  return text;
+}
+
+void expectGoldenRenderings(const std::string& name, XNMessageBase& message) {
+  const ScopedTimeZone zone("UTC0");
+  expectGolden(name + ".txt", plainText(message), inItems);
+  expectGolden(name + ".stream.txt", streamText(message), inItems);
+  expectGolden(name + ".html", outlineOf(message), inItems);
+  expectGolden(name + ".gui.html", paragraphOf(message), inItems);
+}
+
+TEST_F(GoldenForms, RenderingsAreAsRecorded) {
+  expectGoldenRenderings("every_type", message_);
+}
+
+TEST(GoldenBulk, RenderingsOfNestedObjectsAreAsRecorded) {
+  const std::unique_ptr<XNMessageBase> jobs(
+      XMLSerializer().unserialize(contentOf(pathOf("jobs.xml")), false));
+  ASSERT_NE(jobs, nullptr);
+  expectGoldenRenderings("jobs", *jobs);
 }
 
 }  // namespace

@@ -455,7 +455,7 @@ TEST(HTMLRenderContext, EndsWithoutAStartAreHarmless) {
   EXPECT_EQ(text, label("client") + item("name", "x"));
 }
 
-TEST(HTMLRenderContext, IndentationEndsAtAHundredLevels) {
+TEST(HTMLRenderContext, IndentationEndsAtTwentyFourLevels) {
   Render::Values message;
   HTMLRenderContext context(optionsFor(kNoTexts));
   for (int i = 0; i < 150; ++i) {
@@ -465,8 +465,8 @@ TEST(HTMLRenderContext, IndentationEndsAtAHundredLevels) {
   context.addToOutPut("name", "x");
   std::string text;
   context.DumpToString(text);
-  EXPECT_TRUE(text.ends_with(item("name", "x", 100)));
-  EXPECT_EQ(text.find(indentation(101)), std::string::npos);
+  EXPECT_TRUE(text.ends_with(item("name", "x", 24)));
+  EXPECT_EQ(text.find(indentation(25)), std::string::npos);
 }
 
 }  // namespace

@@ -18,8 +18,9 @@ namespace zqxml {
 /// catalogue annotates as Suppress, HideInReports or Password are left out of single values; ulonglong,
 /// passwords and maps have no form here. Dates are plain numbers. Texts stand as they are.
 ///
-/// QUIRK: a comma is written for what then writes nothing: an empty list, an empty wide text, and a list of
-/// enumerations that comes as an enumeration.
+/// QUIRK: a comma is written for what then writes nothing: an empty list, an empty wide text, a list of
+/// enumerations that comes as an enumeration, and in a summary every ulonglong, which counts as an empty
+/// list.
 class ZQXML_EXPORT DefaultRenderContext : public ZqXMLRenderContext {
  public:
   /// `output` is borrowed. Values go through its insertion operator, so its locale and its settings for

@@ -11,9 +11,9 @@ namespace {
 /// Objects of this subsystem are references: ZqEntities.
 constexpr int kEntitySubsystem = 18;
 
-/// Deeper levels are not indented further. Indentation can drift (see endSubHeader), and the output would
-/// otherwise grow with the square of the message.
-constexpr int kMostIndent = 100;
+/// Deeper levels are not indented further: in a long list the indentation drifts from element to element (see
+/// endSubHeader), and the output would otherwise grow with the square of the message.
+constexpr int kMostIndent = 24;
 
 /// What stands in place of a class's name in a title.
 std::string titleOf(const std::string& name, bool collapsible) {

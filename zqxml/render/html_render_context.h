@@ -21,7 +21,7 @@ namespace zqxml {
 /// Left out are fields that the catalogue annotates as Suppress, HideInReports or Password, ulonglong,
 /// passwords, maps, and empty values. An integer that is annotated as a date is written as date, or as an
 /// interval ("2 day(s)") when it lies before 1991; 0 is no date. Objects of subsystem ZqEntities are small
-/// references; they stand on the line of their label.
+/// references; they stand on the line of their label. Indentation ends at 24 levels.
 ///
 /// Copies continue where the original stands. Two contexts in two threads do not disturb each other.
 class ZQXML_EXPORT HTMLRenderContext : public HTMLValueContext {
