@@ -7,6 +7,7 @@
 #include <tests/support/open_message.h>
 #include <zqxml/platform/exception.h>
 
+#include <algorithm>
 #include <limits>
 #include <type_traits>
 #include <utility>
@@ -170,7 +171,12 @@ TEST(MessageCopy, HasItsTexts) {
   original.setSerializedXMLString("<xml/>", true);
   original.setLastErrorEnglishA("%s %d", "error", 5);
   original.setCDATABuffer("body");
-  const OpenMessage copy(original);
+  original.setSerialized(false);
+  const std::u16string wide = original.getSerializedXMLStringUTF16();
+  original.setSerialized(true);
+  OpenMessage copy(original);
+  EXPECT_EQ(std::u16string(copy.getSerializedXMLStringUTF16()), wide);
+  EXPECT_FALSE(wide.empty());
   EXPECT_STREQ(copy.getSerializedXMLString(), "<xml/>");
   EXPECT_TRUE(copy.isSerialized());
   EXPECT_EQ(copy.getLastErrorEnglishStrW(), u"error 5");
@@ -369,6 +375,70 @@ TEST(MessageMove, AssignmentTakesTheFieldsAndKeepsTheRules) {
   EXPECT_THROW(static_cast<XNMessageBase&>(target) = newMessage("Demo_Nest"), ZqException);
   target = everyType();
   checkEveryType(target);
+}
+
+TEST(MessageMove, AssignmentKeepsTheTextsThatTheSourceHasNot) {
+  OpenMessage target = newMessage("Demo_EveryChild");
+  target.setSerializedXMLString("<stale/>", true);
+  target.setLastErrorEnglishA("stale");
+  target.setCDATABuffer("body");
+  target = newMessage("Demo_EveryChild");
+  EXPECT_STREQ(target.getSerializedXMLString(), "<stale/>");
+  EXPECT_TRUE(target.isSerialized());
+  EXPECT_EQ(target.getLastErrorEnglishStrW(), u"stale");
+  EXPECT_FALSE(target.isCDATABufferSet());
+}
+
+TEST(MessageMove, AssignmentTakesNoFieldWithoutAHash) {
+  OpenMessage source = newMessage("Demo_Hashless");
+  setInteger(source, "first", 1);
+  setInteger(source, "hiddenNumber", 2);
+  OpenMessage target = newMessage("Demo_Hashless");
+  target = std::move(source);
+  EXPECT_EQ(slotOf(target, "first"), 1);
+  EXPECT_EQ(slotOf(target, "hiddenNumber"), 0);
+  EXPECT_FALSE(hasBit(target, "hiddenNumber"));
+}
+
+TEST(MessageMove, LeavesAMessageThatAnyOtherCanBeAssignedTo) {
+  OpenMessage source = everyType();
+  const OpenMessage taken(std::move(source));
+  source = newMessage("Demo_Nest");
+  EXPECT_EQ(source.getTagName(), "Demo_Nest");
+  const OpenMessage again(std::move(source));
+  source = taken;
+  checkEveryType(source);
+  LogCapture capture;
+  EXPECT_THROW(source = again, ZqException);
+  OpenMessage a = newMessage("Demo_Nest");
+  OpenMessage b(std::move(a));
+  std::swap(a, b);
+  EXPECT_EQ(a.getTagName(), "Demo_Nest");
+  b = newMessage("Demo_Empty");
+  EXPECT_EQ(b.getTagName(), "Demo_Empty");
+}
+
+TEST(MessageMove, LetsVectorsEraseInsertSwapAndSort) {
+  std::vector<XNMessageBase> messages;
+  for (int i = 0; i < 5; ++i) messages.push_back(leaf(i, kLong));
+  const auto numbers = [&messages] {
+    std::vector<std::int64_t> all;
+    for (const XNMessageBase& message : messages) all.push_back(slotOf(message, "number"));
+    return all;
+  };
+  messages.erase(messages.begin());
+  EXPECT_THAT(numbers(), ElementsAre(1, 2, 3, 4));
+  messages.insert(messages.begin() + 1, leaf(7, "short"));
+  messages.insert(messages.begin() + 1, leaf(8, "short"));  // with room left
+  EXPECT_THAT(numbers(), ElementsAre(1, 8, 7, 2, 3, 4));
+  std::swap(messages[0], messages[2]);
+  EXPECT_THAT(numbers(), ElementsAre(7, 8, 1, 2, 3, 4));
+  std::sort(messages.begin(), messages.end(), [](const XNMessageBase& a, const XNMessageBase& b) {
+    return slotOf(a, "number") < slotOf(b, "number");
+  });
+  EXPECT_THAT(numbers(), ElementsAre(1, 2, 3, 4, 7, 8));
+  EXPECT_EQ(textOf(messages[0], "text"), kLong);
+  EXPECT_EQ(textOf(messages[5], "text"), "short");
 }
 
 TEST(MessageMove, AssignmentOfABlockMessageCopiesItsFields) {

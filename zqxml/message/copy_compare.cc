@@ -173,6 +173,7 @@ XNMessageBase::XNMessageBase(const XNMessageBase& other) : XNMessageBase() {
 
 void XNMessageBase::operator=(const XNMessageBase& other) {
   if (this == &other) return;
+  if (isMovedFrom()) return becomeOf(XNMessageBase(other));
   requireSameClass(other);
   copyTexts(other);
   XNMessageBase copy(other);  // made first: `other` may be a part of this object, which reset ends
@@ -183,14 +184,22 @@ void XNMessageBase::operator=(const XNMessageBase& other) {
 
 void XNMessageBase::operator=(XNMessageBase&& other) {
   if (this == &other) return;
-  requireSameClass(other);
-  XNMessageBase taken(std::move(other));
-  if (buffer_.usesCallerBlock() || taken.buffer_.usesCallerBlock()) {
-    *this = taken;
-    return;
+  if (isMovedFrom()) {
+    // What lies in a caller's block is cloned: the block need not outlive this object.
+    const bool inBlock = other.classDef_ != nullptr && other.buffer_.usesCallerBlock();
+    return becomeOf(inBlock ? XNMessageBase(other) : std::move(other));
   }
+  requireSameClass(other);
+  XNMessageBase taken(std::move(other));  // `other` may be a part of this object
+  copyTexts(taken);
+  reset();
+  wipeBitset();
+  takeFields(taken);
+}
+
+void XNMessageBase::becomeOf(XNMessageBase&& other) noexcept {
   this->~XNMessageBase();
-  ::new (this) XNMessageBase(std::move(taken));
+  ::new (this) XNMessageBase(std::move(other));
 }
 
 void XNMessageBase::requireSameClass(const XNMessageBase& other) const {

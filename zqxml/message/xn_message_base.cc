@@ -103,9 +103,11 @@ XNMessageBase::XNMessageBase(XNMessageBase&& other) noexcept
       cachedSize_(other.cachedSize_),
       msgSysIndex_(other.msgSysIndex_),
       msgIndex_(other.msgIndex_),
-      serialized_(other.serialized_) {
+      serialized_(other.serialized_),
+      movedFrom_(other.movedFrom_) {
   takeInlineStrings(other);
   other.initToNULL();
+  other.movedFrom_ = true;
 }
 
 XNMessageBase::~XNMessageBase() {
@@ -124,6 +126,7 @@ void XNMessageBase::initToNULL() {
   msgSysIndex_ = 0;
   msgIndex_ = 0;
   serialized_ = false;
+  movedFrom_ = false;
 }
 
 void XNMessageBase::initialize(int msgSysIndex, int msgIndex, bool useBlock, std::int64_t* block,

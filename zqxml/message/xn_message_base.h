@@ -49,14 +49,16 @@ class ZQXML_EXPORT XNMessageBase {
   /// Deep copy, in storage of its own even when `other` lives in a caller's block. Only set fields with a
   /// name hash are copied; a message's texts and CDATA come along.
   XNMessageBase(const XNMessageBase& other);
-  /// Takes everything over; `other` becomes an object without a class.
+  /// Takes everything over; `other` becomes an object without a class, to which
+  /// any message can be assigned.
   XNMessageBase(XNMessageBase&& other) noexcept;
   ~XNMessageBase();
 
   /// Deep assignment between objects of one class. QUIRK: the texts of the target stay where the source has
   /// none. Throws ZqException ("XNMessageBase::operator=") between different classes, the target unchanged.
   void operator=(const XNMessageBase& other);
-  /// As above, but takes the fields over; throws in the same case.
+  /// As above, but takes the fields over where the copy would clone them, and
+  /// leaves `other` moved from; throws in the same case.
   void operator=(XNMessageBase&& other);
 
   /// Field by field over fields with a name hash; false when either object has no class or the classes
@@ -495,6 +497,9 @@ class ZQXML_EXPORT XNMessageBase {
   static bool getMessageSchemaString(std::string& text, short msgSysIndex, int msgIndex, bool allFields,
                                      bool details);
   bool hasProcessingInstructionInfo() const;
+  bool isMovedFrom() const { return movedFrom_ && classDef_ == nullptr; }
+  /// Ends this object and takes over the other one whole.
+  void becomeOf(XNMessageBase&& other) noexcept;
 
   std::uint32_t tagId_ = 0;
   XNMessageBuffer buffer_;
@@ -508,6 +513,7 @@ class ZQXML_EXPORT XNMessageBase {
   std::int32_t msgSysIndex_ = 0;
   std::int32_t msgIndex_ = 0;
   bool serialized_ = false;
+  bool movedFrom_ = false;  ///< without a class because it was moved from, not because it never had one
 };
 
 }  // namespace zqxml
