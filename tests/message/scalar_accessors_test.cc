@@ -227,6 +227,21 @@ TEST(Int64Accessor, FastPathReachesAFieldWithoutAHash) {
   EXPECT_TRUE(hasBit(message, "hiddenNumber"));
 }
 
+TEST(Int64Accessor, OwnTagTakesSlotAndBitAsTheyAreGiven) {
+  OpenMessage message = newMessage("Demo_EveryType");
+  const FieldDef& marked = fieldOf(message, "intField");
+  const FieldDef& stored = fieldOf(message, "uintField");
+  LogCapture capture;
+  message.setint64(marked.getMemNum(), stored.getIndex(), 5, message.getTagID(), 0);
+  EXPECT_EQ(slotOf(message, "uintField"), 5);
+  EXPECT_EQ(slotOf(message, "intField"), 0);
+  EXPECT_TRUE(hasBit(message, "intField"));
+  EXPECT_FALSE(hasBit(message, "uintField"));
+  message.getint64ByRef(marked.getMemNum(), stored.getIndex(), message.getTagID(), 0) = 6;
+  EXPECT_EQ(slotOf(message, "uintField"), 6);
+  EXPECT_TRUE(capture.empty());
+}
+
 TEST(Int64ByRefAccessor, MarksAndGivesTheSlot) {
   OpenMessage message = newMessage("Demo_EveryType");
   const FieldDef& field = fieldOf(message, "longlongField");

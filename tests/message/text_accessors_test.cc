@@ -224,6 +224,22 @@ TYPED_TEST(TextAccessors, WhatIsWrittenToTheFallbackIsForgotten) {
   EXPECT_EQ(this->stored(this->message_), typename TestFixture::Text());
 }
 
+TEST(StringAccessor, OwnTagTakesSlotAndBitAsTheyAreGiven) {
+  OpenMessage message = newMessage("Demo_EveryType");
+  const FieldDef& text = fieldOf(message, "stringField");
+  LogCapture capture;
+  message.setstring(0, text.getIndex(), "text", message.getTagID(), 0);
+  EXPECT_EQ(message.getstring(1, text.getIndex(), message.getTagID(), 0), "text");
+  EXPECT_TRUE(hasBit(message, "processinginstructioninfo"));
+  EXPECT_FALSE(hasBit(message, "stringField"));
+  EXPECT_TRUE(capture.empty());
+  // Slots inside a text are none of any field.
+  message.setint64(1, static_cast<short>(text.getIndex() + 1), -1, message.getTagID(), 0);
+  EXPECT_EQ(textOf(message, "stringField"), "text");
+  EXPECT_THAT(capture.lines(), ElementsAre(CapturedLine{"XNMessageBase::setint64", 0,
+                                                        noSuchField(message, 0, message.getTagID())}));
+}
+
 TEST(BstringAccessor, SetterCopiesIntoTheExistingObject) {
   OpenMessage message = newMessage("Demo_EveryType");
   const FieldDef& field = fieldOf(message, "bstringField");

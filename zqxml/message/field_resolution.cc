@@ -19,6 +19,19 @@ void logNoSuchField(const XNMessageBase& message, const char* function, std::uin
            message.getTagName(), message.getTagID(), fieldHash, msgTag);
 }
 
+/// The field whose first slot is `index`, as one with the bit `memNum`; null when no field that fits starts
+/// there. Valid until the thread's next call.
+const FieldDef* fieldAtIndex(const _ClassDef& classDef, FieldTypeSet fits, short memNum, short index) {
+  for (const FieldDef& field : classDef) {
+    if (field.getIndex() != index || !fits.contains(field.getType())) continue;
+    thread_local FieldDef found;
+    found = FieldDef(field.namePointer(), field.getAnnotationFlags(), field.getFieldHashId(),
+                     field.getLoczId(), memNum, index, field.getType());
+    return &found;
+  }
+  return nullptr;
+}
+
 bool isMember(const _ClassDef* classDef, short memNum) {
   return classDef != nullptr && memNum >= 0 && memNum < classDef->getNumberOfFields();
 }
@@ -62,11 +75,13 @@ const FieldDef* resolveField(const XNMessageBase& message, const char* function,
 
   const FieldDef& field = classDef->getFields()[address.memNum];
   if (field.getIndex() == address.index && fits.contains(field.getType())) return &field;
-  if (address.index < 0 || address.index >= classDef->getNumberOfElements())
+  if (address.index < 0 || address.index >= classDef->getNumberOfElements()) {
     logInvalidMember(message, function, address.memNum);
-  else
-    logNoSuchField(message, function, address.msgTag, address.fieldHash);
-  return nullptr;
+    return nullptr;
+  }
+  const FieldDef* other = fieldAtIndex(*classDef, fits, address.memNum, address.index);
+  if (other == nullptr) logNoSuchField(message, function, address.msgTag, address.fieldHash);
+  return other;
 }
 
 int resolvePosition(const XNMessageBase& message, const char* function, short memNum, std::uint32_t msgTag,
