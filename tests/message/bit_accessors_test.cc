@@ -139,6 +139,27 @@ TEST_F(Bits, MemberTestBitOffClearsTheMember) {
   EXPECT_EQ(slotOf(message_, "intField"), 0);
 }
 
+TEST_F(Bits, MemberTestBitOfTheClassItselfIsSilent) {
+  OpenMessage pair = newMessage("Demo_SelfPair");
+  const FieldDef& first = XNMessageBase::GetClassDef(&pair)->getFields()[0];
+  setInteger(pair, first.getName(), 5);
+  LogCapture capture;
+  for (const bool on : {true, false}) pair.setMemberTestBit("SelfPair", on);
+  EXPECT_EQ(slotOf(pair, first.getName()), 5);
+  EXPECT_TRUE(hasBit(pair, first.getName()));
+  EXPECT_THAT(capture.lines(), IsEmpty());
+}
+
+TEST_F(Bits, ForeignTagWithTheHashOfTheClassItselfFindsNothing) {
+  OpenMessage pair = newMessage("Demo_SelfPair");
+  const std::uint32_t hash = XNMessageBase::GetClassDef(&pair)->getFields()[2].getFieldHashId();
+  LogCapture capture;
+  pair.setField(0, kForeignTag, hash);
+  EXPECT_THAT(capture.lines(),
+              ElementsAre(CapturedLine{"XNMessageBase::setField", 0, noSuchField(pair, hash, kForeignTag)}));
+  for (short position = 0; position < 3; ++position) EXPECT_FALSE(pair.isSet(position, pair.getTagID(), 0));
+}
+
 TEST_F(Bits, MemberTestBitOnIsRefused) {
   LogCapture capture;
   message_.setMemberTestBit("intField", true);

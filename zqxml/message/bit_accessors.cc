@@ -38,6 +38,7 @@ void XNMessageBase::setMemberTestBit(const std::string& name, bool on) {
   const int position = catalogue::fieldPosition(classDef_, name);
   if (position < 0) return;
   const FieldDef& field = classDef_->getFields()[position];
+  if (field.getType() == FDT_NONE) return;  // the class's own name: its record is no member
   if (!on)
     deleteMember(field.getMemNum(), tagId_, field.getFieldHashId(), false);
   else

@@ -5,6 +5,14 @@
 namespace zqxml {
 namespace {
 
+/// All types of members: the trailing record of a class itself is none, though it has a hash.
+constexpr FieldTypeSet kMemberTypes = [] {
+  FieldTypeSet types;
+  for (unsigned type = FDT_NONE + 1; type < kFieldTypeCount; ++type)
+    types = types | FieldTypeSet{static_cast<FieldDataType>(type)};
+  return types;
+}();
+
 /// The object's class as printable text, for the guard's line.
 std::string schemaOf(const XNMessageBase& message) {
   std::string text;
@@ -92,7 +100,7 @@ int resolvePosition(const XNMessageBase& message, const char* function, short me
     return -1;
   }
   if (message.getTagID() == msgTag) return memNum;
-  const FieldDef* field = findFieldByHash(message, function, kAllTypes, msgTag, fieldHash);
+  const FieldDef* field = findFieldByHash(message, function, kMemberTypes, msgTag, fieldHash);
   return field == nullptr ? -1 : static_cast<int>(field - classDef->getFields());
 }
 

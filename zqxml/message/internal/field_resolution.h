@@ -18,11 +18,10 @@ struct FieldAddress {
   std::uint32_t fieldHash;
 };
 
-inline constexpr FieldTypeSet kAllTypes = FieldTypeSet::ofStorage([](auto) { return true; });
-
-/// The field to act on: the one at memNum and index when the object has the caller's tag, else the first one
-/// with the hash. Null, after a level 0 line under `function`, when it is not there or its type is none of
-/// `fits`.
+/// The field to act on: slot `index` and bit `memNum` as they are given when the object has the caller's tag,
+/// else those of the first field with the hash. Null, after a level 0 line under `function`, when there is no
+/// such field or its type is none of `fits`. Where a caller's numbers are those of two fields, the result is
+/// the thread's own record, valid until its next call.
 const FieldDef* resolveField(const XNMessageBase& message, const char* function, FieldTypeSet fits,
                              const FieldAddress& address);
 /// Position of a member, which is also its bit, without looking at its slot: the given one when the object
