@@ -306,6 +306,16 @@ TEST(CatalogueRecords, AddressesFollowTheType) {
   }
 }
 
+TEST(CatalogueRecords, AddressInAMessageWithoutSuchSlotsIsNull) {
+  OpenMessage child = newMessage("Demo_EveryChild");  // six slots
+  for (const FieldDef& field : classNamed("Demo_EveryType").record()) {
+    const bool fits = field.getIndex() + fieldTypeFacts(field.getType()).slots <= 6;
+    if (fits) continue;
+    EXPECT_EQ(field.getFieldAddrResolved(&child), nullptr) << field.getName();
+  }
+  EXPECT_EQ(FieldDef("below", nullptr, 1, 0, 0, -1, FDT_INT).getFieldAddrResolved(&child), nullptr);
+}
+
 TEST(CatalogueRecords, AddressOfWhatStoresNothingIsNull) {
   OpenMessage message = newMessage("Demo_Reserved29");
   EXPECT_EQ(fieldOf(message, "reserved").getFieldAddrResolved(&message), nullptr);

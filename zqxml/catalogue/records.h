@@ -55,8 +55,9 @@ class ZQXML_EXPORT FieldDef {
   std::string getFieldTypeName() const;
 
   /// Place of the field's value in `message`: the slot itself for types held by value or in place, the
-  /// pointer held in the slot (null when the value does not exist) for owned ones; null for a null message
-  /// and types without storage.
+  /// pointer held in the slot (null when the value does not exist) for owned ones; null for a null message,
+  /// types without storage, and where the message has no such slots. The field must be one of the message's
+  /// class: the slots of another class hold something else.
   const void* getFieldAddrResolved(const XNMessageBase* message) const;
 
   static constexpr bool isPrimitiveType(unsigned type) { return kPrimitiveTypes.contains(type); }

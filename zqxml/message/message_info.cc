@@ -16,6 +16,8 @@ std::string joinedName(int subsystem, const char* className) {
 
 const void* FieldDef::getFieldAddrResolved(const XNMessageBase* message) const {
   if (message == nullptr || MessageAccess::classDef(*message) == nullptr) return nullptr;
+  // In a message of another class the field's slots may lie outside the store.
+  if (index_ < 0 || index_ + fieldTypeFacts(type_).slots > MessageAccess::slotCount(*message)) return nullptr;
   return visitStorage(
       type_,
       Overloaded{[](Nothing) -> const void* { return nullptr; },

@@ -43,6 +43,7 @@ class MessageAccess {
   /// Gives the member at the position its default, where the class has one for it.
   static void setDefaults(XNMessageBase& message, short position) { message.setDefaults(position); }
   static XNMessageBuffer& buffer(XNMessageBase& message) { return message.buffer_; }
+  static short slotCount(const XNMessageBase& message) { return message.buffer_.slotCount(); }
 
   // --- Set bits
   static bool isSet(const XNMessageBase& message, int memNum) {
