@@ -158,6 +158,28 @@ TEST(NamesTest, FieldsOfOneCppNameNeedAnother) {
       IsEmpty());
 }
 
+TEST(NamesTest, FieldsThatMeetInAnAccessorNeedAnotherName) {
+  EXPECT_THAT(
+      compileClass("<field name=\"x\" type=\"list_object\" class=\"C\"/>\n"
+                   "<field name=\"xVector\" type=\"string\"/>")
+          .errors,
+      ElementsAre("T.xml:4:8: error: field 'xVector' would have the C++ name 'mutableXVector', like 'x' at "
+                  "T.xml:3; give one a name with cpp=\"...\""));
+  // A number has no such accessor.
+  EXPECT_THAT(compileClass("<field name=\"x\" type=\"list_object\" class=\"C\"/>\n"
+                           "<field name=\"xVector\" type=\"int\"/>")
+                  .errors,
+              IsEmpty());
+}
+
+TEST(NamesTest, AccessorOfTheNameOfItsClassIsRefused) {
+  EXPECT_THAT(
+      compile("<class name=\"getX\" index=\"0\">\n<field name=\"x\" type=\"int\"/></class>").errors,
+      ElementsAre(
+          "T.xml:3:8: error: field 'x' would have the C++ name 'getX', like 'getX' at T.xml:2; give one "
+          "a name with cpp=\"...\""));
+}
+
 TEST(NamesTest, ClassesOfOneCppNameAreRefused) {
   EXPECT_THAT(
       compile("<class name=\"a-b\" index=\"0\"/>\n<class name=\"a.b\" index=\"1\"/>").errors,

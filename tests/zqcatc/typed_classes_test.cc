@@ -32,6 +32,17 @@ TEST(TypedClassesTest, EnumerationsAreScopedAndWideWhereNeeded) {
   EXPECT_THAT(header, AllOf(HasSubstr("#include <cstdint>"), Not(HasSubstr("#include <zqxml"))));
 }
 
+TEST(TypedClassesTest, NamesThatEachHeaderUsesAreChanged) {
+  const std::string header =
+      compile(
+          "<class name=\"RegisterSubsystem\" index=\"0\"/><class name=\"from\" index=\"1\"/>"
+          "<class name=\"kSubsystem\" index=\"2\"/><class name=\"kClassIndex\" index=\"3\"/>"
+          "<class name=\"kTagId\" index=\"4\"/>")
+          .output("T.h");
+  for (const char* name : {"RegisterSubsystem_", "from_", "kSubsystem_", "kClassIndex_", "kTagId_"})
+    EXPECT_THAT(header, HasSubstr(std::string("\nclass ") + name + " : public XNMessageBase {"));
+}
+
 TEST(TypedClassesTest, EveryFieldNameHasACppName) {
   const std::string header =
       compileClass(

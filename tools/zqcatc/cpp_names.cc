@@ -12,12 +12,14 @@ namespace {
 // unqualified.
 // clang-format off
 constexpr auto kTakenNames = std::to_array<std::string_view>({
-    "AnnotationBase", "EOF", "FieldNumber", "NULL", "ObjectView", "XNMessageBase", "alignas", "alignof",
+    "AnnotationBase", "EOF", "FieldNumber", "NULL", "ObjectView", "RegisterSubsystem", "XNMessageBase",
+    "alignas", "alignof",
     "and", "and_eq", "asm", "auto", "bitand", "bitor", "bool", "break", "bstring", "case", "catch",
     "char", "char16_t", "char32_t", "char8_t", "class", "co_await", "co_return", "co_yield", "compl",
     "concept", "const", "const_cast", "consteval", "constexpr", "constinit", "continue", "decltype",
     "default", "delete", "do", "double", "dynamic_cast", "else", "enum", "errno", "explicit", "export",
-    "extern", "false", "float", "for", "friend", "goto", "if", "inline", "int", "long", "major", "minor",
+    "extern", "false", "float", "for", "friend", "from", "goto", "if", "inline", "int", "kClassIndex",
+    "kSubsystem", "kTagId", "long", "major", "minor",
     "mutable", "namespace", "new", "noexcept", "not", "not_eq", "nullptr", "operator", "or", "or_eq",
     "private", "protected", "pstring", "public", "register", "reinterpret_cast", "requires", "return",
     "short", "signed", "sizeof", "static", "static_assert", "static_cast", "std", "stderr", "stdin",
@@ -44,15 +46,43 @@ struct Holder {
   const Position* position;
 };
 
-/// Equal names are an error of their own and not repeated here.
-void checkUnique(std::map<std::string, Holder>& taken, std::string cppName, std::string_view kind,
+/// Equal names are an error of their own and not repeated here. False when the name was taken.
+bool checkUnique(std::map<std::string, Holder>& taken, std::string cppName, std::string_view kind,
                  const Holder& holder, std::string_view instead, Diagnostics& diagnostics) {
   const auto [entry, isNew] = taken.try_emplace(std::move(cppName), holder);
   const Holder& first = entry->second;
-  if (isNew || first.name == holder.name) return;
+  if (isNew) return true;
+  if (first.name == holder.name) return false;
   diagnostics.error(*holder.position,
                     cat(kind, " '", holder.name, "' would have the C++ name '", entry->first, "', like '",
                         first.name, "' at ", first.position->file, ":", first.position->line, "; ", instead));
+  return false;
+}
+
+/// The names that a field gives its class; writeAccessors() writes them.
+std::vector<std::string> accessorNames(const Field& field) {
+  const std::string stem = accessorStem(field);
+  std::vector<std::string> names{"get" + stem, "set" + stem, "is" + stem + "Set", "unset" + stem};
+  if (!kNumberTypes.contains(field.type)) names.push_back("mutable" + stem);
+  if (field.type == FDT_LIST_OBJECT) names.push_back("mutable" + stem + "Vector");
+  if (field.type == FDT_LIST_OBJECT || kMapTypes.contains(field.type)) names.push_back("addTo" + stem);
+  if (kMapTypes.contains(field.type)) names.push_back("findIn" + stem);
+  return names;
+}
+
+/// The fields of a message class: stems that differ can still meet in an accessor, or in the class's name.
+void checkAccessors(const Class& record, Diagnostics& diagnostics) {
+  constexpr std::string_view kInstead = "give one a name with cpp=\"...\"";
+  std::map<std::string, Holder> stems;
+  std::map<std::string, Holder> accessors;
+  accessors.try_emplace(cppIdentifier(record.name), Holder{record.name, &record.position});
+  for (const Field& field : record.fields) {
+    const Holder holder{field.name, &field.position};
+    if (field.isSelf || !checkUnique(stems, accessorStem(field), "field", holder, kInstead, diagnostics))
+      continue;
+    for (std::string& name : accessorNames(field))
+      if (!checkUnique(accessors, std::move(name), "field", holder, kInstead, diagnostics)) break;
+  }
 }
 
 }  // namespace
@@ -117,16 +147,14 @@ void checkCppNames(const Catalogue& catalogue, Diagnostics& diagnostics) {
     for (const auto& record : subsystem->classes) {
       checkUnique(classes, cppIdentifier(record->name), record->isEnumeration ? "enumeration" : "class",
                   {record->name, &record->position}, "rename one", diagnostics);
-      std::map<std::string, Holder> members;
-      for (const Field& field : record->fields) {
-        const Holder holder{field.name, &field.position};
-        if (record->isEnumeration) {
-          checkUnique(members, cppIdentifier(field.name), "enumerator", holder, "rename one", diagnostics);
-        } else if (!field.isSelf) {
-          checkUnique(members, accessorStem(field), "field", holder, "give one a name with cpp=\"...\"",
-                      diagnostics);
-        }
+      if (!record->isEnumeration) {
+        checkAccessors(*record, diagnostics);
+        continue;
       }
+      std::map<std::string, Holder> enumerators;
+      for (const Field& field : record->fields)
+        checkUnique(enumerators, cppIdentifier(field.name), "enumerator", {field.name, &field.position},
+                    "rename one", diagnostics);
     }
   }
 }
