@@ -147,5 +147,19 @@ TEST_F(ZqcatcCommandTest, OutputDoesNotTellWhereItWasMade) {
                       fs::path(folder_.path()).filename().string() + "); changes are lost.");
 }
 
+TEST_F(ZqcatcCommandTest, FolderOfAnOddNameStaysInItsComment) {
+  writeGood();
+  const std::string odd = folder_.path("odd\nint x;\r");
+  fs::create_directory(odd);
+  fs::rename(folder_.path("T.xml"), odd + "/T.xml");
+  const ProgramRun outcome =
+      runProgram({ZQCATC, "--out", "out", odd}, {.input = {}, .folder = folder_.path(), .environment = {}});
+  ASSERT_EQ(outcome.status, 0) << outcome.err;
+  std::ifstream file(generated("T.cc"));
+  std::string line;
+  std::getline(file, line);
+  EXPECT_EQ(line, "// Written by zqcatc from T.xml (zqcatc --out FOLDER odd?int x;?); changes are lost.");
+}
+
 }  // namespace
 }  // namespace zqxml

@@ -165,7 +165,11 @@ std::string commandLine(const Options& options) {
   for (const std::string& schema : options.schemas) {
     std::error_code code;
     const fs::path path = fs::absolute(schema, code).lexically_normal();
-    command += " " + (path.has_filename() ? path : path.parent_path()).filename().string();
+    std::string name = (path.has_filename() ? path : path.parent_path()).filename().string();
+    // It goes into a comment: nothing of it may end the line.
+    for (char& byte : name)
+      if (static_cast<unsigned char>(byte) < 0x20 || byte == 0x7f) byte = '?';
+    command += " " + name;
   }
   return command;
 }
