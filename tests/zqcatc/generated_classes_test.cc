@@ -47,6 +47,18 @@ void expectRoundTrip(const Value& value, const Value& empty, Get get, Set set, I
   expectRoundTrip(value, empty, &EveryType::get##Stem, &EveryType::set##Stem, &EveryType::is##Stem##Set, \
                   &EveryType::unset##Stem)
 
+TEST(GeneratedClassTest, ClassesWithoutAnIdAreNotTakenForEachOther) {
+  Demo::EmptyWithoutId message;
+  EXPECT_EQ(Demo::EmptyWithoutId::from(&message), &message);
+  short subsystem = Demo::EmptyWithoutId::kSubsystem;
+  int undescribed = 0;
+  while (XNMessageBase::GetClassDef(subsystem, undescribed)->getName() != nullptr) ++undescribed;
+  const std::unique_ptr<XNMessageBase> other(XNMessageBase::createObjectFromIndices(subsystem, undescribed));
+  ASSERT_EQ(other->getTagID(), Demo::EmptyWithoutId::kTagId);
+  EXPECT_EQ(Demo::EmptyWithoutId::from(other.get()), nullptr);
+  EXPECT_EQ(Demo::EmptyWithoutId::from(static_cast<const XNMessageBase*>(other.get())), nullptr);
+}
+
 TEST(GeneratedClassTest, ScalarsKeepTheirRange) {
   EXPECT_ROUND_TRIP(IntField, std::int32_t{-2147483647}, std::int32_t{0});
   EXPECT_ROUND_TRIP(UintField, std::uint32_t{4294967295}, std::uint32_t{0});

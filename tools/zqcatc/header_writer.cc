@@ -164,10 +164,10 @@ ZQXML_EXPORT void RegisterSubsystem();
   @class@(std::int64_t* block, int blockSize) : @base@(kSubsystem, kClassIndex, block, blockSize) {}
   /// `message` as an object of this class; null when it is null or of another class.
   static @class@* from(XNMessageBase* message) {
-    return typed::hasTag(message, kTagId) ? static_cast<@class@*>(message) : nullptr;
+    return typed::isOf(message, kSubsystem, kClassIndex) ? static_cast<@class@*>(message) : nullptr;
   }
   static const @class@* from(const XNMessageBase* message) {
-    return typed::hasTag(message, kTagId) ? static_cast<const @class@*>(message) : nullptr;
+    return typed::isOf(message, kSubsystem, kClassIndex) ? static_cast<const @class@*>(message) : nullptr;
   }
 @accessors@};
 static_assert(sizeof(@class@) == sizeof(XNMessageBase));

@@ -65,8 +65,10 @@ class ObjectView {
 
 namespace typed {
 
-inline bool hasTag(const XNMessageBase* message, std::uint32_t tagId) {
-  return message != nullptr && message->getTagID() == tagId;
+/// Whether it is a message of that class. The tag would not do: classes without an id share one.
+inline bool isOf(const XNMessageBase* message, int subsystem, int classIndex) {
+  return message != nullptr && message->getSubsysID() == subsystem &&
+         message->getMessageIndex() == classIndex;
 }
 
 /// The value, or an empty one that lives as long as the process.
