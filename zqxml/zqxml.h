@@ -22,6 +22,7 @@
 #include <zqxml/catalogue/records.h>
 #include <zqxml/catalogue/result.h>
 #include <zqxml/logging/dummy_objects.h>
+#include <zqxml/logging/event_conversion.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/bstring.h>
 #include <zqxml/message/cdata.h>
@@ -34,6 +35,7 @@
 #include <zqxml/platform/crc64.h>
 #include <zqxml/platform/critical_section.h>
 #include <zqxml/platform/ev_debug.h>
+#include <zqxml/platform/ev_message_container.h>
 #include <zqxml/platform/exception.h>
 #include <zqxml/platform/export.h>
 #include <zqxml/platform/file.h>

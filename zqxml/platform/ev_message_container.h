@@ -1,0 +1,104 @@
+// EvMessageContainer: an event as a process holds it, an id and typed arguments.
+#pragma once
+
+#include <zqxml/platform/export.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace zqxml {
+
+/// The arguments of an event: a linked list of values that know their kind. The list owns its nodes. Threads:
+/// as any container of the standard library.
+class ZQXML_EXPORT ArgumentInfo {
+ public:
+  enum class Kind : std::uint8_t {
+    kInt = 5,
+    kUnsignedInt = 6,
+    kLong = 7,
+    kUnsignedLong = 8,
+    kInt64 = 9,
+    kUnsignedInt64 = 10,
+    kString = 11,
+  };
+
+  /// One argument. Which of the values counts is told by the kind.
+  struct Node {
+    Kind kind = Kind::kInt;
+    std::uint64_t number = 0;    ///< of integers; the signed ones sign-extended to 64 bits
+    std::string text;            ///< of strings, with the length that was stored
+    std::unique_ptr<Node> next;  ///< null at the end
+  };
+
+  ArgumentInfo() = default;
+  ~ArgumentInfo() { Clear(); }
+  ArgumentInfo(ArgumentInfo&& other) noexcept { swap(other); }
+  ArgumentInfo& operator=(ArgumentInfo&& other) noexcept {
+    swap(other);
+    return *this;
+  }
+
+  /// How many arguments there are.
+  int NoOfArgs() const { return count_; }
+  /// Removes all arguments.
+  void Clear() noexcept;
+  /// The first argument, null when there is none; the others follow by Node::next. Valid until Clear.
+  const Node* first() const { return first_.get(); }
+
+  // Each puts one argument at the end. They throw nothing but std::bad_alloc; the list is then as it was.
+
+  ArgumentInfo& operator<<(int value) { return append(Kind::kInt, widened(value)); }
+  ArgumentInfo& operator<<(unsigned value) { return append(Kind::kUnsignedInt, value); }
+  ArgumentInfo& operator<<(long value) { return append(Kind::kLong, widened(value)); }
+  ArgumentInfo& operator<<(unsigned long value) { return append(Kind::kUnsignedLong, value); }
+  ArgumentInfo& operator<<(long long value) { return append(Kind::kInt64, widened(value)); }
+  ArgumentInfo& operator<<(unsigned long long value) { return append(Kind::kUnsignedInt64, value); }
+  /// Up to the first NUL; null is an empty text.
+  ArgumentInfo& operator<<(const char* text) {
+    return *this << std::string_view(text == nullptr ? "" : text);
+  }
+  /// With its length, so that NULs are kept.
+  ArgumentInfo& operator<<(std::string_view text) { return append(Kind::kString, 0, text); }
+  ArgumentInfo& operator<<(const std::string& text) { return *this << std::string_view(text); }
+
+ private:
+  static std::uint64_t widened(std::int64_t value) { return static_cast<std::uint64_t>(value); }
+  ArgumentInfo& append(Kind kind, std::uint64_t number, std::string_view text = {});
+  void swap(ArgumentInfo& other) noexcept {
+    std::swap(first_, other.first_);
+    std::swap(last_, other.last_);
+    std::swap(count_, other.count_);
+  }
+
+  std::unique_ptr<Node> first_;
+  Node* last_ = nullptr;
+  int count_ = 0;
+};
+
+/// An event: the id of its text, and the arguments of that text.
+class EvMessageContainer {
+ public:
+  EvMessageContainer() = default;
+  explicit EvMessageContainer(int messageId) : messageId_(messageId) {}
+
+  int getMessageId() const { return messageId_; }
+  void setMessageId(int messageId) { messageId_ = messageId; }
+  ArgumentInfo& getArguments() { return arguments_; }
+  const ArgumentInfo& getArguments() const { return arguments_; }
+
+  /// Puts an argument at the end, as ArgumentInfo does.
+  template <typename Value>
+  EvMessageContainer& operator<<(const Value& value) {
+    arguments_ << value;
+    return *this;
+  }
+
+ private:
+  int messageId_ = 0;
+  ArgumentInfo arguments_;
+};
+
+}  // namespace zqxml
