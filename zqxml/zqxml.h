@@ -23,7 +23,9 @@
 #include <zqxml/catalogue/result.h>
 #include <zqxml/logging/dummy_objects.h>
 #include <zqxml/logging/event_conversion.h>
+#include <zqxml/logging/xml_binary_logger.h>
 #include <zqxml/logging/xml_log_context.h>
+#include <zqxml/logging/xml_logger_helper.h>
 #include <zqxml/message/bstring.h>
 #include <zqxml/message/cdata.h>
 #include <zqxml/message/pstring.h>

@@ -3,13 +3,12 @@
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/wait.h>
+#include <tests/support/gate.h>
 #include <unistd.h>
 #include <zqxml/platform/thread_pool.h>
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -20,37 +19,6 @@ namespace {
 
 using std::chrono::milliseconds;
 constexpr milliseconds kLong{20'000};
-
-// A job that runs until it is let go.
-class Gate {
- public:
-  static unsigned job(void* gate) {
-    static_cast<Gate*>(gate)->pass();
-    return 0;
-  }
-  void open() {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    open_ = true;
-    change_.notify_all();
-  }
-  bool waitForArrivals(int count) {
-    std::unique_lock<std::mutex> lock(mutex_);
-    return change_.wait_for(lock, kLong, [&] { return arrived_ >= count; });
-  }
-
- private:
-  void pass() {
-    std::unique_lock<std::mutex> lock(mutex_);
-    ++arrived_;
-    change_.notify_all();
-    change_.wait(lock, [&] { return open_; });
-  }
-
-  std::mutex mutex_;
-  std::condition_variable change_;
-  bool open_ = false;
-  int arrived_ = 0;
-};
 
 unsigned countUp(void* counter) {
   ++*static_cast<std::atomic<int>*>(counter);

@@ -116,6 +116,10 @@ void EvDebug::setSink(Sink sink) noexcept try {
   // Only memory can have run out; the sink stays as it was.
 }
 
+bool EvDebug::isInsideSink() noexcept {
+  return insideSink;
+}
+
 unsigned EvDebug::getLogId(const char* name) noexcept try {
   const std::string wanted = name == nullptr ? "" : name;
   State& state = State::get();

@@ -69,6 +69,9 @@ class ZQXML_EXPORT EvDebug {
   /// Hands all lines to `sink` instead of standard error and files. An empty one restores these.
   static void setSink(Sink sink) noexcept;
 
+  /// Whether this thread is in the sink at this moment, so that lines that it writes are dropped.
+  static bool isInsideSink() noexcept;
+
   /// The id of the log with this name, made at the first call. The same name has the same id.
   static unsigned getLogId(const char* name) noexcept;
 

@@ -1,0 +1,81 @@
+#include <tests/logging/counted_allocations.h>
+
+#include <atomic>
+#include <utility>
+
+namespace {
+thread_local std::size_t made = 0;
+}  // namespace
+
+namespace zqxml {
+std::size_t allocationsOfThisThread() {
+  return made;
+}
+}  // namespace zqxml
+
+#ifdef ZQXML_ALLOCATOR_IS_TAKEN
+
+#include <sanitizer/allocator_interface.h>
+
+namespace {
+[[maybe_unused]] const int installed = __sanitizer_install_malloc_and_free_hooks(
+    [](const volatile void*, std::size_t) { ++made; }, [](const volatile void*) {});
+}  // namespace
+
+#else
+
+namespace {
+
+thread_local std::size_t failing = 0;  // the number of the allocation that fails, from now; 0 for none
+std::atomic<long> live = 0;
+
+bool mayAllocate() {
+  ++made;
+  return failing == 0 || --failing != 0;
+}
+void* counted(void* block) {
+  if (block != nullptr) ++live;
+  return block;
+}
+
+}  // namespace
+
+// Every block of the process passes here: these names come before those of the C library.
+extern "C" {
+void* __libc_malloc(std::size_t);
+void* __libc_calloc(std::size_t, std::size_t);
+void* __libc_realloc(void*, std::size_t);
+void __libc_free(void*);
+
+void* malloc(std::size_t size) {
+  return mayAllocate() ? counted(__libc_malloc(size)) : nullptr;
+}
+void* calloc(std::size_t count, std::size_t size) {
+  return mayAllocate() ? counted(__libc_calloc(count, size)) : nullptr;
+}
+void* realloc(void* block, std::size_t size) {
+  if (!mayAllocate()) return nullptr;
+  if (block != nullptr) --live;
+  return counted(__libc_realloc(block, size));
+}
+void free(void* block) {
+  if (block != nullptr) --live;
+  __libc_free(block);
+}
+}
+
+namespace zqxml {
+
+void failAllocationAfter(std::size_t count) {
+  failing = count + 1;
+}
+bool cancelFailure() {
+  return std::exchange(failing, 0) != 0;
+}
+long liveBlocks() {
+  return live;
+}
+
+}  // namespace zqxml
+
+#endif
