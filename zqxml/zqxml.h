@@ -23,6 +23,7 @@
 #include <zqxml/catalogue/result.h>
 #include <zqxml/logging/dummy_objects.h>
 #include <zqxml/logging/event_conversion.h>
+#include <zqxml/logging/masked_xml.h>
 #include <zqxml/logging/xml_binary_logger.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/logging/xml_logger_helper.h>
@@ -42,6 +43,7 @@
 #include <zqxml/platform/export.h>
 #include <zqxml/platform/file.h>
 #include <zqxml/platform/format.h>
+#include <zqxml/platform/fx_string.h>
 #include <zqxml/platform/loc_text.h>
 #include <zqxml/platform/number_text.h>
 #include <zqxml/platform/platform_info.h>
