@@ -32,6 +32,8 @@ void addCommands(CLI::App& app, Session& session) {
   addConvert(app, session);
   addInspect(app, session);
   addDiff(app, session);
+  addMerge(app, session);
+  addSample(app, session);
 }
 
 std::string chosenCommand(const CLI::App& app) {
