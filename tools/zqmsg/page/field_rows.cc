@@ -72,11 +72,11 @@ class FieldRow {
   }
   template <class E>
   void operator()(InPlace<E>) {
-    one<typename E::Value>([this](const auto& value) { return valueHtml(value); });
+    one<typename E::Value>([this](const auto& value) { return this->valueHtml(value); });
   }
   template <class E>
   void operator()(Owned<E>) {
-    one<typename E::Value>([this](const auto& value) { return valueHtml(value); });
+    one<typename E::Value>([this](const auto& value) { return this->valueHtml(value); });
   }
   void operator()(Object) {
     if (const auto* object = present<XNMessageBase>()) page_.object(titleHtml(object->getTagName()), *object);
