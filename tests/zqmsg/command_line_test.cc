@@ -15,7 +15,8 @@ using testing::StartsWith;
 using CommandLine = ZqmsgTest;
 
 const std::vector<std::string> kCommands{"catalogue", "describe", "dump-catalogue", "convert",
-                                         "inspect",   "diff",     "merge",          "sample"};
+                                         "inspect",   "diff",     "merge",          "sample",
+                                         "summary"};
 
 TEST_F(CommandLine, HelpNamesEveryCommand) {
   const ProgramRun run = zqmsg({"--help"});
@@ -77,18 +78,19 @@ TEST_F(CommandLine, TooManyArgumentsAreWrongUsage) {
 }
 
 TEST_F(CommandLine, FormThatThereIsNotIsRefusedWithThoseThatThereAre) {
-  for (const char* form : {"text", "html", "json", ""}) {
+  for (const char* form : {"pdf", "TEXT", "json", ""}) {
     const ProgramRun run = zqmsg({"convert", "--to", form}, kSaveAlertXml);
     EXPECT_THAT(run, Exits(2));
-    EXPECT_THAT(run.err, HasSubstr("xml,xml16,binary,objects"));
+    EXPECT_THAT(run.err, HasSubstr("xml,xml16,binary,objects,text,html,page"));
   }
-  EXPECT_THAT(zqmsg({"convert", "--to", "xml", "--from", "text"}, kSaveAlertXml), Exits(2));
+  for (const char* form : {"text", "html", "page"})
+    EXPECT_THAT(zqmsg({"convert", "--to", "xml", "--from", form}, kSaveAlertXml), Exits(2));
 }
 
 TEST_F(CommandLine, SwitchesOfXmlAreRefusedForOtherForms) {
   for (const char* name :
        {"--elements", "--readable", "--enum-names", "--root-only", "--mask-passwords", "--mask-sensitive"}) {
-    for (const char* form : {"binary", "objects"}) {
+    for (const char* form : {"binary", "objects", "text", "html"}) {
       const ProgramRun run = zqmsg({"convert", "--to", form, name}, kSaveAlertXml);
       EXPECT_THAT(run, Exits(2));
       EXPECT_THAT(run.err, HasSubstr(name));
@@ -101,6 +103,8 @@ TEST_F(CommandLine, SwitchesOfXmlAreRefusedForOtherForms) {
 TEST_F(CommandLine, VersionIsRefusedWhereItHasNoEffect) {
   EXPECT_THAT(zqmsg({"convert", "--to", "xml16", "--version", "1"}, kSaveAlertXml), Exits(2));
   EXPECT_THAT(zqmsg({"convert", "--to", "objects", "--version", "1"}, kSaveAlertXml), Exits(2));
+  EXPECT_THAT(zqmsg({"convert", "--to", "text", "--version", "1"}, kSaveAlertXml), Exits(2));
+  EXPECT_THAT(zqmsg({"convert", "--to", "html", "--version", "1"}, kSaveAlertXml), Exits(2));
   EXPECT_THAT(zqmsg({"convert", "--to", "xml", "--root-only", "--version", "1"}, kSaveAlertXml), Exits(2));
   EXPECT_THAT(zqmsg({"convert", "--to", "binary", "--version", "one"}, kSaveAlertXml), Exits(2));
 }

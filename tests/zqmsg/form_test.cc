@@ -15,7 +15,7 @@ const std::string kRecordHead = "\0\0\0\x08"s + kBinaryHead;
 
 TEST(Form, IsFoundByItsName) {
   for (std::string_view name : kFormNames) EXPECT_EQ(formName(formByName(name).value()), name);
-  EXPECT_EQ(formByName("text"), std::nullopt);
+  EXPECT_EQ(formByName("prose"), std::nullopt);
   EXPECT_EQ(formByName(""), std::nullopt);
 }
 

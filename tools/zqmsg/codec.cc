@@ -10,6 +10,7 @@
 #include "tools/zqmsg/failure.h"
 #include "tools/zqmsg/library_log.h"
 #include "tools/zqmsg/page/message_page.h"
+#include "tools/zqmsg/rendering.h"
 
 namespace zqxml::tool {
 namespace {
@@ -115,6 +116,14 @@ std::string encodePage(XNMessageBase& message, const WriteOptions& options) {
   return messagePage(message, facts, options.showSecrets);
 }
 
+/// What people read, and no reader takes back: nothing about it can fail.
+std::optional<std::string> encodeForPeople(XNMessageBase& message, const WriteOptions& options) {
+  if (options.form == Form::kText) return render(message, Rendering::kText);
+  if (options.form == Form::kHtml) return render(message, Rendering::kOutline);
+  if (options.form == Form::kPage) return encodePage(message, options);
+  return std::nullopt;
+}
+
 }  // namespace
 
 MessagePtr decode(Form form, const std::string& bytes, const std::string& where, LibraryLog& log) {
@@ -128,14 +137,17 @@ MessagePtr decode(Form form, const std::string& bytes, const std::string& where,
 
 std::string encode(XNMessageBase& message, const WriteOptions& options, const std::string& where,
                    LibraryLog& log) {
+  std::optional<std::string> shown = encodeForPeople(message, options);
+  if (shown) {
+    requirePasswords(where, log);
+    return std::move(*shown);
+  }
   const bool isXml = options.form == Form::kXml || options.form == Form::kXml16;
   eXNMsgRet result = XN_MSG_OK;
-  std::string bytes = isXml                         ? encodeXml(message, options, result)
-                      : options.form == Form::kPage ? encodePage(message, options)
-                                                    : encodeBinary(message, options);
+  std::string bytes = isXml ? encodeXml(message, options, result) : encodeBinary(message, options);
   requirePasswords(where, log);
   // A field that would make the rest of a binary message unreadable.
-  const bool unreadable = options.form != Form::kPage && !isXml && log.told().keyWithoutValue;
+  const bool unreadable = !isXml && log.told().keyWithoutValue;
   if (result != XN_MSG_OK || bytes.empty() || unreadable) {
     throw Failure(result == XN_MSG_OK ? kFailed : static_cast<ExitStatus>(result), where,
                   "cannot be written in the form " + std::string(formName(options.form)))

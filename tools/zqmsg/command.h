@@ -16,6 +16,7 @@ void addInspect(CLI::App& app, Session& session);
 void addDiff(CLI::App& app, Session& session);
 void addMerge(CLI::App& app, Session& session);
 void addSample(CLI::App& app, Session& session);
+void addSummary(CLI::App& app, Session& session);
 
 /// A command with what all of them have: --verbose, and examples below its help.
 CLI::App& addCommand(CLI::App& app, Session& session, const std::string& name, const std::string& summary,

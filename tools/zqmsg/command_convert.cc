@@ -11,7 +11,10 @@ namespace {
 constexpr const char* kExamples = R"(Forms:
   xml      XML text in UTF-8          binary   the compact binary form
   xml16    XML text in UTF-16         objects  a file of any number of messages
-  page     a page of HTML to look at it in a browser (only --to)
+For people, and only to write:
+  text     one line ('zqmsg summary' can do more)
+  html     an outline, as a fragment with the values as they are
+  page     a page to look at in a browser
 
 Examples:
   zqmsg convert alert.xml --to binary -o alert.bin
@@ -46,7 +49,8 @@ void refuseWhatHasNoEffect(const CLI::App& command, const ConvertOptions& option
   }
   if (options.write.showSecrets && form != Form::kPage) misuse("--show-secrets is for the form page");
   if (!options.write.version) return;
-  if (form == Form::kPage) misuse("--version is for the forms xml and binary");
+  if (static_cast<std::size_t>(form) >= kReadableForms)
+    misuse("--version is for the forms xml and binary, not for " + std::string(formName(form)));
   if (form == Form::kXml16 || form == Form::kObjects)
     misuse("--version is for the forms xml and binary; " + std::string(formName(form)) +
            " is always version 2");

@@ -16,7 +16,7 @@ namespace zqxml::tool {
 namespace {
 
 constexpr std::array<const char*, kFormNames.size()> kExtensions{".xml", ".utf16.xml", ".bin", ".objects",
-                                                                 ".html"};
+                                                                 ".txt", ".html",      ".html"};
 
 bool isFolder(const std::string& path) {
   std::error_code ignored;
@@ -52,7 +52,8 @@ std::string Conversion::encoded(XNMessageBase& message, const MessageSource& sou
 
 bool Conversion::severalFit() const {
   return options_.write.form == Form::kObjects ||
-         (options_.write.form == Form::kXml && options_.output == "-");
+         ((options_.write.form == Form::kXml || options_.write.form == Form::kText) &&
+          options_.output == "-");
 }
 
 void Conversion::intoOne() {

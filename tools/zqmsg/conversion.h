@@ -23,7 +23,7 @@ struct ConvertOptions {
 /// Reads the messages of all inputs and writes them in another form.
 ///
 /// Into one file go any number of messages as objects, and exactly one in every other form; standard output
-/// takes any number as XML too, each on lines of its own. In a folder every message becomes a file, named
+/// takes any number as XML and as text too, each on lines of its own. In a folder every message becomes a file, named
 /// after its input, and every input a file of objects; there the others are still converted when one fails.
 /// Throws Failure.
 class Conversion {

@@ -14,10 +14,14 @@ enum class Form {
   kXml16,    ///< one message as XML text in UTF-16
   kBinary,   ///< one message in the binary form
   kObjects,  ///< any number of messages: binary forms, each behind its length in 4 bytes, big-endian
-  kPage,     ///< one message as a page of HTML; only written
+  // Only written:
+  kText,  ///< one message as a line of text
+  kHtml,  ///< one message as an outline, a fragment of HTML
+  kPage,  ///< one message as a page of HTML
 };
 
-inline constexpr std::array<std::string_view, 5> kFormNames{"xml", "xml16", "binary", "objects", "page"};
+inline constexpr std::array<std::string_view, 7> kFormNames{"xml",  "xml16", "binary", "objects",
+                                                            "text", "html",  "page"};
 /// The first forms can be read too; the others are for people.
 inline constexpr std::size_t kReadableForms = 4;
 

@@ -34,6 +34,7 @@ void addCommands(CLI::App& app, Session& session) {
   addDiff(app, session);
   addMerge(app, session);
   addSample(app, session);
+  addSummary(app, session);
 }
 
 std::string chosenCommand(const CLI::App& app) {
