@@ -13,24 +13,21 @@ namespace zqxml::zqcatc {
 
 namespace {
 
-enum FlagByte { kByte0, kByte1, kByte2 };
-
-/// An annotation without a section: where its bit stands.
+/// An annotation without a section.
 struct Mark {
   std::string_view name;
-  FlagByte byte;
-  unsigned char bit;
+  AnnotationFlag flag;
 };
 
 constexpr std::array<Mark, 8> kMarks{{
-    {"ZQTime", kByte0, 0x08},
-    {"Suppress", kByte0, 0x04},
-    {"GenPath", kByte1, 0x80},
-    {"HideInReports", kByte1, 0x40},
-    {"SingleInstanced", kByte1, 0x20},
-    {"IndexAttr", kByte1, 0x01},
-    {"MarkAsCDATA", kByte2, 0x80},
-    {"Sensitive", kByte2, 0x40},
+    {"ZQTime", annotation_flag::kZQTime},
+    {"Suppress", annotation_flag::kSuppress},
+    {"GenPath", annotation_flag::kGenPath},
+    {"HideInReports", annotation_flag::kHideInReports},
+    {"SingleInstanced", annotation_flag::kSingleInstanced},
+    {"IndexAttr", annotation_flag::kIndexAttr},
+    {"MarkAsCDATA", annotation_flag::kMarkAsCDATA},
+    {"Sensitive", annotation_flag::kSensitive},
 }};
 
 /// Fields on which an annotation has an effect; those not listed take it anywhere.
@@ -46,6 +43,10 @@ bool hasEffect(std::string_view annotation, FieldDataType type) {
 
 void setBits(std::string& bytes, std::size_t at, unsigned bits) {
   bytes[at] = static_cast<char>(static_cast<unsigned char>(bytes[at]) | bits);
+}
+
+void setFlag(std::string& flagBytes, AnnotationFlag flag) {
+  setBits(flagBytes, flag.byte, flag.mask);
 }
 
 /// Sets a bit of the three bytes at the start, by its number from the low end of the third one.
@@ -91,13 +92,13 @@ void RecordWriter::add(const Element& element) {
   checkEffect(element);
   const auto mark =
       std::find_if(kMarks.begin(), kMarks.end(), [&](const Mark& m) { return m.name == element.name; });
-  if (mark != kMarks.end()) setBits(flags_, mark->byte, mark->bit);
+  if (mark != kMarks.end()) setFlag(flags_, mark->flag);
   if (element.name == "Password") {
-    setBits(flags_, kByte0, number(element, "encType", 1, 15).value_or(0) << 4);
+    setBits(flags_, annotation_flag::kPassword.byte, number(element, "encType", 1, 15).value_or(0) << 4);
   } else if (element.name == "XDate") {
-    setBits(flags_, kByte0, number(element, "type", 1, 3).value_or(0));
+    setBits(flags_, annotation_flag::kXDate.byte, number(element, "type", 1, 3).value_or(0));
   } else if (element.name == "IndexAttr") {
-    setBits(flags_, kByte2, flagAttribute(element, "indexedMetadata") ? 1 : 0);
+    if (flagAttribute(element, "indexedMetadata")) setFlag(flags_, annotation_flag::kIndexedMetadata);
   } else if (element.name == "Text") {
     addText(element);
   } else if (element.name == "CommandParam") {
@@ -105,7 +106,7 @@ void RecordWriter::add(const Element& element) {
   } else if (element.name == "SearchCriteriaDef") {
     addSearchCriteria(element);
   } else if (element.name == "StoredProcedure") {
-    setBits(flags_, kByte1, 0x02);
+    setFlag(flags_, annotation_flag::kStoredProcedure);
     appendString(storedProcedure_, *element.find("name"));
   }
 }
@@ -118,7 +119,7 @@ void RecordWriter::checkEffect(const Element& element) {
 }
 
 void RecordWriter::addText(const Element& element) {
-  setBits(flags_, kByte1, 0x08);
+  setFlag(flags_, annotation_flag::kText);
   text_.assign(1, '\0');
   unsigned bit = 0x80;
   for (const char* name : {"text", "comment", "falseText"}) {
@@ -138,7 +139,7 @@ void RecordWriter::addText(const Element& element) {
 }
 
 void RecordWriter::addCommandParam(const Element& element) {
-  setBits(flags_, kByte1, 0x10);
+  setFlag(flags_, annotation_flag::kCommandParam);
   commandParam_.assign(1, '\0');
   if (const Attribute* name = element.find("name")) {
     setBits(commandParam_, 0, 0x80);
@@ -151,7 +152,7 @@ void RecordWriter::addCommandParam(const Element& element) {
 }
 
 void RecordWriter::addSearchCriteria(const Element& element) {
-  setBits(flags_, kByte1, 0x04);
+  setFlag(flags_, annotation_flag::kSearchCriteriaDef);
   std::string head(4, '\0');
   std::string text;
   std::string values(3, '\0');
@@ -227,7 +228,8 @@ std::string RecordWriter::finish(const Position& position) {
       !(text_.empty() && commandParam_.empty() && searchCriteria_.empty() && storedProcedure_.empty());
   std::string body = flags_ + text_ + commandParam_ + searchCriteria_ + storedProcedure_;
   // A value of IndexAttr is only found when its byte is there, even where it is 0.
-  const bool needsAllFlags = hasSections || (flags_[kByte1] & 0x01) != 0;
+  const bool needsAllFlags =
+      hasSections || (flags_[annotation_flag::kIndexAttr.byte] & annotation_flag::kIndexAttr.mask) != 0;
   if (!needsAllFlags) {
     while (!body.empty() && body.back() == '\0') body.pop_back();
   }

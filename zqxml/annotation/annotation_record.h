@@ -31,6 +31,30 @@ inline constexpr FieldTypeSet kNeverCdataTypes =
                  FDT_LIST_BSTRING, FDT_OBJECT,     FDT_LIST_OBJECT} |
     kMapTypes;
 
+/// Where the flag of an annotation stands: in flag byte 0, 1 or 2, under these bits.
+struct AnnotationFlag {
+  unsigned byte;
+  unsigned mask;
+};
+namespace annotation_flag {
+inline constexpr AnnotationFlag kPassword{0, 0xf0};
+inline constexpr AnnotationFlag kZQTime{0, 0x08};
+inline constexpr AnnotationFlag kSuppress{0, 0x04};
+inline constexpr AnnotationFlag kXDate{0, 0x03};
+inline constexpr AnnotationFlag kGenPath{1, 0x80};
+inline constexpr AnnotationFlag kHideInReports{1, 0x40};
+inline constexpr AnnotationFlag kSingleInstanced{1, 0x20};
+inline constexpr AnnotationFlag kCommandParam{1, 0x10};
+inline constexpr AnnotationFlag kText{1, 0x08};
+inline constexpr AnnotationFlag kSearchCriteriaDef{1, 0x04};
+inline constexpr AnnotationFlag kStoredProcedure{1, 0x02};
+inline constexpr AnnotationFlag kIndexAttr{1, 0x01};
+inline constexpr AnnotationFlag kMarkAsCDATA{2, 0x80};
+inline constexpr AnnotationFlag kSensitive{2, 0x40};
+/// The value of IndexAttr, no annotation of its own.
+inline constexpr AnnotationFlag kIndexedMetadata{2, 0x01};
+}  // namespace annotation_flag
+
 /// View of one record; costs a pointer and a length, owns nothing.
 class AnnotationRecord {
  public:
@@ -55,28 +79,30 @@ class AnnotationRecord {
     return hasFlags(number) ? static_cast<unsigned char>(record_[2 + number]) : 0;
   }
   constexpr bool hasFlags(unsigned number) const { return size_ > 2 + number; }
+  /// Whether any bit of the flag is set.
+  constexpr bool has(AnnotationFlag flag) const { return (flags(flag.byte) & flag.mask) != 0; }
 
   // Flag byte 0.
 
   /// Annotation::PasswordEncryptType, 0 when the field is not annotated as a password.
   constexpr int passwordType() const { return static_cast<int>(flags(0) >> 4); }
   /// The value is seconds within a day.
-  constexpr bool isTime() const { return (flags(0) & 0x08) != 0; }
-  constexpr bool isSuppressed() const { return (flags(0) & 0x04) != 0; }
+  constexpr bool isTime() const { return has(annotation_flag::kZQTime); }
+  constexpr bool isSuppressed() const { return has(annotation_flag::kSuppress); }
   /// Annotation::DateType: 1 date and time, 2 date, 3 unused; 0 when the field is not a date.
-  constexpr unsigned dateType() const { return flags(0) & 0x03; }
+  constexpr unsigned dateType() const { return flags(0) & annotation_flag::kXDate.mask; }
 
   // Flag byte 1.
 
-  constexpr bool isHiddenInReports() const { return (flags(1) & 0x40) != 0; }
+  constexpr bool isHiddenInReports() const { return has(annotation_flag::kHideInReports); }
 
   // Flag byte 2.
 
   /// The value goes into a CDATA section.
-  constexpr bool isCdata() const { return (flags(2) & 0x80) != 0; }
-  constexpr bool isSensitive() const { return (flags(2) & 0x40) != 0; }
+  constexpr bool isCdata() const { return has(annotation_flag::kMarkAsCDATA); }
+  constexpr bool isSensitive() const { return has(annotation_flag::kSensitive); }
   /// Value of IndexAttr, where flag byte 1 has that annotation.
-  constexpr bool indexedMetadata() const { return (flags(2) & 0x01) != 0; }
+  constexpr bool indexedMetadata() const { return has(annotation_flag::kIndexedMetadata); }
 
  private:
   constexpr AnnotationRecord(const char* record, std::size_t available) : record_(record) {

@@ -21,8 +21,7 @@ using ReadValues = Values (*)(const AnnotationRecord& record);
 /// One annotation class: the flag that says "present", and how its values are had.
 struct AnnotationKind {
   std::uint32_t tagId;
-  unsigned flagByte;
-  unsigned mask;
+  AnnotationFlag flag;
   ReadValues values;
   /// Values that the record does not reach count as absent, without a line.
   bool valuesMayLack = false;
@@ -49,51 +48,50 @@ Values indexValues(const AnnotationRecord& record) {
   return oneValue("indexedMetadata", std::uint32_t{record.indexedMetadata()});
 }
 
-/// The sections in the order of the record: the bit of flag byte 1 that each has, and its reader.
+/// The sections in the order of the record: the flag that each has, and its reader.
 struct Section {
-  unsigned mask;
+  AnnotationFlag flag;
   AnnotationValues (*read)(AnnotationCursor& cursor);
 };
 constexpr Section kSections[] = {
-    {0x08, getTextAnnotation},
-    {0x10, getCommandParamAnnotation},
-    {0x04, getSearchCriteriaDefAnnotation},
-    {0x02, getStoredProcedure},
+    {annotation_flag::kText, getTextAnnotation},
+    {annotation_flag::kCommandParam, getCommandParamAnnotation},
+    {annotation_flag::kSearchCriteriaDef, getSearchCriteriaDefAnnotation},
+    {annotation_flag::kStoredProcedure, getStoredProcedure},
 };
 
-/// The values of the section with this bit, past the sections before it.
-template <unsigned kMask>
+/// The values of the section with this flag, past the sections before it.
+template <const AnnotationFlag& kFlag>
 Values sectionValues(const AnnotationRecord& record) {
   AnnotationCursor cursor(record);
   for (const Section& section : kSections) {
-    if ((record.flags(1) & section.mask) == 0) continue;
+    if (!record.has(section.flag)) continue;
     const AnnotationValues values = section.read(cursor);
-    if (section.mask == kMask && !cursor.failed()) return values;
+    if (section.flag.mask == kFlag.mask && !cursor.failed()) return values;
   }
   return std::nullopt;
 }
 
 /// In the order in which FillAnnotationIds lists them.
 constexpr AnnotationKind kKinds[] = {
-    {Annotation::Password::kTagId, 0, 0xf0, passwordValues},
-    {Annotation::ZQTime::kTagId, 0, 0x08, noValues},
-    {Annotation::Suppress::kTagId, 0, 0x04, noValues},
-    {Annotation::XDate::kTagId, 0, 0x03, dateValues},
-    {Annotation::GenPath::kTagId, 1, 0x80, noValues},
-    {Annotation::HideInReports::kTagId, 1, 0x40, noValues},
-    {Annotation::SingleInstanced::kTagId, 1, 0x20, noValues},
-    {Annotation::CommandParam::kTagId, 1, 0x10, sectionValues<0x10>},
-    {Annotation::Text::kTagId, 1, 0x08, sectionValues<0x08>},
-    {Annotation::SearchCriteriaDef::kTagId, 1, 0x04, sectionValues<0x04>},
-    {Annotation::StoredProcedure::kTagId, 1, 0x02, sectionValues<0x02>},
-    {Annotation::IndexAttr::kTagId, 1, 0x01, indexValues, true},
-    {Annotation::MarkAsCDATA::kTagId, 2, 0x80, noValues},
-    {Annotation::Sensitive::kTagId, 2, 0x40, noValues},
+    {Annotation::Password::kTagId, annotation_flag::kPassword, passwordValues},
+    {Annotation::ZQTime::kTagId, annotation_flag::kZQTime, noValues},
+    {Annotation::Suppress::kTagId, annotation_flag::kSuppress, noValues},
+    {Annotation::XDate::kTagId, annotation_flag::kXDate, dateValues},
+    {Annotation::GenPath::kTagId, annotation_flag::kGenPath, noValues},
+    {Annotation::HideInReports::kTagId, annotation_flag::kHideInReports, noValues},
+    {Annotation::SingleInstanced::kTagId, annotation_flag::kSingleInstanced, noValues},
+    {Annotation::CommandParam::kTagId, annotation_flag::kCommandParam,
+     sectionValues<annotation_flag::kCommandParam>},
+    {Annotation::Text::kTagId, annotation_flag::kText, sectionValues<annotation_flag::kText>},
+    {Annotation::SearchCriteriaDef::kTagId, annotation_flag::kSearchCriteriaDef,
+     sectionValues<annotation_flag::kSearchCriteriaDef>},
+    {Annotation::StoredProcedure::kTagId, annotation_flag::kStoredProcedure,
+     sectionValues<annotation_flag::kStoredProcedure>},
+    {Annotation::IndexAttr::kTagId, annotation_flag::kIndexAttr, indexValues, true},
+    {Annotation::MarkAsCDATA::kTagId, annotation_flag::kMarkAsCDATA, noValues},
+    {Annotation::Sensitive::kTagId, annotation_flag::kSensitive, noValues},
 };
-
-bool isPresent(const AnnotationKind& kind, const AnnotationRecord& record) {
-  return (record.flags(kind.flagByte) & kind.mask) != 0;
-}
 
 /// Sets the field of the value's name, when the annotation has one that can hold it.
 void store(const AnnotationValue& value, AnnotationBase& out) {
@@ -141,7 +139,7 @@ bool XMLDecoder::FillAnnotation(const _ClassDef* classDef, AnnotationBase& out,
   const AnnotationRecord record(classDef->getFields()[position]);
   for (const AnnotationKind& kind : kKinds) {
     if (kind.tagId != out.getTagID()) continue;
-    if (!isPresent(kind, record)) return false;
+    if (!record.has(kind.flag)) return false;
     const Values values = kind.values(record);
     if (!values.has_value()) {
       if (!kind.valuesMayLack) {
@@ -160,7 +158,7 @@ bool XMLDecoder::FillAnnotationIds(const FieldDef& field, std::vector<std::uint3
   const AnnotationRecord record(field);
   if (!record.exists()) return false;
   for (const AnnotationKind& kind : kKinds)
-    if (isPresent(kind, record)) ids.push_back(kind.tagId);
+    if (record.has(kind.flag)) ids.push_back(kind.tagId);
   return true;
 }
 
