@@ -5,7 +5,9 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <locale>
 #include <random>
+#include <sstream>
 #include <string>
 
 namespace zqxml {
@@ -132,6 +134,96 @@ TEST(NumberText, AgreesWithTheCLibraryOnRandomTexts) {
       }
     }
   }
+}
+
+/// What a stream of the classic locale makes of the text.
+template <class T>
+bool streamed(const std::string& text, T& value) {
+  std::istringstream stream(text);
+  stream.imbue(std::locale::classic());
+  stream >> value;
+  return !stream.fail();
+}
+
+template <class T>
+void expectReadAsStreamed(const std::string& text) {
+  T expected{};
+  T value = 77;
+  const bool isNumber = streamed(text, expected);
+  ASSERT_EQ(readNumber(text, value), isNumber) << text;
+  ASSERT_EQ(value, isNumber ? expected : T(77)) << text;
+}
+
+TEST(NumberText, ReadNumberAgreesWithStreamsOnRandomIntegers) {
+  std::mt19937 random(2026);
+  for (int round = 0; round < 30000; ++round) {
+    const std::string text = randomNumberText(random);
+    expectReadAsStreamed<std::int32_t>(text);
+    expectReadAsStreamed<std::uint32_t>(text);
+    expectReadAsStreamed<std::int64_t>(text);
+  }
+}
+
+TEST(NumberText, ReadNumberEndsAtTheBorders) {
+  for (const char* text : {"2147483647",
+                           "2147483648",
+                           "-2147483648",
+                           "-2147483649",
+                           "4294967295",
+                           "4294967296",
+                           "-4294967295",
+                           "-4294967296",
+                           "9223372036854775807",
+                           "9223372036854775808",
+                           "-9223372036854775808",
+                           "-9223372036854775809",
+                           "99999999999999999999999",
+                           "-1",
+                           "-0",
+                           "+7",
+                           "",
+                           " ",
+                           "-",
+                           "+",
+                           "--1",
+                           "+-1",
+                           "- 1",
+                           "12abc",
+                           "abc",
+                           " \t\n12 3",
+                           "1.9",
+                           "0x10",
+                           "\x80",
+                           "007"}) {
+    expectReadAsStreamed<std::int32_t>(text);
+    expectReadAsStreamed<std::uint32_t>(text);
+    expectReadAsStreamed<std::int64_t>(text);
+  }
+}
+
+TEST(NumberText, ReadNumberAgreesWithStreamsOnFloatingPoint) {
+  for (const char* text :
+       {"0",     "1.5",   "-1.5",   "+1.5",   "1e6",    "1e+06",      "1e-7",  ".5",  "5.",
+        "1e308", "1e309", "-1e309", "3.4e38", "3.5e38", "1e-320",     "1e-50", "",    "-",
+        "abc",   "--1",   "+-1",    "1.5x",   " 2",     "123456.789", "1e400", "0.1", "-0"}) {
+    expectReadAsStreamed<float>(text);
+    expectReadAsStreamed<double>(text);
+  }
+}
+
+TEST(NumberText, ReadNumberTakesWhatFloatingPointIsWrittenAs) {
+  double value = 0;
+  EXPECT_TRUE(readNumber("inf", value));
+  EXPECT_EQ(value, std::numeric_limits<double>::infinity());
+  EXPECT_TRUE(readNumber("-inf", value));
+  EXPECT_EQ(value, -std::numeric_limits<double>::infinity());
+  EXPECT_TRUE(readNumber("nan", value));
+  EXPECT_TRUE(std::isnan(value));
+  float narrow = 0;
+  EXPECT_TRUE(readNumber("-nan", narrow));
+  EXPECT_TRUE(std::isnan(narrow));
+  EXPECT_TRUE(readNumber("1e-400", value));
+  EXPECT_EQ(value, 0.0);
 }
 
 }  // namespace

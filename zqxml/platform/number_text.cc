@@ -7,12 +7,14 @@
 #include <limits>
 #include <string>
 #include <system_error>
+#include <type_traits>
 
 namespace zqxml {
 namespace {
 
 /// Sign and magnitude of the decimal number at the start of a text.
 struct Decimal {
+  bool found = false;  ///< there is a digit
   bool negative = false;
   bool overflow = false;  ///< the magnitude does not fit in 64 bits
   std::uint64_t magnitude = 0;
@@ -26,6 +28,7 @@ Decimal scanDecimal(View text) {
   while (at != end && isSpace(static_cast<char32_t>(*at))) ++at;
   if (at != end && (*at == '-' || *at == '+')) number.negative = *at++ == '-';
   for (; at != end && *at >= '0' && *at <= '9'; ++at) {
+    number.found = true;
     const auto digit = static_cast<std::uint64_t>(*at - '0');
     constexpr std::uint64_t kMax = std::numeric_limits<std::uint64_t>::max();
     if (number.magnitude > (kMax - digit) / 10) {
@@ -38,29 +41,72 @@ Decimal scanDecimal(View text) {
   return number;
 }
 
+/// Whether the number fits. A minus takes a signed type one further and leaves an unsigned one as it is.
+template <class Integer>
+bool fits(const Decimal& number) {
+  std::uint64_t reach = static_cast<std::uint64_t>(std::numeric_limits<Integer>::max());
+  if (std::is_signed_v<Integer> && number.negative) ++reach;
+  return !number.overflow && number.magnitude <= reach;
+}
+
+template <class Integer>
+Integer valueOf(const Decimal& number) {
+  return static_cast<Integer>(number.negative ? 0 - number.magnitude : number.magnitude);
+}
+
 template <class Signed, class View>
 Signed parseSigned(View text) {
   using Limits = std::numeric_limits<Signed>;
   const Decimal number = scanDecimal(text);
-  const std::uint64_t reach =
-      static_cast<std::uint64_t>(Limits::max()) + static_cast<std::uint64_t>(number.negative);
-  if (number.overflow || number.magnitude > reach) return number.negative ? Limits::min() : Limits::max();
-  const std::uint64_t bits = number.negative ? 0 - number.magnitude : number.magnitude;
-  return static_cast<Signed>(bits);
+  if (!fits<Signed>(number)) return number.negative ? Limits::min() : Limits::max();
+  return valueOf<Signed>(number);
 }
 
 template <class Unsigned, class View>
 Unsigned parseUnsigned(View text) {
-  constexpr Unsigned kMax = std::numeric_limits<Unsigned>::max();
   const Decimal number = scanDecimal(text);
-  if (number.overflow || number.magnitude > kMax) return kMax;
-  return static_cast<Unsigned>(number.negative ? 0 - number.magnitude : number.magnitude);
+  return fits<Unsigned>(number) ? valueOf<Unsigned>(number) : std::numeric_limits<Unsigned>::max();
+}
+
+template <class Integer>
+bool readInteger(std::string_view text, Integer& value) {
+  const Decimal number = scanDecimal(text);
+  if (!number.found || !fits<Integer>(number)) return false;
+  value = valueOf<Integer>(number);
+  return true;
 }
 
 /// strtod by the "C" locale, for what std::from_chars reads otherwise or not at all.
 double parseDoubleByC(std::string_view text) {
   static const locale_t kClassic = newlocale(LC_ALL_MASK, "C", nullptr);
   return strtod_l(std::string(text).c_str(), nullptr, kClassic);
+}
+
+/// What stands behind white space and a sign; `negative` tells the sign.
+std::string_view unsignedPart(std::string_view text, bool& negative) {
+  while (!text.empty() && isSpace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
+  negative = !text.empty() && text.front() == '-';
+  if (!text.empty() && (negative || text.front() == '+')) text.remove_prefix(1);
+  return text;
+}
+
+template <class Floating>
+bool readFloating(std::string_view whole, Floating& value) {
+  bool negative = false;
+  const std::string_view text = unsignedPart(whole, negative);
+  // A second sign: from_chars would take a minus here.
+  if (text.empty() || text.front() == '-') return false;
+  Floating magnitude = 0;
+  const std::errc failure = std::from_chars(text.data(), text.data() + text.size(), magnitude).ec;
+  if (failure == std::errc::result_out_of_range) {
+    const double wide = parseDoubleByC(text);
+    if (wide > 1) return false;
+    magnitude = static_cast<Floating>(wide);
+  } else if (failure != std::errc{}) {
+    return false;
+  }
+  value = negative ? -magnitude : magnitude;
+  return true;
 }
 
 constexpr bool startsHexadecimal(std::string_view text) {
@@ -96,9 +142,8 @@ std::uint32_t parseUInt32(std::u16string_view text) {
 
 double parseDouble(std::string_view text) {
   const std::string_view whole = text;
-  while (!text.empty() && isSpace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
-  const bool negative = !text.empty() && text.front() == '-';
-  if (!text.empty() && (negative || text.front() == '+')) text.remove_prefix(1);
+  bool negative = false;
+  text = unsignedPart(text, negative);
   // A second sign: from_chars would take a minus here.
   if (text.empty() || text.front() == '-') return 0;
   if (startsHexadecimal(text)) return parseDoubleByC(whole);
@@ -107,6 +152,22 @@ double parseDouble(std::string_view text) {
   if (failure == std::errc::result_out_of_range) return parseDoubleByC(whole);
   if (failure != std::errc{}) return 0;
   return negative ? -value : value;
+}
+
+bool readNumber(std::string_view text, std::int32_t& value) {
+  return readInteger(text, value);
+}
+bool readNumber(std::string_view text, std::uint32_t& value) {
+  return readInteger(text, value);
+}
+bool readNumber(std::string_view text, std::int64_t& value) {
+  return readInteger(text, value);
+}
+bool readNumber(std::string_view text, float& value) {
+  return readFloating(text, value);
+}
+bool readNumber(std::string_view text, double& value) {
+  return readFloating(text, value);
 }
 
 double parseDouble(std::u16string_view text) {

@@ -33,6 +33,16 @@ ZQXML_EXPORT std::uint32_t parseUInt32(std::u16string_view text);
 ZQXML_EXPORT double parseDouble(std::string_view text);
 ZQXML_EXPORT double parseDouble(std::u16string_view text);
 
+/// A number as a stream's `>>` reads it, with failure: false, and `value` stays as it was, when the text has
+/// no number behind its leading white space or the number does not fit. An unsigned value takes a minus sign
+/// as above. Floating point is decimal, "inf" or "nan"; what is too small is the nearest of zero and the
+/// subnormals.
+ZQXML_EXPORT bool readNumber(std::string_view text, std::int32_t& value);
+ZQXML_EXPORT bool readNumber(std::string_view text, std::uint32_t& value);
+ZQXML_EXPORT bool readNumber(std::string_view text, std::int64_t& value);
+ZQXML_EXPORT bool readNumber(std::string_view text, float& value);
+ZQXML_EXPORT bool readNumber(std::string_view text, double& value);
+
 /// The text without leading and trailing white space (the six characters above).
 constexpr std::string_view trimSpace(std::string_view text);
 constexpr std::u16string_view trimSpace(std::u16string_view text);
