@@ -1,9 +1,9 @@
 // Classes that contain themselves, and paths that meet.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <zqxml/catalogue/xpath_data.h>
 
 #include "compile_text.h"
-#include "paths.h"
 
 namespace zqxml::zqcatc {
 namespace {
@@ -71,43 +71,128 @@ TEST(CyclesTest, LongChainIsWalkedWithoutRecursion) {
       ElementsAre(HasSubstr("K3.o -> K4.o -> K5.o -> K6.o -> K7.o -> K8.o -> K9.o -> K10.o -> K11 ...:")));
 }
 
+/// A root class with one object field `o` of a class with these fields.
+std::string rootOf(std::string_view name, int index, std::string_view fields) {
+  return cat("<class name=\"", name, "\" index=\"", index, "\" paths=\"true\">",
+             "<field name=\"o\" type=\"object\" class=\"", name, "Leaf\"/></class><class name=\"", name,
+             "Leaf\" index=\"", index + 1, "\">", fields, "</class>\n");
+}
+
+std::vector<std::string> pathsOf(const Compiled& compiled) {
+  std::vector<std::string> texts;
+  for (const FieldPath& path : compiled.catalogue.find("T")->paths) texts.push_back(path.text);
+  return texts;
+}
+
 TEST(PathsTest, IdIsTheAbsoluteHashOfTheText) {
-  EXPECT_EQ(pathId("options[1]/@originalJobId"), 0x6557686d);
-  EXPECT_EQ(pathId("options[1]/@externalDataProcessor"), 0x38d09dfd);
-  EXPECT_EQ(pathId(""), 0);
+  EXPECT_EQ(xpathId("options[1]/@originalJobId"), 0x6557686d);
+  EXPECT_EQ(xpathId("options[1]/@externalDataProcessor"), 0x38d09dfd);
+  EXPECT_EQ(xpathId(""), 0);
+  EXPECT_EQ(xpathId("@"), 0x40);
+  // A byte above 0x7f counts as a negative number.
+  EXPECT_EQ(xpathId("\xff"), 1);
+}
+
+TEST(PathsTest, StepsAndLeavesHaveTheirForms) {
+  const Compiled compiled =
+      compile(rootOf("R", 0,
+                     "<field name=\"n\" type=\"int\"/><field name=\"l\" type=\"list_int\"/>"
+                     "<field name=\"c\" type=\"object\" class=\"C\"/>"
+                     "<field name=\"many\" type=\"list_object\" class=\"C\"/>") +
+              "<class name=\"C\" index=\"5\"><field name=\"s\" type=\"string\"/></class>");
+  EXPECT_THAT(compiled.errors, IsEmpty());
+  EXPECT_THAT(pathsOf(compiled), ElementsAre("o[1]/@n", "o[1]/c[1]/@s", "o[1]/l", "o[1]/many[1]/@s"));
+  const std::vector<FieldPath>& paths = compiled.catalogue.find("T")->paths;
+  EXPECT_THAT(paths[3].members, ElementsAre(0, 3, 0));
+  EXPECT_EQ(paths[3].id, xpathId("o[1]/many[1]/@s"));
+}
+
+TEST(PathsTest, PathsBeginWithAnObjectOfTheRoot) {
+  const Compiled compiled = compile(
+      "<class name=\"R\" index=\"0\" paths=\"true\"><field name=\"n\" type=\"int\"/>"
+      "<field name=\"l\" type=\"list_int\"/></class>");
+  EXPECT_THAT(compiled.errors, IsEmpty());
+  EXPECT_THAT(pathsOf(compiled), IsEmpty());
+}
+
+TEST(PathsTest, TypesWithoutAPathHaveNone) {
+  EXPECT_THAT(pathsOf(compile(rootOf(
+                  "R", 0,
+                  "<field name=\"u\" type=\"ulonglong\"/><field name=\"lu\" type=\"list_ulonglong\"/>"
+                  "<field name=\"lb\" type=\"list_bstring\"/><field name=\"m\" type=\"map_int64_int64\"/>"
+                  "<field name=\"h\" type=\"int\" hash=\"0\"/>"))),
+              ElementsAre("o[1]/@u"));
+}
+
+TEST(PathsTest, OnlyRootsHavePaths) {
+  EXPECT_THAT(
+      pathsOf(compile("<class name=\"R\" index=\"0\"><field name=\"o\" type=\"object\" class=\"L\"/></class>"
+                      "<class name=\"L\" index=\"1\"><field name=\"n\" type=\"int\"/></class>")),
+      IsEmpty());
+}
+
+TEST(PathsTest, OnePathOfTwoRootsIsTakenOnce) {
+  const std::string root = "\" paths=\"true\"><field name=\"o\" type=\"object\" class=\"L\"/></class>";
+  const Compiled compiled =
+      compile("<class name=\"R\" index=\"0" + root + "<class name=\"S\" index=\"1" + root +
+              "<class name=\"L\" index=\"2\"><field name=\"n\" type=\"int\"/></class>");
+  EXPECT_THAT(compiled.errors, IsEmpty());
+  EXPECT_THAT(pathsOf(compiled), ElementsAre("o[1]/@n"));
 }
 
 TEST(PathsTest, CollidingIdsAreRefused) {
   EXPECT_THAT(
-      compileFiles(
-          {{"T.xml",
-            "<subsystem name=\"T\" slot=\"202\" records=\"20\">\n"
-            "<class name=\"R\" index=\"0\" paths=\"true\"><field name=\"Aax\" type=\"int\"/></class>\n"
-            "<class name=\"S\" index=\"1\" paths=\"true\"><field name=\"BBx\" type=\"int\"/></class>"
-            "</subsystem>"}})
+      compile(rootOf("R", 0, "<field name=\"Aax\" type=\"int\"/>") +
+              rootOf("S", 2, "<field name=\"BBx\" type=\"int\"/>"))
           .errors,
-      ElementsAre(
-          "T.xml:1:12: error: paths '@Aax' and '@BBx' of subsystem 'T' have the same id 1972216; rename a "
-          "field of one of them"));
+      ElementsAre("T.xml:1:12: error: paths 'o[1]/@Aax' and 'o[1]/@BBx' of subsystem 'T' have the same "
+                  "id 131103089; rename a field of one of them"));
 }
 
 TEST(PathsTest, OnePathLeadsToOneField) {
   EXPECT_THAT(
-      compile("<class name=\"R\" index=\"0\" paths=\"true\"><field name=\"a\" type=\"int\"/></class>\n"
-              "<class name=\"S\" index=\"1\" paths=\"true\"><field name=\"b\" type=\"int\"/><field "
-              "name=\"a\" type=\"int\"/></class>")
+      compile(rootOf("R", 0, "<field name=\"a\" type=\"int\"/>") +
+              rootOf("S", 2, "<field name=\"b\" type=\"int\"/><field name=\"a\" type=\"int\"/>"))
           .errors,
       ElementsAre(
-          "T.xml:1:12: error: path '@a' of subsystem 'T' leads to different fields from different roots; "
+          "T.xml:1:12: error: path 'o[1]/@a' of subsystem 'T' leads to different fields from different roots; "
           "rename a field, or remove paths=\"true\" from one root"));
 }
 
 TEST(PathsTest, ClassInItselfEndsItsPaths) {
-  EXPECT_THAT(
-      compile("<class name=\"R\" index=\"0\" paths=\"true\"><field name=\"o\" type=\"object\" class=\"R\"/>"
-              "<field name=\"a\" type=\"int\"/></class>")
-          .errors,
-      IsEmpty());
+  const Compiled compiled = compile(
+      "<class name=\"R\" index=\"0\" paths=\"true\"><field name=\"o\" type=\"object\" class=\"L\"/></class>"
+      "<class name=\"L\" index=\"1\"><field name=\"a\" type=\"int\"/><field name=\"l\" type=\"object\" "
+      "class=\"L\"/><field name=\"r\" type=\"list_object\" class=\"R\"/></class>");
+  EXPECT_THAT(compiled.errors, IsEmpty());
+  EXPECT_THAT(pathsOf(compiled), ElementsAre("o[1]/@a"));
+}
+
+TEST(PathsTest, TablesAreWrittenInTheirOrders) {
+  const Compiled compiled =
+      compile(rootOf("R", 0, "<field name=\"b\" type=\"int\"/><field name=\"a\" type=\"list_int\"/>"));
+  ASSERT_THAT(compiled.errors, IsEmpty());
+  const std::string b = std::to_string(xpathId("o[1]/@b"));
+  const std::string a = std::to_string(xpathId("o[1]/a"));
+  const bool aFirst = xpathId("o[1]/a") < xpathId("o[1]/@b");
+  const std::string text = compiled.output("/T.cc");
+  EXPECT_THAT(text, HasSubstr("kPathMembers[] = {\n    0, 0,\n    0, 1,\n};\n"));
+  EXPECT_THAT(text, HasSubstr("XPathFieldsInfo kPathFields[3] = {\n    {kPathMembers + 0, 2},\n"
+                              "    {kPathMembers + 2, 2},\n    {},\n};\n"));
+  EXPECT_THAT(text, HasSubstr(cat("XPathEntry kPaths[3] = {\n    {", b, ", \"o[1]/@b\"},\n    {", a,
+                                  ", \"o[1]/a\"},\n    {},\n};\n")));
+  EXPECT_THAT(text, HasSubstr(cat("XPathIDHelper kPathIds[3] = {\n    {", aFirst ? a + ", 1" : b + ", 0",
+                                  "},\n    {", aFirst ? b + ", 0" : a + ", 1", "},\n    {-1, -1},\n};\n")));
+  EXPECT_THAT(compiled.output("/subsystem_table.cc"),
+              HasSubstr("XPathData gXPathTable[2] = {\n    {202, catalogue::tables::T::kPathFields, "
+                        "catalogue::tables::T::kPathIds, catalogue::tables::T::kPaths, 2},\n    {},\n};\n"));
+}
+
+TEST(PathsTest, CatalogueWithoutPathsHasAnEmptyTable) {
+  const Compiled compiled = compileClass("");
+  EXPECT_THAT(compiled.output("/T.cc"), testing::Not(HasSubstr("kPath")));
+  EXPECT_THAT(compiled.output("/subsystem_table.cc"),
+              HasSubstr("XPathData gXPathTable[1] = {\n    {},\n};\n"));
 }
 
 TEST(PathsTest, EndlesslyBranchingClassesAreRefused) {

@@ -64,7 +64,7 @@ Catalogue compileCatalogue(std::span<const SchemaSource> sources, SchemaParser& 
   if (diagnostics.hasErrors()) return catalogue;
   // These walk from class to class and need every reference.
   checkCycles(catalogue, diagnostics);
-  checkPaths(catalogue, diagnostics);
+  findPaths(catalogue, diagnostics);
   return catalogue;
 }
 

@@ -64,6 +64,13 @@ struct Class {
   int defaultsStart = -1;
 };
 
+/// The name of a value below a root (catalogue/xpath_data.h).
+struct FieldPath {
+  std::string text;
+  std::int32_t id = 0;
+  std::vector<std::int16_t> members;  ///< member numbers from the root's field to the value's
+};
+
 struct Subsystem {
   std::string name;
   Position position;
@@ -74,6 +81,7 @@ struct Subsystem {
   bool annotations = false;
   std::vector<std::unique_ptr<Class>> classes;  ///< ascending by index
   std::unordered_map<std::string_view, const Class*> byName;
+  std::vector<FieldPath> paths;  ///< ascending by text; filled by findPaths()
 
   /// The first class or enumeration of the name; null when there is none.
   const Class* find(std::string_view className) const;

@@ -1,7 +1,10 @@
 #include "paths.h"
 
+#include <zqxml/catalogue/xpath_data.h>
+
 #include <algorithm>
 #include <string>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -10,15 +13,10 @@ namespace zqxml::zqcatc {
 
 namespace {
 
-struct FieldPath {
-  std::string text;
-  std::int32_t id = 0;
-  std::vector<std::int16_t> members;  ///< field numbers from the root to the value
-};
-
 constexpr std::size_t kMaxPaths = 200'000;
 constexpr std::size_t kMaxVisits = 1'000'000;
 constexpr std::size_t kMaxDepth = 64;
+constexpr FieldTypeSet kSteps{FDT_OBJECT, FDT_LIST_OBJECT};
 
 class PathWalker {
  public:
@@ -30,13 +28,7 @@ class PathWalker {
       if (isFull()) break;
       if (field.hash == 0 || field.isSelf) continue;
       members_.push_back(field.memNum);
-      if (field.type == FDT_OBJECT && field.references[0].target != nullptr) {
-        walk(*field.references[0].target, prefix + field.name + "[1]/");
-      } else if (kPrimitiveTypes.contains(field.type)) {
-        add(prefix + "@" + field.name);
-      } else if (kXmlPrimitiveTypes.contains(field.type) && !kMapTypes.contains(field.type)) {
-        add(prefix + field.name);
-      }
+      addField(field, prefix);
       members_.pop_back();
     }
     open_.pop_back();
@@ -44,11 +36,20 @@ class PathWalker {
 
   /// True when there are more paths than a subsystem may have; the rest is left out.
   bool isFull() const { return paths_.size() >= kMaxPaths || visits_ > kMaxVisits; }
-  const std::vector<FieldPath>& paths() const { return paths_; }
+  std::vector<FieldPath>& paths() { return paths_; }
 
  private:
+  void addField(const Field& field, const std::string& prefix) {
+    if (kSteps.contains(field.type)) {
+      if (const Class* target = field.references[0].target) walk(*target, prefix + field.name + "[1]/");
+    } else if (members_.size() > 1 && kXPathScalarTypes.contains(field.type)) {
+      add(prefix + "@" + field.name);
+    } else if (members_.size() > 1 && kXPathListTypes.contains(field.type)) {
+      add(prefix + field.name);
+    }
+  }
   void add(std::string text) {
-    const std::int32_t id = pathId(text);
+    const std::int32_t id = xpathId(text);
     paths_.push_back({std::move(text), id, members_});
   }
 
@@ -58,17 +59,28 @@ class PathWalker {
   std::vector<std::int16_t> members_;
 };
 
-}  // namespace
-
-std::int32_t pathId(std::string_view text) {
-  std::uint32_t hash = 0;
-  for (char byte : text)
-    hash = hash * 31 + static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<signed char>(byte)));
-  // The one value without a positive counterpart stays as it is.
-  return static_cast<std::int32_t>(hash > 0x80000000u ? 0u - hash : hash);
+void checkPaths(const Subsystem& subsystem, Diagnostics& diagnostics) {
+  std::unordered_map<std::int32_t, const FieldPath*> byId;
+  for (const FieldPath& path : subsystem.paths) {
+    const auto [entry, isNew] = byId.try_emplace(path.id, &path);
+    if (isNew) continue;
+    const FieldPath& other = *entry->second;
+    if (other.text != path.text) {
+      diagnostics.error(subsystem.position,
+                        cat("paths '", other.text, "' and '", path.text, "' of subsystem '", subsystem.name,
+                            "' have the same id ", path.id, "; rename a field of one of them"));
+    } else {
+      diagnostics.error(subsystem.position,
+                        cat("path '", path.text, "' of subsystem '", subsystem.name,
+                            "' leads to different fields from different roots; rename a field, "
+                            "or remove paths=\"true\" from one root"));
+    }
+  }
 }
 
-void checkPaths(const Catalogue& catalogue, Diagnostics& diagnostics) {
+}  // namespace
+
+void findPaths(Catalogue& catalogue, Diagnostics& diagnostics) {
   for (const auto& subsystem : catalogue.subsystems) {
     PathWalker walker;
     for (const auto& record : subsystem->classes)
@@ -79,22 +91,15 @@ void checkPaths(const Catalogue& catalogue, Diagnostics& diagnostics) {
                             " paths; remove paths=\"true\" from some of its classes"));
       continue;
     }
-    std::unordered_map<std::int32_t, const FieldPath*> byId;
-    for (const FieldPath& path : walker.paths()) {
-      const auto [entry, isNew] = byId.try_emplace(path.id, &path);
-      const FieldPath& other = *entry->second;
-      if (isNew || (other.text == path.text && other.members == path.members)) continue;
-      if (other.text != path.text) {
-        diagnostics.error(subsystem->position, cat("paths '", other.text, "' and '", path.text,
-                                                   "' of subsystem '", subsystem->name, "' have the same id ",
-                                                   path.id, "; rename a field of one of them"));
-      } else {
-        diagnostics.error(subsystem->position,
-                          cat("path '", path.text, "' of subsystem '", subsystem->name,
-                              "' leads to different fields from different roots; rename a field, "
-                              "or remove paths=\"true\" from one root"));
-      }
-    }
+    std::vector<FieldPath>& paths = subsystem->paths;
+    paths = std::move(walker.paths());
+    const auto whole = [](const FieldPath& path) { return std::tie(path.text, path.members); };
+    std::sort(paths.begin(), paths.end(),
+              [whole](const FieldPath& a, const FieldPath& b) { return whole(a) < whole(b); });
+    // A path that leads to the same field from two roots is one path.
+    const auto same = [whole](const FieldPath& a, const FieldPath& b) { return whole(a) == whole(b); };
+    paths.erase(std::unique(paths.begin(), paths.end(), same), paths.end());
+    checkPaths(*subsystem, diagnostics);
   }
 }
 

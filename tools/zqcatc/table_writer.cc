@@ -4,6 +4,9 @@
 #include <zqxml/catalogue/records.h>
 
 #include <algorithm>
+#include <limits>
+#include <utility>
+#include <vector>
 
 #include "cpp_names.h"
 
@@ -43,6 +46,11 @@ std::string classRow(const Class& record) {
              record.defaultsStart, ", ", record.fields.size(), ", ", record.elements, "},\n");
 }
 
+/// The one number that C++ cannot write with a minus in front is a path's id too.
+std::string numberLiteral(std::int32_t number) {
+  return number == std::numeric_limits<std::int32_t>::min() ? "-0x7fffffff - 1" : std::to_string(number);
+}
+
 /// Records that the schema does not describe, many to a line.
 std::string emptyRows(int count) {
   std::string rows;
@@ -51,9 +59,14 @@ std::string emptyRows(int count) {
   return rows;
 }
 
+/// Declaration and start of a table with external linkage, which a constant would not have by itself.
+std::string tableStart(std::string_view type, std::string_view name, std::size_t count) {
+  const std::string declaration = cat(type, " ", name, "[", count, "]");
+  return cat("extern const ", declaration, ";\nconstexpr ", declaration, " = {\n");
+}
+
 std::string classTable(const Subsystem& subsystem) {
-  std::string text = cat("extern const _ClassDef kClasses[", subsystem.records,
-                         "];\nconstexpr _ClassDef kClasses[", subsystem.records, "] = {\n");
+  std::string text = tableStart("_ClassDef", "kClasses", static_cast<std::size_t>(subsystem.records));
   int next = 0;
   for (const auto& record : subsystem.classes) {
     text += emptyRows(record->index - next) + classRow(*record);
@@ -67,8 +80,7 @@ std::string idIndex(const Subsystem& subsystem) {
   for (const auto& record : subsystem.classes)
     if (record->id != 0) byId.push_back(record.get());
   std::sort(byId.begin(), byId.end(), [](const Class* a, const Class* b) { return a->id < b->id; });
-  std::string text = cat("extern const ClassIdIndexEntry kIds[", subsystem.records,
-                         "];\nconstexpr ClassIdIndexEntry kIds[", subsystem.records, "] = {\n");
+  std::string text = tableStart("ClassIdIndexEntry", "kIds", static_cast<std::size_t>(subsystem.records));
   // Every record has an entry; that of a record without an id leads to the first record.
   text += emptyRows(subsystem.records - static_cast<int>(byId.size()));
   for (const Class* record : byId) text += cat("    {", hexNumber(record->id), ", ", record->index, "},\n");
@@ -88,8 +100,7 @@ std::size_t defaultsCount(const Subsystem& subsystem) {
 std::string defaultsTable(const Subsystem& subsystem) {
   const std::size_t count = defaultsCount(subsystem);
   if (count == 0) return {};
-  std::string text = cat("extern const FieldDefaultEntry kDefaults[", count,
-                         "];\nconstexpr FieldDefaultEntry kDefaults[", count, "] = {\n");
+  std::string text = tableStart("FieldDefaultEntry", "kDefaults", count);
   for (const auto& record : subsystem.classes) {
     if (record->defaultsStart < 0) continue;
     text += cat("    /* ", record->defaultsStart, ": ", record->name, " */\n");
@@ -102,11 +113,56 @@ std::string defaultsTable(const Subsystem& subsystem) {
   return text + "};\n\n";
 }
 
+/// The tables of the subsystem's paths, each with one entry behind the last path.
+std::string pathTables(const Subsystem& subsystem) {
+  const std::vector<FieldPath>& paths = subsystem.paths;
+  if (paths.empty()) return {};
+  std::string members = "static constexpr short kPathMembers[] = {\n";
+  std::string fields = tableStart("XPathFieldsInfo", "kPathFields", paths.size() + 1);
+  std::string texts = tableStart("XPathEntry", "kPaths", paths.size() + 1);
+  std::vector<std::pair<std::int32_t, std::size_t>> ids;
+  std::size_t memberCount = 0;
+  for (const FieldPath& path : paths) {
+    members += "   ";
+    for (const std::int16_t member : path.members) members += cat(" ", member, ",");
+    members += "\n";
+    fields += cat("    {kPathMembers + ", memberCount, ", ", path.members.size(), "},\n");
+    texts += cat("    {", numberLiteral(path.id), ", ", stringLiteral(path.text), "},\n");
+    ids.emplace_back(path.id, ids.size());
+    memberCount += path.members.size();
+  }
+  std::sort(ids.begin(), ids.end());
+  std::string helper = tableStart("XPathIDHelper", "kPathIds", paths.size() + 1);
+  for (const auto& [id, place] : ids) helper += cat("    {", numberLiteral(id), ", ", place, "},\n");
+  return cat(members, "};\n", fields, "    {},\n};\n", helper, "    {-1, -1},\n};\n", texts,
+             "    {},\n};\n\n");
+}
+
+/// Source text of gXPathTable.
+std::string pathTable(const Catalogue& catalogue) {
+  std::string rows;
+  std::size_t count = 1;
+  for (const auto& subsystem : catalogue.subsystems) {
+    if (subsystem->paths.empty()) continue;
+    const std::string tables = "catalogue::tables::" + subsystem->name + "::";
+    rows += cat("    {", subsystem->slot, ", ", tables, "kPathFields, ", tables, "kPathIds, ", tables,
+                "kPaths, ", subsystem->paths.size(), "},\n");
+    ++count;
+  }
+  return cat("\nextern __attribute__((weak)) const XPathData gXPathTable[", count,
+             "];\nconstexpr XPathData gXPathTable[", count, "] = {\n", rows, "    {},\n};\n");
+}
+
+std::string includes(bool withPaths) {
+  return cat("#include <zqxml/catalogue/records.h>\n",
+             withPaths ? "#include <zqxml/catalogue/xpath_data.h>\n" : "", "\n");
+}
+
 }  // namespace
 
 std::string writeSubsystemTables(const Subsystem& subsystem, std::string_view firstLine) {
-  std::string text = cat(firstLine, "#include <zqxml/catalogue/records.h>\n\nnamespace ",
-                         tablesNamespace(subsystem), " {\n\n");
+  std::string text =
+      cat(firstLine, includes(!subsystem.paths.empty()), "namespace ", tablesNamespace(subsystem), " {\n\n");
   for (const auto& record : subsystem.classes) {
     if (record->fields.empty()) continue;
     text += cat("static constexpr FieldDef ", fieldsName(*record), "[] = {\n");
@@ -116,6 +172,7 @@ std::string writeSubsystemTables(const Subsystem& subsystem, std::string_view fi
   text += "\n";
   if (subsystem.records != 0) text += classTable(subsystem) + idIndex(subsystem);
   text += defaultsTable(subsystem);
+  text += pathTables(subsystem);
   text += cat(
       "}  // namespace ", tablesNamespace(subsystem), "\n\nnamespace zqxml::", subsystem.name,
       " {\n\nZQXML_EXPORT void RegisterSubsystem();\nvoid RegisterSubsystem() {}\n\n}  // namespace zqxml::",
@@ -124,13 +181,17 @@ std::string writeSubsystemTables(const Subsystem& subsystem, std::string_view fi
 }
 
 std::string writeSubsystemTable(const Catalogue& catalogue, std::string_view firstLine) {
-  std::string text = cat(firstLine, "#include <zqxml/catalogue/records.h>\n\n");
+  std::string text = cat(firstLine, includes(true));
   for (const auto& subsystem : catalogue.subsystems) {
     if (subsystem->records == 0) continue;
     text += cat("namespace ", tablesNamespace(*subsystem), " {\nextern const _ClassDef kClasses[",
                 subsystem->records, "];\nextern const ClassIdIndexEntry kIds[", subsystem->records, "];\n");
     if (const std::size_t count = defaultsCount(*subsystem); count != 0)
       text += cat("extern const FieldDefaultEntry kDefaults[", count, "];\n");
+    if (const std::size_t count = subsystem->paths.size() + 1; count != 1)
+      text +=
+          cat("extern const XPathFieldsInfo kPathFields[", count, "];\nextern const XPathIDHelper kPathIds[",
+              count, "];\nextern const XPathEntry kPaths[", count, "];\n");
     text += "}\n";
   }
   text +=
@@ -148,7 +209,8 @@ std::string writeSubsystemTable(const Catalogue& catalogue, std::string_view fir
                 ", ", subsystem->old ? "true" : "false", "},\n");
     next = subsystem->slot + 1;
   }
-  return text + emptyRows(kSubsystemCount + 1 - next) + "};\n\n}  // namespace zqxml\n";
+  return cat(text, emptyRows(kSubsystemCount + 1 - next), "};\n", pathTable(catalogue),
+             "\n}  // namespace zqxml\n");
 }
 
 }  // namespace zqxml::zqcatc

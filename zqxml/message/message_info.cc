@@ -1,5 +1,6 @@
 // What a message and a tag id tell about themselves, and the catalogue look-ups under their public names.
 #include <zqxml/catalogue/lookup.h>
+#include <zqxml/catalogue/xpath_data.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/internal/message_access.h>
 #include <zqxml/message/xn_message_base.h>
@@ -87,6 +88,9 @@ int XNMessageBase::getFieldNumberFromName(const _ClassDef* classDef, const std::
 }
 const char* XNMessageBase::getEnumString(short msgSysIndex, const char* enumName, int value) {
   return catalogue::enumString(msgSysIndex, enumName, value);
+}
+const XPathData* XNMessageBase::getXPathData(short subsystem) {
+  return catalogue::xpathData(subsystem);
 }
 bool XNMessageBase::isOldWay(std::uint32_t tagId) {
   return catalogue::isOldWay(tagId);

@@ -33,6 +33,7 @@ namespace zqxml {
 class BinaryBuffer;
 class CUlFile;
 class XNMessageBase;
+struct XPathData;
 namespace ZqEntities {
 class ProcessingInstructionInfo;
 }
@@ -119,6 +120,8 @@ class ZQXML_EXPORT XNMessageBase {
   static bool getMessageSchemaString(std::uint32_t tagId, std::string& text, bool allFields, bool details);
   /// Subsystem and class name joined by "_"; an empty text when the tag does not resolve.
   static std::string getTagNameFromTagID(std::uint32_t tagId);
+  /// catalogue::xpathData.
+  static const XPathData* getXPathData(short subsystem);
   /// Field count of the tag's class into `count`; false when it does not resolve.
   static bool getNumberOfFields(std::uint32_t tagId, int& count);
 
