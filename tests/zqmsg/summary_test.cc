@@ -166,6 +166,13 @@ TEST_F(Summary, ValueWithoutANameIsWarnedOf) {
   EXPECT_THAT(run.err, HasSubstr("does not contain enum with value : [99]"));
 }
 
+TEST_F(Summary, ControlCharactersAreShownAndConvertWritesThem) {
+  const std::string xml = "<JobManager_JobProgress currentItem=\"a&#10;b&#9;&#x9b;\"/>";
+  EXPECT_EQ(summary({}, xml).out, "currentItem:[a\\nb\\t\\xc2\\x9b]\n");
+  EXPECT_THAT(summary({"--html"}, xml).out, HasSubstr("a\\nb\\t\\xc2\\x9b"));
+  EXPECT_EQ(inLanguage({}, {"convert", "--to", "text"}, xml).out, "currentItem:[a\nb\t\xc2\x9b]");
+}
+
 // --- convert
 
 TEST_F(Summary, ConvertWritesTheSameTextAndOutline) {

@@ -12,8 +12,9 @@ namespace {
 
 constexpr const char* kExamples =
     R"(One line per message. Passwords are left out; in HTML byte strings are masked. The HTML is a
-fragment that holds the values as they are; of a message that cannot be trusted,
-'zqmsg convert --to page' makes a page that is safe.
+fragment that does not escape values; of a message that cannot be trusted,
+'zqmsg convert --to page' makes a page that is safe. Control characters are shown as \n or
+\xNN; 'zqmsg convert --to text' and '--to html' write them as they are.
 
 N is a language identifier, 1033 or 0x409 for English, 1031 for German; 0 is the language of
 the environment. Labels without a text are the names of the fields.
@@ -38,7 +39,7 @@ void summarize(const Options& options, Session& session) {
   for (const std::string& file : options.files) {
     MessageSource source(file, std::nullopt, session);
     while (const MessagePtr message = source.next()) {
-      output.write(render(*message, form, options.format) + '\n');
+      output.write(visible(render(*message, form, options.format)) + '\n');
       for (const std::string& line : session.log.take()) session.console.warn(source.where(), line);
     }
   }
