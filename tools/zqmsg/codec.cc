@@ -13,9 +13,7 @@
 #include "tools/zqmsg/rendering.h"
 
 namespace zqxml::tool {
-namespace {
 
-// A password that could not be coded: only the log tells it, since a field that fails does not fail the call.
 // A routine of the platform that fails gives an empty text.
 void requirePasswords(const std::string& where, LibraryLog& log) {
   if (log.told().noPasswordRoutine) {
@@ -29,6 +27,8 @@ void requirePasswords(const std::string& where, LibraryLog& log) {
         .explain(log.take());
   }
 }
+
+namespace {
 
 // Without a byte order mark or a declaration nobody can know that a text is UTF-16.
 std::string withByteOrderMark(const std::string& bytes) {

@@ -19,6 +19,10 @@ using MessagePtr = std::unique_ptr<XNMessageBase>;
 /// could not be taken over. `where` is what messages call the input.
 MessagePtr decode(Form form, const std::string& bytes, const std::string& where, LibraryLog& log);
 
+/// Throws Failure when the library has told, since the last LibraryLog::take, that a password could not be
+/// coded: a field that fails does not fail a call.
+void requirePasswords(const std::string& where, LibraryLog& log);
+
 /// How a message is written. The switches from `elements` to `maskSensitive` are of the XML forms.
 struct WriteOptions {
   Form form = Form::kXml;

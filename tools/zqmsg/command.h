@@ -14,6 +14,7 @@ void addDumpCatalogue(CLI::App& app, Session& session);
 void addConvert(CLI::App& app, Session& session);
 void addInspect(CLI::App& app, Session& session);
 void addDiff(CLI::App& app, Session& session);
+void addMask(CLI::App& app, Session& session);
 void addMerge(CLI::App& app, Session& session);
 void addSample(CLI::App& app, Session& session);
 void addSummary(CLI::App& app, Session& session);

@@ -24,10 +24,6 @@ Examples:
   zqmsg convert alert.xml --to page -o alert.html
   zqmsg convert - --from binary --to xml < alert.bin)";
 
-std::vector<std::string> formNames(std::size_t count) {
-  return {kFormNames.begin(), kFormNames.begin() + count};
-}
-
 struct Arguments {
   ConvertOptions options;
   std::string from;

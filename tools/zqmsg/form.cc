@@ -42,6 +42,10 @@ std::optional<Form> formByName(std::string_view name) {
   return static_cast<Form>(found - kFormNames.begin());
 }
 
+std::vector<std::string> formNames(std::size_t count) {
+  return {kFormNames.begin(), kFormNames.begin() + count};
+}
+
 bool mayBe(Form form, std::string_view head) {
   if (form == Form::kXml16) return startsLikeXml16(head);
   if (form == Form::kXml) return startsLikeXml(head) && !startsLikeXml16(head);

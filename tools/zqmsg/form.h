@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zqxml::tool {
 
@@ -29,6 +30,8 @@ constexpr std::string_view formName(Form form) {
   return kFormNames[static_cast<std::size_t>(form)];
 }
 std::optional<Form> formByName(std::string_view name);
+/// The names of the first `count` forms, for the command line.
+std::vector<std::string> formNames(std::size_t count);
 
 /// Bytes of an input's start that are enough for detectForm.
 inline constexpr std::size_t kDetectionBytes = 4096;

@@ -47,16 +47,16 @@ std::string MessageSource::where() const {
 }
 
 MessagePtr MessageSource::next() {
-  std::string bytes;
+  bytes_.clear();
   if (form_ == Form::kObjects) {
-    if (!objects_.next(bytes)) return nullptr;
+    if (!objects_.next(bytes_)) return nullptr;
   } else {
     if (number_ != 0) return nullptr;
-    bytes = readWhole(source_);
+    bytes_ = readWhole(source_);
   }
   ++number_;
   const Form messageForm = form_ == Form::kObjects ? Form::kBinary : form_;
-  MessagePtr message = decode(messageForm, bytes, where(), session_.log);
+  MessagePtr message = decode(messageForm, bytes_, where(), session_.log);
   for (const std::string& line : session_.log.take()) session_.console.warn(where(), line);
   return message;
 }

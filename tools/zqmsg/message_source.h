@@ -24,6 +24,8 @@ class MessageSource {
   const std::string& name() const { return source_.name(); }
   /// The next message, null at the end.
   MessagePtr next();
+  /// The bytes that next() made it of.
+  const std::string& bytes() const { return bytes_; }
   /// Number of the message that next() gave, from 1.
   std::uint64_t number() const { return number_; }
   /// What messages call it: the input's name, with the object's number where there may be several.
@@ -34,6 +36,7 @@ class MessageSource {
   ByteSource source_;
   Form form_;
   ObjectReader objects_{source_};
+  std::string bytes_;
   std::uint64_t number_ = 0;
 };
 

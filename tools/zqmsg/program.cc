@@ -32,6 +32,7 @@ void addCommands(CLI::App& app, Session& session) {
   addConvert(app, session);
   addInspect(app, session);
   addDiff(app, session);
+  addMask(app, session);
   addMerge(app, session);
   addSample(app, session);
   addSummary(app, session);
