@@ -21,6 +21,7 @@
 #include <zqxml/catalogue/old_way.h>
 #include <zqxml/catalogue/records.h>
 #include <zqxml/catalogue/result.h>
+#include <zqxml/catalogue/xpath_data.h>
 #include <zqxml/logging/dummy_objects.h>
 #include <zqxml/logging/event_conversion.h>
 #include <zqxml/logging/masked_xml.h>
@@ -61,6 +62,7 @@
 #include <zqxml/render/zq_xml_summary.h>
 #include <zqxml/traverse/entity_type_handler.h>
 #include <zqxml/traverse/msg_field_context.h>
+#include <zqxml/traverse/xml_meta_data.h>
 #include <zqxml/traverse/xml_traverse.h>
 #include <zqxml/traverse/xml_traverse_handler.h>
 #include <zqxml/xml/base64_decode.h>

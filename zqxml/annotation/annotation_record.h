@@ -94,7 +94,10 @@ class AnnotationRecord {
 
   // Flag byte 1.
 
+  /// The paths below the field are told without being asked for.
+  constexpr bool generatesPaths() const { return has(annotation_flag::kGenPath); }
   constexpr bool isHiddenInReports() const { return has(annotation_flag::kHideInReports); }
+  constexpr bool isSingleInstanced() const { return has(annotation_flag::kSingleInstanced); }
 
   // Flag byte 2.
 
