@@ -3,9 +3,9 @@
 // Three messages: seven scalars; sixty fields with twenty sub-objects, lists and a map; the same with five
 // thousand sub-objects. Every call makes its output anew, ours and the peer's alike.
 #include <bench/job_data.h>
+#include <bench/measurements.h>
 #include <bench/our_messages.h>
 #include <bench/protobuf_peer.h>
-#include <bench/ratio_table.h>
 #include <bench/xerces_peer.h>
 #include <benchmark/benchmark.h>
 #include <zqxml/binary/binary_buffer.h>
@@ -13,7 +13,6 @@
 #include <zqxml/xml/xml_serializer.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <string>
@@ -35,12 +34,6 @@ struct Subject {
   BinaryBuffer binary;
   std::string protobuf;
 };
-
-void require(bool holds, const char* what) {
-  if (holds) return;
-  std::fprintf(stderr, "codec_bench: %s\n", what);
-  std::exit(1);
-}
 
 template <class Data>
 std::unique_ptr<Subject> subject(std::string name, std::shared_ptr<const Data> data) {
@@ -64,14 +57,6 @@ std::unique_ptr<Subject> subject(std::string name, std::shared_ptr<const Data> d
       XMLSerializer().unserialize(std::as_const(result->xml), false));
   require(fromXml != nullptr && *fromXml == *result->ours, "the XML form does not come back");
   return result;
-}
-
-/// Registers a measurement of `work`.
-template <class Work>
-void measure(const std::string& name, Work work) {
-  benchmark::RegisterBenchmark(name.c_str(), [work](benchmark::State& state) {
-    for (auto iteration : state) work();
-  });
 }
 
 void measureBinary(Subject& s) {
@@ -144,20 +129,7 @@ int run(int argc, char** argv) {
                 s->xml.size(), static_cast<std::size_t>(s->binary.getDataSize()), s->protobuf.size());
   }
   std::fflush(stdout);
-
-  // Defaults that the command line can overrule.
-  std::vector<std::string> defaults{argv[0], "--benchmark_enable_random_interleaving=true",
-                                    "--benchmark_repetitions=30", "--benchmark_min_time=0.02"};
-  std::vector<char*> arguments;
-  for (std::string& text : defaults) arguments.push_back(text.data());
-  for (int i = 1; i < argc; ++i) arguments.push_back(argv[i]);
-  int count = static_cast<int>(arguments.size());
-  arguments.push_back(nullptr);
-  benchmark::Initialize(&count, arguments.data());
-  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
-  RatioTable table(comparisons(subjects));
-  benchmark::RunSpecifiedBenchmarks(&table);
-  return 0;
+  return runMeasurements(argc, argv, comparisons(subjects));
 }
 
 }  // namespace
