@@ -115,6 +115,8 @@ class ZQXML_EXPORT MsgFieldContext {
   template <class Mode>
   friend class ObjectWalk;
 
+  MsgFieldContext(const FieldDef& field, const FieldDefTraverseInfo* parent, XNMessageBase& msgObj)
+      : field_(field, parent), msgObj_(&msgObj) {}
   /// The record of the message's own class that the context's field is; null when it has none.
   const FieldDef* ownField(const char* function) const;
   template <class Value>

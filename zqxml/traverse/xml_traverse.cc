@@ -4,7 +4,9 @@
 #include <zqxml/xml/xml_decoder.h>
 #include <zqxml/xml/xml_encoder.h>
 
-#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <string_view>
 #include <utility>
 
 namespace zqxml {
@@ -13,24 +15,23 @@ namespace {
 constexpr char kTraverse[] = "XmlTraverse::traverse";
 
 /// What a walk calls its root: the name of its class behind the first '_', all of it when there is none.
-std::string rootNameOf(const _ClassDef* record) {
-  const std::string name = record == nullptr || record->getName() == nullptr ? "" : record->getName();
-  const std::size_t separator = name.find('_');
-  return separator == name.npos ? name : name.substr(separator + 1);
+const char* rootNameOf(const _ClassDef* record) {
+  const char* name = record == nullptr || record->getName() == nullptr ? "" : record->getName();
+  const char* separator = std::strchr(name, '_');
+  return separator == nullptr ? name : separator + 1;
 }
 
 /// An empty processing stack for one walk. A handler may start a walk of the same walker inside of it.
 class FreshStack {
  public:
-  explicit FreshStack(std::vector<std::string_view>& stack)
-      : stack_(stack), outer_(std::exchange(stack, {})) {}
-  ~FreshStack() { stack_ = std::move(outer_); }
+  explicit FreshStack(const ProcessedClass*& stack) : stack_(stack), outer_(std::exchange(stack, nullptr)) {}
+  ~FreshStack() { stack_ = outer_; }
   FreshStack(const FreshStack&) = delete;
   FreshStack& operator=(const FreshStack&) = delete;
 
  private:
-  std::vector<std::string_view>& stack_;
-  std::vector<std::string_view> outer_;
+  const ProcessedClass*& stack_;
+  const ProcessedClass* outer_;
 };
 
 }  // namespace
@@ -41,7 +42,7 @@ void XmlTraverse::traverse(XNMessageBase& msg, XmlTraverseHandler& traverseHandl
   handler = &traverseHandler;
   const _ClassDef* record = XNMessageBase::GetClassDef(&msg);
   if (record == nullptr) return;
-  const std::string rootName = rootNameOf(record);
+  const char* rootName = rootNameOf(record);
   traverseHandler.beginTraverse(rootName);
   if (traverseHandler.getOrder()) {
     traverseByOrderHelper(msg, record, create, keep, nullptr);
@@ -62,7 +63,7 @@ void XmlTraverse::traverse(std::string& xml, XmlTraverseHandler& traverseHandler
   if (context->isErrorSet()) return;
   if (msg != nullptr) {
     const _ClassDef* record = XNMessageBase::GetClassDef(msg.get());
-    const std::string rootName = rootNameOf(record);
+    const char* rootName = rootNameOf(record);
     traverseHandler.beginTraverse(rootName);
     if (record == nullptr) {
       logError(kTraverse, "Error retrieving metadata for given object");
@@ -79,16 +80,19 @@ void XmlTraverse::traverse(std::string& xml, XmlTraverseHandler& traverseHandler
 
 bool XmlTraverse::traverseHelper(XNMessageBase& msg, const _ClassDef*& classDef, bool create, bool keep,
                                  const FieldDefTraverseInfo* parent) {
-  return ObjectWalk<PlainMode>(*this, *handler, create, keep).run(msg, *classDef, parent);
+  return ObjectWalk<PlainMode>(*this, create, keep).run(msg, *classDef, parent);
 }
 
 bool XmlTraverse::traverseByOrderHelper(XNMessageBase& msg, const _ClassDef*& classDef, bool create,
                                         bool keep, const FieldDefTraverseInfo* parent) {
-  return ObjectWalk<OrderMode>(*this, *handler, create, keep).run(msg, *classDef, parent);
+  return ObjectWalk<OrderMode>(*this, create, keep).run(msg, *classDef, parent);
 }
 
-bool XmlTraverse::existsInProcessingStack(std::string_view className) const {
-  return std::find(processingStack.begin(), processingStack.end(), className) != processingStack.end();
+bool XmlTraverse::existsInProcessingStack(const char* className) const {
+  const std::string_view name = className == nullptr ? "" : className;
+  for (const ProcessedClass* entry = processingStack; entry != nullptr; entry = entry->outer)
+    if (name == (entry->name == nullptr ? "" : entry->name)) return true;
+  return false;
 }
 
 }  // namespace zqxml

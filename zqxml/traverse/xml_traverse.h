@@ -18,15 +18,19 @@
 #include <zqxml/traverse/xml_traverse_handler.h>
 
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace zqxml {
 
 class XNMessageBase;
 class ZqXMLContextInfo;
 
-/// Copies have a processing stack of their own. As a handler it does nothing.
+/// A class that is being walked in plain mode; the walk keeps these on its own stack.
+struct ProcessedClass {
+  const char* name;
+  const ProcessedClass* outer;
+};
+
+/// Copies walk by themselves. As a handler it does nothing.
 class ZQXML_EXPORT XmlTraverse : public XmlTraverseHandler {
  public:
   /// Walks `msg`, in the mode that the handler's getOrder asks for. Nothing happens, and the handler is not
@@ -71,11 +75,11 @@ class ZQXML_EXPORT XmlTraverse : public XmlTraverseHandler {
                       const FieldDefTraverseInfo* parent);
   bool traverseByOrderHelper(XNMessageBase& msg, const _ClassDef*& classDef, bool create, bool keep,
                              const FieldDefTraverseInfo* parent);
-  bool existsInProcessingStack(std::string_view className) const;
+  bool existsInProcessingStack(const char* className) const;
 
   XmlTraverseHandler* handler = nullptr;
-  /// Names of the classes being walked in plain mode, the innermost last; they are the catalogue's.
-  std::vector<std::string_view> processingStack;
+  /// The innermost class being walked in plain mode; null between walks.
+  const ProcessedClass* processingStack = nullptr;
 };
 
 }  // namespace zqxml

@@ -13,7 +13,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -40,8 +39,8 @@ struct OrderMode {
 template <class Mode>
 class ObjectWalk {
  public:
-  ObjectWalk(XmlTraverse& walker, XmlTraverseHandler& handler, bool create, bool keep)
-      : walker_(walker), handler_(handler), create_(create), keep_(keep) {}
+  ObjectWalk(XmlTraverse& walker, bool create, bool keep)
+      : walker_(walker), handler_(*walker.handler), create_(create), keep_(keep) {}
 
   /// Walks the object; true when a value in it or below it was replaced.
   bool run(XNMessageBase& msg, const _ClassDef& record, const FieldDefTraverseInfo* parent) {
@@ -65,22 +64,21 @@ class ObjectWalk {
     std::size_t element = kNoElement;
   };
 
-  /// The class name's place on the processing stack, for the time of the walk over one object.
+  /// The class on the processing stack, for the time of the walk over one object.
   class StackEntry {
    public:
-    StackEntry(std::vector<std::string_view>& stack, const _ClassDef& record) : stack_(stack) {
-      stack_.push_back(nameOf(record));
+    StackEntry(const ProcessedClass*& stack, const _ClassDef& record)
+        : stack_(stack), entry_{record.getName(), stack} {
+      stack_ = &entry_;
     }
-    ~StackEntry() { stack_.pop_back(); }
+    ~StackEntry() { stack_ = entry_.outer; }
     StackEntry(const StackEntry&) = delete;
     StackEntry& operator=(const StackEntry&) = delete;
 
    private:
-    std::vector<std::string_view>& stack_;
+    const ProcessedClass*& stack_;
+    const ProcessedClass entry_;
   };
-  static std::string_view nameOf(const _ClassDef& record) {
-    return record.getName() == nullptr ? std::string_view() : std::string_view(record.getName());
-  }
 
   static XNMessageBase* elementOf(XNMessageBase& msg, const FieldDef& field, std::size_t element) {
     auto* list = MessageAccess::owned<Objects>(msg, field);
@@ -89,14 +87,14 @@ class ObjectWalk {
 
   /// Whether the object is where it was, perhaps moved: handlers replace objects and let lists grow.
   static bool find(Place& place) {
-    if (place.around != nullptr) {
-      if (!find(*place.around)) return false;
-      XNMessageBase& around = *place.around->msg;
-      place.msg = place.element == kNoElement ? MessageAccess::owned<XNMessageBase>(around, *place.parent)
-                                              : elementOf(around, *place.parent, place.element);
-      if (place.msg == nullptr) return false;
-    }
-    return MessageAccess::classDef(*place.msg) == place.record;
+    return (place.around == nullptr || findIn(*place.around, place)) &&
+           MessageAccess::classDef(*place.msg) == place.record;
+  }
+  static bool findIn(Place& around, Place& place) {
+    if (!find(around)) return false;
+    place.msg = place.element == kNoElement ? MessageAccess::owned<XNMessageBase>(*around.msg, *place.parent)
+                                            : elementOf(*around.msg, *place.parent, place.element);
+    return place.msg != nullptr;
   }
   static bool find(Place& place, MsgFieldContext& context) {
     const bool found = find(place);
@@ -114,7 +112,7 @@ class ObjectWalk {
     for (int pass = 0; pass < Mode::kPasses; ++pass) {
       for (const FieldDef& field : *place.record) {
         if (!isField(field) || !Mode::takes(pass, field.getType())) continue;
-        MsgFieldContext context(FieldDefTraverseInfo(field, place.parent), place.msg);
+        MsgFieldContext context(field, place.parent, *place.msg);
         context.setValueState(MessageAccess::isSet(*place.msg, field.getMemNum()));
         handler_.visit(context);
         replaced |= context.isReplaced();
@@ -168,7 +166,7 @@ class ObjectWalk {
         logNoRecord();
         return false;
       }
-      if (walker_.existsInProcessingStack(nameOf(*record))) return false;
+      if (walker_.existsInProcessingStack(record->getName())) return false;
     }
     const std::unique_ptr<XNMessageBase> built = build(field);
     if (built == nullptr) return false;
@@ -257,7 +255,7 @@ class ObjectWalk {
     if (Mode::kInOrder || field.namePointer() == nullptr) return false;
     const ClassRef ref = ClassRef::read(field.namePointer());
     const _ClassDef* record = catalogue::classAt(ref.subsystem, ref.classIndex);
-    return record != nullptr && walker_.existsInProcessingStack(nameOf(*record));
+    return record != nullptr && walker_.existsInProcessingStack(record->getName());
   }
 
   /// Plain mode leaves the processing instructions of a message out.
