@@ -13,6 +13,7 @@
 #include <zqxml/binary/binary_explainer.h>
 #include <zqxml/binary/binary_serializer.h>
 #include <zqxml/binary/binary_stream.h>
+#include <zqxml/binary/xn_message_base_file_handler.h>
 #include <zqxml/catalogue/class_ref.h>
 #include <zqxml/catalogue/field_types.h>
 #include <zqxml/catalogue/generated/catalogue.h>

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <tests/binary/binary_forms.h>
 #include <tests/binary/hand_made_class.h>
+#include <tests/binary/oversized_message.h>
 #include <tests/support/log_capture.h>
 #include <tests/support/open_message.h>
 #include <zqxml/catalogue/generated/App.h>
@@ -204,30 +205,15 @@ TEST(BinaryWriterTest, ExternalBufferWithoutMemoryIsTooSmall) {
 }
 
 TEST(BinaryWriterTest, BodyThatThirtyTwoBitsCannotTellFails) {
-  // One value of 32 MiB in 128 objects: 4 GiB to write, and no more memory than the one value.
-  HandMadeClass handMade;
-  handMade.field(FDT_LIST_OBJECT, "objects", std::string("\xca\0\0\x05", 4));
-  OpenMessage outer = handMade.message();
-  auto& elements = collectionOf<std::vector<XNMessageBase>>(outer, "objects");
-  for (int i = 0; i < 128; ++i) elements.push_back(EveryType());
-  bstring shared(std::string(std::size_t{32} << 20, 'x'));
-  ASSERT_GT(elements.size() * shared.size(), std::numeric_limits<std::uint32_t>::max());
-  std::vector<bstring*> own;
-  for (XNMessageBase& element : elements) {
-    bstring*& slot = MessageAccess::owned<bstring>(element, fieldOf(element, "bstringField"));
-    own.push_back(std::exchange(slot, &shared));
-    setBit(element, "bstringField");
-  }
+  OversizedMessage oversized;
+  ASSERT_GT(oversized.size(), std::numeric_limits<std::uint32_t>::max());
   LogCapture capture;
   BinaryBuffer buffer;
-  EXPECT_EQ(BinarySerializer::serialize(outer, buffer, 1), 0u);
+  EXPECT_EQ(BinarySerializer::serialize(oversized.message(), buffer, 1), 0u);
   EXPECT_EQ(capture.lines().size(), 1u);
   EXPECT_TRUE(
       capture.hasPart("BinarySerializer::serialize", 0, "Unable to create a buffer of required size : ["));
   EXPECT_FALSE(buffer.isSet());
-  for (std::size_t i = 0; i < own.size(); ++i) {
-    MessageAccess::owned<bstring>(elements[i], fieldOf(elements[i], "bstringField")) = own[i];
-  }
 }
 
 TEST(BinaryWriterTest, SmallStreamDropsTheTail) {

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <limits>
+#include <optional>
 
 namespace zqxml {
 
@@ -36,6 +37,8 @@ class FailingFileCalls : public internal::FileCalls {
   int writesBeforeError = 0;
   int seeksBeforeError = 0;
   int statsBeforeError = 0;
+  /// How many bytes can still be written before the error: a disk that fills up. Calls count no more then.
+  std::optional<std::size_t> bytesBeforeError;
   /// The most bytes that one call transfers.
   std::size_t largestTransfer = std::numeric_limits<std::size_t>::max();
   /// How many calls a signal interrupts (EINTR) before each one that works.
@@ -59,8 +62,14 @@ class FailingFileCalls : public internal::FileCalls {
   }
   ssize_t write(int descriptor, const void* data, std::size_t size) override {
     ++writes;
-    if (fails(writeError, writesBeforeError) || interrupted()) return -1;
-    return FileCalls::write(descriptor, data, std::min(size, largestTransfer));
+    size = std::min(size, largestTransfer);
+    if (bytesBeforeError) size = std::min(size, *bytesBeforeError);
+    const bool full = bytesBeforeError && size == 0;
+    if (full ? fails(writeError) : !bytesBeforeError && fails(writeError, writesBeforeError)) return -1;
+    if (interrupted()) return -1;
+    const ssize_t written = FileCalls::write(descriptor, data, size);
+    if (bytesBeforeError && written > 0) *bytesBeforeError -= static_cast<std::size_t>(written);
+    return written;
   }
   off_t lseek(int descriptor, off_t offset, int origin) override {
     return fails(seekError, seeksBeforeError) ? -1 : FileCalls::lseek(descriptor, offset, origin);
