@@ -228,8 +228,8 @@ std::string RecordWriter::finish(const Position& position) {
       !(text_.empty() && commandParam_.empty() && searchCriteria_.empty() && storedProcedure_.empty());
   std::string body = flags_ + text_ + commandParam_ + searchCriteria_ + storedProcedure_;
   // A value of IndexAttr is only found when its byte is there, even where it is 0.
-  const bool needsAllFlags =
-      hasSections || (flags_[annotation_flag::kIndexAttr.byte] & annotation_flag::kIndexAttr.mask) != 0;
+  const auto indexFlags = static_cast<unsigned char>(flags_[annotation_flag::kIndexAttr.byte]);
+  const bool needsAllFlags = hasSections || (indexFlags & annotation_flag::kIndexAttr.mask) != 0;
   if (!needsAllFlags) {
     while (!body.empty() && body.back() == '\0') body.pop_back();
   }
