@@ -1,4 +1,5 @@
-// Any bytes as a message, and as what a visitor does to it: walks in both modes, merging, dummy values.
+// Any bytes as a message, and as what a visitor does to it: walks in both modes, merging, rendering, dummy
+// values.
 //
 // The input is a byte of choices, a byte with the length of the visitor's script, the script, and a message
 // in binary form. What works on a message by walking it is a step in kSteps.
@@ -6,6 +7,11 @@
 #include <zqxml/logging/dummy_objects.h>
 #include <zqxml/message/internal/message_access.h>
 #include <zqxml/platform/ev_debug.h>
+#include <zqxml/render/default_render_context.h>
+#include <zqxml/render/html_gui_summary_render_context.h>
+#include <zqxml/render/html_render_context.h>
+#include <zqxml/render/summary_traverse.h>
+#include <zqxml/render/zq_xml_summary.h>
 #include <zqxml/traverse/entity_type_handler.h>
 #include <zqxml/traverse/xml_traverse.h>
 
@@ -14,6 +20,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -124,12 +131,46 @@ class ScriptedHandler : public XmlTraverseHandler {
   int open_ = 0;
 };
 
-void walkUnchanged(XNMessageBase& message, const Choices& choices) {
+/// Does `work`, which must leave the message as it is.
+template <class Work>
+void unchanged(XNMessageBase& message, Work work) {
   const XNMessageBase before(message);
   const bool equalsItself = before == message;  // fields of some types never do
-  XmlTraverse walker;                           // which is the handler that does nothing
-  walker.traverse(message, walker, choices.create, choices.keep);
+  work();
   require((before == message) == equalsItself);
+}
+
+void walkUnchanged(XNMessageBase& message, const Choices& choices) {
+  XmlTraverse walker;  // which is the handler that does nothing
+  unchanged(message, [&] { walker.traverse(message, walker, choices.create, choices.keep); });
+}
+
+/// A summary in the context, and one that also sees the sub-objects that a walk builds.
+void summarize(XNMessageBase& message, const Choices& choices, ZqXMLRenderContext& context) {
+  ZqXMLFormatOptions options;
+  unchanged(message, [&] {
+    require(ZqXMLSummary::getZqSummaryInfo(&message, &context, options) == XN_MSG_OK);
+    SummaryTraverse all(&context, 0, choices.inOrder);
+    XmlTraverse().traverse(message, all, choices.create, choices.keep);
+  });
+}
+
+void render(XNMessageBase& message, const Choices& choices) {
+  constexpr int kGerman = 1031;
+  const ContextFormatOpts options(kGerman, choices.inOrder, choices.create);
+  std::ostringstream stream;
+  ZqXMLFormatOptions unused;
+  require(ZqXMLSummary::getZqSummaryInfo(&message, stream, unused) == XN_MSG_OK);
+  DefaultRenderContext text(stream, options);
+  HTMLRenderContext outline(options);
+  HTMLGuiSummaryRenderContext paragraph(options);
+  for (ZqXMLRenderContext* context : std::initializer_list<ZqXMLRenderContext*>{&text, &outline, &paragraph})
+    summarize(message, choices, *context);
+  std::string out;
+  outline.DumpToString(out);
+  require(out.ends_with("</div>"));
+  paragraph.DumpToString(out);
+  require(out.ends_with("</p></div>"));
 }
 
 void enableDefaults(XNMessageBase& message, const Choices& choices) {
@@ -158,8 +199,8 @@ void fillWithDummies(XNMessageBase& message, const Choices&) {
 }
 
 using Step = void (*)(XNMessageBase& message, const Choices& choices);
-constexpr Step kSteps[] = {walkUnchanged, walkScripted,    mergeAll,     enableDefaults,
-                           walkScripted,  fillWithDummies, walkUnchanged};
+constexpr Step kSteps[] = {walkUnchanged, render,       walkScripted,    mergeAll,      enableDefaults,
+                           render,        walkScripted, fillWithDummies, walkUnchanged, render};
 
 void run(std::string_view input) {
   if (input.size() < 2) return;

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <tests/render/rendering.h>
 #include <tests/support/log_capture.h>
-#include <zqxml/catalogue/generated/Render.h>
 
 #include <limits>
 
@@ -70,28 +69,12 @@ TEST(HTMLGuiSummary, CountsTheSummariesThatBegin) {
 }
 
 TEST(HTMLGuiSummary, DispatchesEveryTypeThatHasAForm) {
-  Render::Values message;
-  message.setAnInt(-1);
-  message.setAUint(4000000000u);
-  message.setALong(-2);
-  message.setAUlong(4000000001u);
-  message.setALonglong(-9000000000);
+  Render::Values message = filledValues();
   message.setAUlonglong(1);
-  message.setFlag(false);
-  message.setAString("<text>");
-  message.setAWstring(u"wide \u00fc");
-  message.setADouble(0.5);
-  message.setAFloat(0.1f);
-  message.setBytes("b");
   message.setPassword("p");
-  message.setTime32(-3);
-  message.setTime64(9000000001);
-  EXPECT_EQ(paragraphOf(message),
-            "<p> Summary" + line("anInt", "-1") + line("aUint", "4000000000") + line("aLong", "-2") +
-                line("aUlong", "4000000001") + line("aLonglong", "-9000000000") + line("flag", "false") +
-                line("aString", "<text>") + line("aWstring", "wide ü") + line("aDouble", "0.500000") +
-                line("aFloat", "0.100000") + line("bytes", "****") + line("time32", "-3") +
-                line("time64", "9000000001") + "</p></div>");
+  std::string lines;
+  for (const auto& [name, text] : kValueTexts) lines += line(name, text);
+  EXPECT_EQ(paragraphOf(message), "<p> Summary" + lines + "</p></div>");
 }
 
 TEST(HTMLGuiSummary, KeepsEmptyTextsButNoEmptyWideTexts) {

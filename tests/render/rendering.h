@@ -2,6 +2,7 @@
 #pragma once
 
 #include <tests/support/open_message.h>
+#include <zqxml/catalogue/generated/Render.h>
 #include <zqxml/render/default_render_context.h>
 #include <zqxml/render/html_gui_summary_render_context.h>
 #include <zqxml/render/html_render_context.h>
@@ -10,6 +11,8 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace zqxml {
 
@@ -60,6 +63,39 @@ inline std::string streamText(XNMessageBase& message) {
   EXPECT_EQ(ZqXMLSummary::getZqSummaryInfo(&message, stream, options), XN_MSG_OK);
   return stream.str();
 }
+
+/// A value in each field of the types that have a form as a single value.
+inline Render::Values filledValues() {
+  Render::Values message;
+  message.setAnInt(-1);
+  message.setAUint(4000000000u);
+  message.setALong(-2);
+  message.setAUlong(4000000001u);
+  message.setALonglong(-9000000000);
+  message.setFlag(true);
+  message.setAString("<text>");
+  message.setAWstring(u"wide \u00fc");
+  message.setADouble(0.1234567);
+  message.setAFloat(0.1f);
+  message.setBytes("b<");
+  message.setTime32(-3);
+  message.setTime64(9000000001);
+  return message;
+}
+/// Their names and texts in mark-up.
+inline const std::vector<std::pair<std::string, std::string>> kValueTexts{{"anInt", "-1"},
+                                                                          {"aUint", "4000000000"},
+                                                                          {"aLong", "-2"},
+                                                                          {"aUlong", "4000000001"},
+                                                                          {"aLonglong", "-9000000000"},
+                                                                          {"flag", "true"},
+                                                                          {"aString", "<text>"},
+                                                                          {"aWstring", "wide \u00fc"},
+                                                                          {"aDouble", "0.123457"},
+                                                                          {"aFloat", "0.100000"},
+                                                                          {"bytes", "****"},
+                                                                          {"time32", "-3"},
+                                                                          {"time64", "9000000001"}};
 
 /// The event of one field, as a walk makes it.
 inline MsgFieldContext eventOf(XNMessageBase& message, std::string_view field) {

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <tests/render/rendering.h>
 #include <tests/support/log_capture.h>
-#include <zqxml/catalogue/generated/Render.h>
 #include <zqxml/render/summary_traverse.h>
 #include <zqxml/traverse/xml_traverse.h>
 

@@ -20,7 +20,6 @@ void HTMLGuiSummaryRenderContext::startHeader(std::string) {
   output += "<p> Summary";
   CountOptions.fetch_add(1, std::memory_order_relaxed);
 }
-void HTMLGuiSummaryRenderContext::writeHeader(std::string) {}
 void HTMLGuiSummaryRenderContext::endHeader(std::string) {
   output += "</p></div>";
 }
@@ -33,7 +32,6 @@ void HTMLGuiSummaryRenderContext::startSubHeader(MsgFieldContext& context) {
   output += " </B><p>";
   startOfLine = true;
 }
-void HTMLGuiSummaryRenderContext::writeSubHeader(std::string) {}
 void HTMLGuiSummaryRenderContext::endSubHeader(MsgFieldContext&) {
   startOfLine = true;
 }
@@ -42,12 +40,6 @@ void HTMLGuiSummaryRenderContext::writeAttribute(MsgFieldContext& context) {
   const RenderedField field(context);
   if (!field.isSingleValue() || !context.isValueSet()) return;
   field.visitValue([&](const auto& value) { writeAttribute(field.label(formatOptions.localeId), value); });
-}
-
-void HTMLGuiSummaryRenderContext::writeList(MsgFieldContext& context) {
-  const RenderedField field(context);
-  const ListText list = field.listText('(', ')');
-  if (list.hasElements) addToOutPut(field.label(formatOptions.localeId), list.text);
 }
 
 void HTMLGuiSummaryRenderContext::writeEnum(MsgFieldContext& context) {

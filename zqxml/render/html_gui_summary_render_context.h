@@ -28,13 +28,10 @@ class ZQXML_EXPORT HTMLGuiSummaryRenderContext : public HTMLValueContext {
   void addToOutPut(const std::string& name, const std::string& value) override;
 
   void startHeader(std::string name) override;
-  void writeHeader(std::string name) override;
   void endHeader(std::string name) override;
   void startSubHeader(MsgFieldContext& context) override;
-  void writeSubHeader(std::string name) override;
   void endSubHeader(MsgFieldContext& context) override;
   void writeAttribute(MsgFieldContext& context) override;
-  void writeList(MsgFieldContext& context) override;
   void writeEnum(MsgFieldContext& context) override;
 
  private:

@@ -64,7 +64,6 @@ void HTMLRenderContext::startHeader(std::string name) {
   lines.push_back("<a title=\"Click to view  \" style=\"color: blue; cursor:hand;\" onclick=\"showdiv('" +
                   id + "');\">" + title + "::</a><div id=\"" + id + "\" style=\"display:none\">");
 }
-void HTMLRenderContext::writeHeader(std::string) {}
 void HTMLRenderContext::endHeader(std::string) {
   // QUIRK: also when nothing has opened a block.
   lines.emplace_back("</div>");
@@ -109,7 +108,6 @@ void HTMLRenderContext::startSubHeader(MsgFieldContext& context) {
   }
   lines.push_back(std::move(line));
 }
-void HTMLRenderContext::writeSubHeader(std::string) {}
 
 void HTMLRenderContext::endSubHeader(MsgFieldContext&) {
   // QUIRK: this tells whether the last sub-object that began opened a level, which need not be the one that
@@ -134,12 +132,6 @@ void HTMLRenderContext::writeAttribute(MsgFieldContext& context) {
   if (field.readDate(date)) return addToOutPut(field.label(formatOptions.localeId), date);
   if (!field.isSingleValue() || !context.isValueSet()) return;
   field.visitValue([&](const auto& value) { writeAttribute(field.label(formatOptions.localeId), value); });
-}
-
-void HTMLRenderContext::writeList(MsgFieldContext& context) {
-  const RenderedField field(context);
-  const ListText list = field.listText('(', ')');
-  if (list.hasElements) addToOutPut(field.label(formatOptions.localeId), list.text);
 }
 
 void HTMLRenderContext::writeEnum(MsgFieldContext& context) {

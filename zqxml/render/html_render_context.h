@@ -37,16 +37,13 @@ class ZQXML_EXPORT HTMLRenderContext : public HTMLValueContext {
   void addToOutPut(const std::string& name, const std::string& value) override;
 
   void startHeader(std::string name) override;
-  void writeHeader(std::string name) override;
   void endHeader(std::string name) override;
   /// Opens a level under the field's label. Elements of one list whose sub-objects have labels of their own
   /// share one label.
   void startSubHeader(MsgFieldContext& context) override;
-  void writeSubHeader(std::string name) override;
   /// Closes the level. One that got no items leaves its label behind, but does not count in the level around.
   void endSubHeader(MsgFieldContext& context) override;
   void writeAttribute(MsgFieldContext& context) override;
-  void writeList(MsgFieldContext& context) override;
   void writeEnum(MsgFieldContext& context) override;
 
  private:

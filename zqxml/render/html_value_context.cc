@@ -1,6 +1,7 @@
 #include <zqxml/platform/format.h>
 #include <zqxml/platform/text.h>
 #include <zqxml/render/html_value_context.h>
+#include <zqxml/render/internal/rendered_field.h>
 #include <zqxml/render/xml_utils.h>
 
 #include <cstdint>
@@ -12,6 +13,15 @@ constexpr std::uint32_t kTrueMessage = 0x3d000552;
 constexpr std::uint32_t kFalseMessage = 0x3d000553;
 
 }  // namespace
+
+void HTMLValueContext::writeHeader(std::string) {}
+void HTMLValueContext::writeSubHeader(std::string) {}
+
+void HTMLValueContext::writeList(MsgFieldContext& context) {
+  const RenderedField field(context);
+  const ListText list = field.listText('(', ')');
+  if (list.hasElements) addToOutPut(field.label(formatOptions.localeId), list.text);
+}
 
 void HTMLValueContext::writeAttribute(const std::string& name, const std::string& value) {
   addToOutPut(name, value);

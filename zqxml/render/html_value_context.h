@@ -21,6 +21,12 @@ class ZQXML_EXPORT HTMLValueContext : public ZqXMLRenderContext {
   /// Replaces `text` by the mark-up so far.
   virtual void DumpToString(std::string& text) const = 0;
 
+  // These leave no trace.
+  void writeHeader(std::string name) override;
+  void writeSubHeader(std::string name) override;
+  /// "(v1,v2)"; an empty list writes nothing. QUIRK: elements that are enumerations or objects have no text.
+  void writeList(MsgFieldContext& context) override;
+
   // Each makes the value's text and calls addToOutPut with it.
   void writeAttribute(const std::string& name, const std::string& value);
   void writeAttribute(const std::string& name, const char* value);
