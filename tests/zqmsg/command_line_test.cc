@@ -14,9 +14,8 @@ using testing::StartsWith;
 
 using CommandLine = ZqmsgTest;
 
-const std::vector<std::string> kCommands{"catalogue", "describe", "dump-catalogue", "convert",
-                                         "inspect",   "diff",     "merge",          "sample",
-                                         "summary"};
+const std::vector<std::string> kCommands{"catalogue", "describe", "dump-catalogue", "convert", "inspect",
+                                         "diff",      "merge",    "sample",         "summary", "xpath"};
 
 TEST_F(CommandLine, HelpNamesEveryCommand) {
   const ProgramRun run = zqmsg({"--help"});

@@ -18,6 +18,7 @@ void addMask(CLI::App& app, Session& session);
 void addMerge(CLI::App& app, Session& session);
 void addSample(CLI::App& app, Session& session);
 void addSummary(CLI::App& app, Session& session);
+void addXpath(CLI::App& app, Session& session);
 
 /// A command with what all of them have: --verbose, and examples below its help.
 CLI::App& addCommand(CLI::App& app, Session& session, const std::string& name, const std::string& summary,

@@ -1,7 +1,6 @@
 #include <zqxml/traverse/xml_traverse.h>
 
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "tools/zqmsg/command.h"
@@ -26,17 +25,6 @@ struct Options {
   std::string destination;
   XmlOutput output;
 };
-
-/// The one message of the input.
-MessagePtr onlyMessage(const std::string& file, Session& session) {
-  MessageSource source(file, std::nullopt, session);
-  MessagePtr message = source.next();
-  if (message == nullptr) throw Failure(kFailed, source.name(), "holds no message");
-  if (source.next() != nullptr)
-    throw Failure(kFailed, source.name(), "holds more than one message")
-        .advise("'zqmsg convert --to xml -o FOLDER/' makes a file of each");
-  return message;
-}
 
 void merge(const Options& options, Session& session) {
   if (options.source == "-" && options.destination == "-")

@@ -39,6 +39,16 @@ std::string readWhole(ByteSource& source) {
   return bytes;
 }
 
+MessagePtr onlyMessage(const std::string& file, Session& session) {
+  MessageSource source(file, std::nullopt, session);
+  MessagePtr message = source.next();
+  if (message == nullptr) throw Failure(kFailed, source.name(), "holds no message");
+  if (source.next() != nullptr)
+    throw Failure(kFailed, source.name(), "holds more than one message")
+        .advise("'zqmsg convert --to xml -o FOLDER/' makes a file of each");
+  return message;
+}
+
 MessageSource::MessageSource(const std::string& file, std::optional<Form> form, Session& session)
     : session_(session), source_(file), form_(formOf(source_, form)) {}
 

@@ -40,6 +40,9 @@ class MessageSource {
   std::uint64_t number_ = 0;
 };
 
+/// The message of an input that holds just one, in any form. Throws Failure.
+MessagePtr onlyMessage(const std::string& file, Session& session);
+
 /// The form of an input, from its first bytes; `claimed` when they do not speak against it. Throws Failure
 /// when it cannot be told, or the input is another form than the claimed one.
 Form formOf(ByteSource& source, std::optional<Form> claimed);

@@ -36,11 +36,15 @@ void addCommands(CLI::App& app, Session& session) {
   addMerge(app, session);
   addSample(app, session);
   addSummary(app, session);
+  addXpath(app, session);
 }
 
+// With the command below it, where there is one: "xpath get".
 std::string chosenCommand(const CLI::App& app) {
   const std::vector<CLI::App*> chosen = app.get_subcommands();
-  return chosen.empty() ? std::string() : chosen.front()->get_name();
+  if (chosen.empty()) return {};
+  const std::string below = chosenCommand(*chosen.front());
+  return chosen.front()->get_name() + (below.empty() ? "" : " " + below);
 }
 
 Failure misuse(const CLI::App& app, const CLI::ParseError& error, const std::string& firstWord) {

@@ -9,9 +9,10 @@ const XPathData* xpathData(short subsystem) {
 }
 
 int xpathIndexOfId(const XPathIDHelper* helper, int count, int id) {
-  return findSorted(helper, count, [id](const XPathIDHelper& entry) {
+  const int place = findSorted(helper, count, [id](const XPathIDHelper& entry) {
     return (entry.id > id ? 1 : 0) - (entry.id < id ? 1 : 0);
   });
+  return place < 0 ? -1 : helper[place].index;
 }
 
 int xpathIndexOfPath(const XPathData& data, std::string_view xpath) {

@@ -77,8 +77,8 @@ namespace catalogue {
 
 /// The row of a subsystem; null when it has no paths.
 ZQXML_EXPORT const XPathData* xpathData(short subsystem);
-/// Place of the path with this id among the `count` entries of `helper`, and in `fieldsInfo` and `paths`; -1
-/// when there is none. `helper` must not be null unless `count` is 0.
+/// Place in `paths` and `fieldsInfo` of the path with this id, by the `count` entries of `helper`; -1 when
+/// there is none. `helper` must not be null unless `count` is 0.
 ZQXML_EXPORT int xpathIndexOfId(const XPathIDHelper* helper, int count, int id);
 /// Place of the path in `paths` and `fieldsInfo`, -1 when there is none.
 ZQXML_EXPORT int xpathIndexOfPath(const XPathData& data, std::string_view xpath);
