@@ -1,6 +1,7 @@
 // The texts of messages for a log: what they hide, and what they say of a failure.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <tests/logging/logged_message.h>
 #include <tests/logging/message_logging.h>
 #include <tests/support/log_capture.h>
 #include <tests/support/settings.h>
@@ -25,10 +26,6 @@ using testing::Not;
 constexpr char kSetting[] = "EventManager/nDoNotMaskSensitiveDataInXML";
 constexpr char kNotAMessage[] = "Error unserializing given object.";
 
-std::string guarded(const std::string& attributes) {
-  return std::string(kDeclaration) + "<Demo_Guarded " + attributes + "/>";
-}
-
 // --- logXML
 
 TEST(LogXml, EmptyTextWithoutAnObjectIsEmpty) {
@@ -48,19 +45,19 @@ TEST(LogXml, SensitiveValuesAreMasked) {
   const TestSettings settings{{kSetting, "0"}};
   LogCapture capture(1);
   EXPECT_EQ(logXML(R"(<Demo_Guarded open="x" secretText="hush" secretNumber="5"/>)", nullptr),
-            guarded(R"(open="x" secretNumber="########" secretText="########")"));
+            guardedXml(R"(open="x" secretNumber="########" secretText="########")"));
   EXPECT_TRUE(capture.empty());
 }
 
 TEST(LogXml, SensitiveValuesAreMaskedWithoutTheSetting) {
   const TestSettings settings;
-  EXPECT_EQ(logXML(R"(<Demo_Guarded secretText="hush"/>)", nullptr), guarded(R"(secretText="########")"));
+  EXPECT_EQ(logXML(R"(<Demo_Guarded secretText="hush"/>)", nullptr), guardedXml(R"(secretText="########")"));
 }
 
 TEST(LogXml, SettingShowsSensitiveValuesAndSaysSo) {
   const TestSettings settings{{kSetting, "1"}};
   LogCapture capture(1);
-  EXPECT_EQ(logXML(R"(<Demo_Guarded secretText="hush"/>)", nullptr), guarded(R"(secretText="hush")"));
+  EXPECT_EQ(logXML(R"(<Demo_Guarded secretText="hush"/>)", nullptr), guardedXml(R"(secretText="hush")"));
   EXPECT_THAT(capture.lines(),
               ElementsAre(CapturedLine{"logXML", 1,
                                        "NOT masking sensitive data to XML as additional setting "
@@ -70,7 +67,7 @@ TEST(LogXml, SettingShowsSensitiveValuesAndSaysSo) {
 TEST(LogXml, NoticeIsOfTheMessageLogsLevel) {
   const TestSettings settings{{kSetting, "1"}};
   LogCapture capture(0);
-  EXPECT_EQ(logXML(R"(<Demo_Guarded secretText="hush"/>)", nullptr), guarded(R"(secretText="hush")"));
+  EXPECT_EQ(logXML(R"(<Demo_Guarded secretText="hush"/>)", nullptr), guardedXml(R"(secretText="hush")"));
   EXPECT_TRUE(capture.empty());
 }
 
@@ -122,15 +119,15 @@ TEST(LogXml, PasswordsAreWrittenAsTheEncoderDoes) {
   Guarded message;
   message.setHiddenPassword("plain");
   message.setSecretPassword("hush");
-  EXPECT_EQ(logXML("", &message), guarded(R"(hiddenPassword="plain" secretPassword="########")"));
+  EXPECT_EQ(logXML("", &message), guardedXml(R"(hiddenPassword="plain" secretPassword="########")"));
 }
 
 TEST(LogXml, ObjectWinsOverTheText) {
   Guarded message;
   message.setOpen("object");
   const LogCapture capture;
-  EXPECT_EQ(logXML(R"(<Demo_Guarded open="text"/>)", &message), guarded(R"(open="object")"));
-  EXPECT_EQ(logXML("no message", &message), guarded(R"(open="object")"));
+  EXPECT_EQ(logXML(R"(<Demo_Guarded open="text"/>)", &message), guardedXml(R"(open="object")"));
+  EXPECT_EQ(logXML("no message", &message), guardedXml(R"(open="object")"));
   EXPECT_TRUE(capture.empty()) << "the text is not even read";
 }
 
@@ -161,7 +158,7 @@ TEST(LogXml, ConcurrentCallsDoNotDisturbEachOther) {
   }
   for (std::thread& thread : threads) thread.join();
   for (std::size_t i = 0; i < texts.size(); ++i)
-    EXPECT_EQ(texts[i], guarded("open=\"" + std::to_string(i) + "\" secretText=\"########\""));
+    EXPECT_EQ(texts[i], guardedXml("open=\"" + std::to_string(i) + "\" secretText=\"########\""));
 }
 
 // --- Token
@@ -246,7 +243,7 @@ TEST(KeywordMask, TextIsNotParsedUnlessAskedFor) {
 
 TEST(KeywordMask, MessageIsMaskedToo) {
   EXPECT_EQ(logXmlWithKeywordMask(R"(<Demo_Guarded open="key=a;b" secretText="hush"/>)", "key=", ";", true),
-            guarded(R"(open="key=******;b" secretText="########")"));
+            guardedXml(R"(open="key=******;b" secretText="########")"));
 }
 
 TEST(KeywordMask, KeywordsThatBreakTheXmlAreTold) {

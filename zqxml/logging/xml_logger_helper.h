@@ -24,7 +24,8 @@ struct messageContainer;
 /// of its own, and no line of its parent's.
 ///
 /// Nothing throws and nothing is reported: a line for which there is no memory, or no thread can be started,
-/// is lost. All operations may be called from any thread at any time.
+/// is lost. What the log's sink logs while it gets a line is dropped. All operations may be called from any
+/// thread at any time.
 class ZQXML_EXPORT XmlLoggerHelper : public ZqThreadPool {
  public:
   /// What stands in a format for the message.
