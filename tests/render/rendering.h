@@ -8,6 +8,7 @@
 #include <zqxml/render/html_render_context.h>
 #include <zqxml/render/zq_xml_summary.h>
 
+#include <array>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -102,6 +103,21 @@ inline MsgFieldContext eventOf(XNMessageBase& message, std::string_view field) {
   MsgFieldContext context(fieldOf(message, field), &message);
   context.setValueState(hasBit(message, field));
   return context;
+}
+
+/// An outline of so many levels, whose labels do not repeat, with an item "name" in the innermost.
+inline std::string outlineOfDepth(int levels) {
+  Render::Values message;
+  HTMLRenderContext context(optionsFor(kNoTexts));
+  for (int i = 0; i < levels; ++i) {
+    MsgFieldContext event =
+        eventOf(message, std::array{"anInt", "aUint", "aLong"}[static_cast<unsigned>(i % 3)]);
+    context.startSubHeader(event);
+  }
+  context.addToOutPut("name", "x");
+  std::string text;
+  context.DumpToString(text);
+  return text;
 }
 
 /// The indentation of `levels` levels.

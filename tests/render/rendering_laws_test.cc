@@ -99,20 +99,10 @@ TEST(Rendering, GrowsNoFasterWhereTheIndentationDrifts) {
   EXPECT_EQ(large - medium, medium - small);
 }
 
-TEST(Rendering, DeepMessagesGrowNoFasterThanTheirDepth) {
-  const auto outlineSize = [](int depth) {
-    Render::Values message;
-    HTMLRenderContext context(optionsFor(kNoTexts));
-    for (int i = 0; i < depth; ++i) {
-      MsgFieldContext event =
-          eventOf(message, std::array{"anInt", "aUint", "aLong"}[static_cast<unsigned>(i % 3)]);
-      context.startSubHeader(event);
-    }
-    std::string text;
-    context.DumpToString(text);
-    return text.size();
-  };
-  EXPECT_LE(outlineSize(2000), 2 * outlineSize(1000) + 100 * indentation(24).size());
+TEST(Rendering, GrowsWithTheDepthOfItsObjects) {
+  const std::size_t small = outlineOfDepth(300).size(), medium = outlineOfDepth(600).size(),
+                    large = outlineOfDepth(900).size();
+  EXPECT_EQ(large - medium, medium - small);
 }
 
 /// All events of a context, with one field.

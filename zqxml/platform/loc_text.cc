@@ -6,7 +6,6 @@
 #include <array>
 #include <atomic>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 
 namespace zqxml {
@@ -103,7 +102,7 @@ bool EvGetLocText(std::uint32_t messageId, int localeId, char* buffer, std::size
     std::snprintf(key.data(), key.size(), "0x%08x", messageId);
     const std::string_view text = catalogue->text(key.data());
     const std::size_t length = fittingBytes(text, size - 1);
-    std::memcpy(buffer, text.data(), length);
+    text.copy(buffer, length);
     buffer[length] = '\0';
     return !text.empty();
   } catch (...) {
