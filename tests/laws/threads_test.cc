@@ -7,8 +7,10 @@
 #include <zqxml/binary/binary_buffer.h>
 #include <zqxml/binary/binary_serializer.h>
 #include <zqxml/catalogue/lookup.h>
+#include <zqxml/logging/dummy_objects.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/platform/ev_debug.h>
+#include <zqxml/traverse/xml_traverse.h>
 #include <zqxml/xml/xml_decoder.h>
 #include <zqxml/xml/xml_serializer.h>
 
@@ -127,6 +129,23 @@ TEST_F(ManyThreads, ThreadsCopyOneMessageAtOnce) {
   onAllThreads([&](int) {
     for (int round = 0; round < kRounds; ++round) expect(OpenMessage(message) == message);
   });
+}
+
+TEST_F(ManyThreads, ThreadsWalkMergeAndFillAtOnce) {
+  onAllThreads([&](int thread) {
+    for (int round = 0; round < kRounds; ++round) {
+      OpenMessage message = messageOf(thread);
+      const std::string before = dump(message);
+      XmlTraverse walker;  // a handler too, which does nothing
+      walker.traverse(message, walker, true, true);
+      expect(dump(message) == before);
+      OpenMessage merged = newMessage("Demo_EveryType");
+      expect(XmlTraverse::merge(message, merged) && slotOf(merged, "intField") == thread);
+      XNMessageBase* filled = &merged;
+      expect(createXMLObjectWithDummyValues(filled) == 0);
+    }
+  });
+  EXPECT_EQ(lines_.load(), 0);
 }
 
 TEST_F(ManyThreads, ThreadsFailAndLogAtOnce) {
