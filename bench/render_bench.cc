@@ -15,6 +15,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zqxml::bench {
@@ -66,8 +67,9 @@ std::unique_ptr<Subject> subject(std::string name, const Data& data) {
 }
 
 void measureAll(Subject& s) {
-  for (const auto& [form, render] :
-       {std::pair("text", text), {"outline", outline}, {"paragraph", paragraph}}) {
+  const std::pair<const char*, std::string (*)(XNMessageBase&)> forms[] = {
+      {"text", text}, {"outline", outline}, {"paragraph", paragraph}};
+  for (const auto& [form, render] : forms) {
     measure(std::string(form) + "/ours/" + s.name, [&s, render = render] {
       const std::string made = render(*s.ours);
       ::benchmark::DoNotOptimize(made.data());
