@@ -64,6 +64,13 @@ TEST(LogXml, SettingShowsSensitiveValuesAndSaysSo) {
                                        "nDoNotMaskSensitiveDataInXML is set to 1i"}));
 }
 
+TEST(LogXml, KeepsTheLetterBehindTheNumberOfTheNotice) {
+  const TestSettings settings{{kSetting, "25"}};
+  LogCapture capture(1);
+  logXML("<Demo_Guarded/>", nullptr);
+  EXPECT_TRUE(capture.hasPart("logXML", 1, " is set to 25i"));
+}
+
 TEST(LogXml, NoticeIsOfTheMessageLogsLevel) {
   const TestSettings settings{{kSetting, "1"}};
   LogCapture capture(0);

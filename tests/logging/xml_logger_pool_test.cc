@@ -54,7 +54,7 @@ TEST_F(LoggingPool, WithAllThreadsBusyTheLineIsWrittenBeforeTheCallReturns) {
   EXPECT_EQ(helper_.getCurrentAvailableThreadCount(), 0u);
 }
 
-TEST_F(LoggingPool, LineIsLostWhenNoThreadStarts) {
+TEST_F(LoggingPool, KeepsLosingTheLineWhenNoThreadStarts) {
   // In a child, whose pool has no thread yet, and which cannot start one with a stack larger than the address
   // space.
   const pid_t child = fork();
