@@ -92,7 +92,7 @@ class ScriptedHandler : public XmlTraverseHandler {
       case 13:
         return replaceByNew(context);
       case 14:
-        return context.replaceValue(context.getMsgObj());
+        return replaceByItself(context);
       case 15:
         return context.clearList();
       case 16:
@@ -114,6 +114,10 @@ class ScriptedHandler : public XmlTraverseHandler {
             : XNMessageBase::createObjectFromClassID(context.getField().namePointer()));
     context.replaceValue(made.get());
   }
+  /// Each time the message may become twice as large, hence a few times only.
+  void replaceByItself(MsgFieldContext& context) {
+    if (copies_++ < 5) context.replaceValue(context.getMsgObj());
+  }
   static void read(MsgFieldContext& context) {
     std::vector<void*> elements;
     context.readListValue(&elements);
@@ -128,6 +132,7 @@ class ScriptedHandler : public XmlTraverseHandler {
   XNMessageBase& root_;
   const std::string_view script_;
   std::size_t at_ = 0;
+  int copies_ = 0;
   int open_ = 0;
 };
 
