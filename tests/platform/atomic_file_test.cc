@@ -102,12 +102,50 @@ TEST(AtomicFile, LinkStaysALink) {
   EXPECT_EQ(folder.read("real"), "new");
 }
 
+TEST(AtomicFile, LinkToNothingStaysALinkAndItsFileIsMade) {
+  const ScratchFolder folder;
+  ASSERT_TRUE(std::filesystem::create_directory(folder.path("below")));
+  ASSERT_EQ(symlink("below/second", folder.path("first").c_str()), 0);
+  ASSERT_EQ(symlink("real", folder.path("below/second").c_str()), 0);
+  AtomicFile file;
+  ASSERT_FALSE(file.Open(folder.path("first")).IsError());
+  EXPECT_FALSE(file.Write("new").IsError());
+  EXPECT_FALSE(file.Commit().IsError());
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.path("first")));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.path("below/second")));
+  EXPECT_EQ(folder.read("below/real"), "new");
+}
+
+TEST(AtomicFile, LinksInACircleAreAnError) {
+  const ScratchFolder folder;
+  ASSERT_EQ(symlink("b", folder.path("a").c_str()), 0);
+  ASSERT_EQ(symlink("a", folder.path("b").c_str()), 0);
+  AtomicFile file;
+  EXPECT_EQ(file.Open(folder.path("a")).GetCode(), ELOOP);
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.path("a")));
+  EXPECT_EQ(folder.size(), 2U);
+}
+
 TEST(AtomicFile, WritesAtOnceToWhatIsNoRegularFile) {
   AtomicFile file;
   ASSERT_FALSE(file.Open("/dev/null").IsError());
   EXPECT_FALSE(file.Write("text").IsError());
   EXPECT_FALSE(file.Commit().IsError());
   EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+}
+
+TEST(AtomicFile, WritesAtOnceToAPipeThatALinkOfTheSystemNames) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  AtomicFile file;
+  EXPECT_FALSE(file.Open("/proc/self/fd/" + std::to_string(ends[1])).IsError());
+  EXPECT_FALSE(file.Write("text").IsError());
+  EXPECT_FALSE(file.Commit().IsError());
+  char text[5] = "";
+  EXPECT_EQ(read(ends[0], text, 4), 4);
+  EXPECT_STREQ(text, "text");
+  close(ends[0]);
+  close(ends[1]);
 }
 
 TEST(AtomicFile, MissingFolderIsAnError) {

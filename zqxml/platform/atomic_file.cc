@@ -5,25 +5,38 @@
 #include <zqxml/platform/internal/file_calls.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cerrno>
-#include <limits>
+#include <climits>
 #include <memory>
+#include <string_view>
 
 namespace zqxml {
 namespace {
 
 using internal::FileCalls;
 
-// The file that a path stands for when its links are followed.
-std::string followLinks(const std::string& path) {
-  const std::unique_ptr<char, decltype(&free)> real(realpath(path.c_str(), nullptr), &free);
-  return real ? std::string(real.get()) : path;
-}
-
 std::string folderOf(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
+}
+
+// The file that a path stands for when its links are followed, be it there or not.
+std::string followLinks(std::string path) {
+  const std::unique_ptr<char, decltype(&free)> real(realpath(path.c_str(), nullptr), &free);
+  if (real) return real.get();
+  struct stat state = {};
+  if (stat(path.c_str(), &state) == 0) return path;  // its link is no path: /proc has such, to pipes
+  constexpr int kMostLinks = 40;                     // as many as the system follows
+  std::array<char, PATH_MAX> area;
+  for (int i = 0; i < kMostLinks; ++i) {
+    const ssize_t size = readlink(path.c_str(), area.data(), area.size());
+    if (size <= 0) break;
+    const std::string_view target(area.data(), static_cast<std::size_t>(size));
+    path = (target.front() == '/' ? std::string() : folderOf(path)).append(target);
+  }
+  return path;
 }
 
 // Opens a new file in `folder`, the name of which no other has, or sets errno.
@@ -56,6 +69,7 @@ CUlError AtomicFile::Open(const std::string& target) {
   target_ = followLinks(target);
   struct stat old = {};
   const bool exists = stat(target_.c_str(), &old) == 0;
+  if (!exists && errno != ENOENT) return CUlError(errno);  // links that lead in a circle, say
   if (exists && !S_ISREG(old.st_mode)) return file_.Open(target_, CUlFile::Mode::kWrite);
   // A rename asks only for the folder's permission, not for the file's.
   if (exists && faccessat(AT_FDCWD, target_.c_str(), W_OK, AT_EACCESS) != 0) return CUlError(errno);
