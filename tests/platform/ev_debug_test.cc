@@ -93,6 +93,21 @@ TEST_F(EvDebugTest, MessageContentCannotPassForALine) {
   EXPECT_THAT(out, HasSubstr("f - a\n\tb?[2Jc?d\te?\n"));
 }
 
+TEST_F(EvDebugTest, ControlsOfTwoBytesAreNotWritten) {
+  const std::string out = standardErrorOf([] {
+    EvDebug::DebugLvl("f", 0, 0, "%s",
+                      "a\xC2\x9B"
+                      "2Jb\xC2\x80"
+                      "c\xC2\xA0"
+                      "d\xC3\x9B"
+                      "e\xC2");
+  });
+  EXPECT_THAT(out, HasSubstr("f - a?2Jb?c\xC2\xA0"
+                             "d\xC3\x9B"
+                             "e\xC2\n"))
+      << "letters stay";
+}
+
 TEST_F(EvDebugTest, NullTextsAreEmpty) {
   int calls = 0;
   EvDebug::setSink([&](const LogLine& line) {

@@ -62,19 +62,24 @@ struct State {
   }
 };
 
-// What a message holds cannot pass for an entry of its own, or steer a terminal.
+// What a message holds cannot pass for an entry of its own, or steer a terminal. Terminals take the controls
+// from U+0080 to U+009F, of two bytes in UTF-8, for commands too.
 std::string withoutControls(std::string_view text) {
   std::string out;
   out.reserve(text.size());
+  unsigned char before = 0;
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
     if (c == '\n') {
       out += "\n\t";
+    } else if (before == 0xC2 && byte >= 0x80 && byte < 0xA0) {
+      out.back() = '?';
     } else if (c == '\t' || (byte >= 0x20 && byte != 0x7F)) {
       out += c;
     } else {
       out += '?';
     }
+    before = byte;
   }
   return out;
 }
