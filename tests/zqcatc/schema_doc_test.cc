@@ -19,8 +19,8 @@ TEST(SchemaPageTest, FilesAndCommandsWorkAsShown) {
       commands += expectCommandsPrint(block, folder.path());
     }
   }
-  EXPECT_EQ(files, 2);
-  EXPECT_EQ(commands, 6);
+  EXPECT_EQ(files, 3);
+  EXPECT_EQ(commands, 8);
 }
 
 }  // namespace
