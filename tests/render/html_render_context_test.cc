@@ -1,23 +1,11 @@
 #include <gmock/gmock.h>
 #include <tests/render/rendering.h>
 #include <tests/support/log_capture.h>
-#include <tests/support/time_zone.h>
-#include <zqxml/catalogue/generated/ZqEntities.h>
-
-#include <limits>
 
 namespace zqxml {
 namespace {
 
 using testing::IsEmpty;
-
-/// The pieces of the example.
-std::string item(const std::string& name, const std::string& value, int indent = 0) {
-  return "<br>" + indentation(indent) + "&nbsp;" + name + "&nbsp;:&nbsp;" + value;
-}
-std::string label(const std::string& name, int indent = 0) {
-  return "<br>" + indentation(indent) + "<B>" + name + "</B>";
-}
 
 Render::Item namedItem(const std::string& name) {
   Render::Item made;
@@ -90,13 +78,6 @@ TEST(HTMLRenderContext, WhiteSpaceAtTheEndOfANameIsCut) {
   std::string text;
   context.DumpToString(text);
   EXPECT_EQ(text, item("name", "1") + item(" na me", "2") + item("", "3"));
-}
-
-TEST(HTMLRenderContext, DateOfTwoDaysIsAnInterval) {
-  const ScopedTimeZone zone("UTC0");
-  OpenMessage message = newMessage("Demo_Dated");
-  setInteger(message, "dateInt", 172800);
-  EXPECT_EQ(outlineOf(message), "Dated:" + item("dateInt", "2 day(s)") + "</div>");
 }
 
 TEST(HTMLRenderContext, CollapsibleBlocksHaveIdsOfTheirOwn) {
@@ -177,28 +158,6 @@ TEST(HTMLRenderContext, CopyContinuesWhereTheOriginalStands) {
   }
 }
 
-// --- References to entities
-
-TEST(HTMLRenderContext, ReferenceStandsOnTheLineOfItsLabel) {
-  Render::References message;
-  message.mutableClient().setClientId(7);
-  message.mutableClient().setClientName("c");
-  message.setCount(1);
-  EXPECT_EQ(outlineOf(message), "References:" + label("client") +
-                                    "&nbsp;&nbsp;&nbsp;clientId&nbsp;:&nbsp;7"
-                                    "&nbsp;&nbsp;&nbsp;clientName&nbsp;:&nbsp;c" +
-                                    item("count", "1") + "</div>");
-}
-
-TEST(HTMLRenderContext, ReferencesOfAListStandOnALineBelowTheirLabel) {
-  Render::References message;
-  message.addToClients().setClientId(7);
-  message.setCount(1);
-  EXPECT_EQ(outlineOf(message), "References:" + label("clients") + "<br>" + indentation(1) +
-                                    "&nbsp;&nbsp;&nbsp;clientId&nbsp;:&nbsp;7" + item("count", "1") +
-                                    "</div>");
-}
-
 // --- Single values
 
 TEST(HTMLRenderContext, DispatchesEveryTypeThatHasAForm) {
@@ -276,61 +235,6 @@ TEST(HTMLRenderContext, AnnotatedFieldsAreLeftOutByTheContextItself) {
   std::string text;
   context.DumpToString(text);
   EXPECT_EQ(text, item("before", "1") + item("sensitive", "shown"));
-}
-
-// --- Dates
-
-struct DateForm {
-  const char* field;
-  std::int64_t value;
-  const char* text;
-};
-
-class HTMLDates : public testing::TestWithParam<DateForm> {};
-
-TEST_P(HTMLDates, AreWrittenAsPeopleWriteThem) {
-  const ScopedTimeZone zone("UTC0");
-  OpenMessage message = newMessage("Demo_Dated");
-  setInteger(message, GetParam().field, GetParam().value);
-  EXPECT_EQ(outlineOf(message), "Dated:" + item(GetParam().field, GetParam().text) + "</div>");
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Forms, HTMLDates,
-    testing::Values(DateForm{"dateInt", 86400, "1 day(s)"}, DateForm{"dateInt", 7200, "2 hour(s)"},
-                    DateForm{"dateInt", 3600, "1 hour(s)"}, DateForm{"dateInt", 90, "90"},
-                    DateForm{"dateInt", 1, "1"}, DateForm{"dateInt", -5, "4294967291"},
-                    DateForm{"dateInt", -86400, "4294880896"}, DateForm{"dateInt", 0, "0"},
-                    DateForm{"dateTime64", 0, "0"}, DateForm{"dateInt", 662687999, "662687999"},
-                    DateForm{"dateInt", 662688000, "1991-01-01 00:00:00"},
-                    DateForm{"dateInt", 1577934245, "2020-01-02 03:04:05"},
-                    DateForm{"dayInt", 1577934245, "2020-01-02"},
-                    DateForm{"dateUint", 4102444800, "2100-01-01 00:00:00"},
-                    DateForm{"dayUlong", 4102444800, "2100-01-01"},
-                    DateForm{"dateLong", 1577934245, "2020-01-02 03:04:05"},
-                    DateForm{"dateLonglong", 253402300799, "9999-12-31 23:59:59"},
-                    DateForm{"dateTime32", 1577934245, "2020-01-02 03:04:05"},
-                    DateForm{"dayTime64", 253402300799, "9999-12-31"}, DateForm{"timeInt", 3600, "3600"}));
-
-TEST(HTMLRenderContext, DateOfAnyOtherTypeNumberHasTheTime) {
-  const ScopedTimeZone zone("UTC0");
-  OpenMessage message = newMessage("Demo_Forced");
-  setInteger(message, "oddDate", 1577934245);
-  EXPECT_EQ(outlineOf(message), "Forced:" + item("oddDate", "2020-01-02 03:04:05") + "</div>");
-}
-
-TEST(HTMLRenderContext, DateWithoutLocalTimeIsPassedOver) {
-  OpenMessage message = newMessage("Demo_Dated");
-  setInteger(message, "dateLonglong", std::numeric_limits<std::int64_t>::max());
-  setInteger(message, "dateTime64", std::numeric_limits<std::int64_t>::min());
-  setInteger(message, "timeInt", 1);
-  EXPECT_EQ(outlineOf(message), "Dated:" + item("timeInt", "1") + "</div>");
-}
-
-TEST(HTMLRenderContext, DateOnATextIsNoDate) {
-  OpenMessage message = newMessage("Demo_Forced");
-  setText(message, "dateText", "next week");
-  EXPECT_EQ(outlineOf(message), "Forced:" + item("dateText", "next week") + "</div>");
 }
 
 // --- Lists and enumerations
@@ -420,28 +324,6 @@ TEST(HTMLRenderContext, LabelsAndWordsAreInTheLanguageOfTheOptions) {
   EXPECT_EQ(outlineOf(message, optionsFor(kGerman)),
             expected("Anmeldename", "Benutzer annehmen", "Ablageort für Warnungen", "Ja",
                      "Netzwerkfreigabe verwenden"));
-}
-
-// --- The arithmetic of indentation
-
-TEST(HTMLRenderContext, EndsWithoutAStartAreHarmless) {
-  Render::JobOption message;
-  HTMLRenderContext context(optionsFor(kNoTexts));
-  MsgFieldContext client = eventOf(message, "client");
-  context.endSubHeader(client);
-  context.startSubHeader(client);
-  for (int i = 0; i < 5; ++i) context.endSubHeader(client);
-  context.addToOutPut("name", "x");
-  std::string text;
-  context.DumpToString(text);
-  EXPECT_EQ(text, label("client") + item("name", "x"));
-}
-
-TEST(HTMLRenderContext, IndentationEndsAtTwentyFourLevels) {
-  EXPECT_TRUE(outlineOfDepth(23).ends_with(item("name", "x", 23)));
-  const std::string text = outlineOfDepth(150);
-  EXPECT_TRUE(text.ends_with(item("name", "x", 24)));
-  EXPECT_EQ(text.find(indentation(25)), std::string::npos);
 }
 
 }  // namespace

@@ -127,4 +127,12 @@ inline std::string indentation(int levels) {
   return text;
 }
 
+/// The pieces of an outline: a line with a value, and the label of a section.
+inline std::string item(const std::string& name, const std::string& value, int indent = 0) {
+  return "<br>" + indentation(indent) + "&nbsp;" + name + "&nbsp;:&nbsp;" + value;
+}
+inline std::string label(const std::string& name, int indent = 0) {
+  return "<br>" + indentation(indent) + "<B>" + name + "</B>";
+}
+
 }  // namespace zqxml
