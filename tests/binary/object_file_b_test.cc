@@ -106,6 +106,40 @@ TEST_F(ObjectFileB, RecordsAreAppendedToAFileOfTheFormat) {
   EXPECT_EQ(bytes(), kVersionField + recordB(form(1)) + recordB(form(2)));
 }
 
+TEST_F(ObjectFileB, VersionFieldThatWasCutShortIsCompleted) {
+  for (std::size_t held : {1u, 2u, 3u}) {
+    open(kVersionField.substr(0, held));
+    EXPECT_EQ(append({&one_}), FileHandlerSuccess);
+    EXPECT_EQ(bytes(), kVersionField + recordB(form(1)));
+    start();
+    numbers_.clear();
+    EXPECT_EQ(readB(1), FileHandlerSuccess);
+    EXPECT_THAT(numbers_, ElementsAre(1));
+
+    open(kVersionField.substr(0, held));
+    LogCapture log;
+    FailingFileCalls calls;
+    calls.writeError = ENOSPC;
+    EXPECT_EQ(append({&one_}), FileHandlerWriteFailed);
+    EXPECT_THAT(log.lines(), ElementsAre(CapturedLine{
+                                 kAppend, 0, "Failed to Dump Binary Into File, error=" + textOf(ENOSPC)}));
+  }
+}
+
+TEST_F(ObjectFileB, KeepsTakingEveryCallOnAPipeForItsStart) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  CUlFile to, from;
+  from.Attach(ends[0], "from");
+  to.Attach(ends[1], "to");
+  handler_.setSrcFile(&to);
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(append({&one_, &two_}), FileHandlerSuccess);
+  ASSERT_FALSE(to.Close().IsError());
+  handler_.setSrcFile(&from);
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(readB(2), FileHandlerSuccess) << "each call has its version field";
+  EXPECT_THAT(numbers_, ElementsAre(1, 2, 1, 2));
+}
+
 TEST_F(ObjectFileB, KeepsReadingTheVersionWhereTheFileStands) {
   open();
   EXPECT_EQ(append({&one_}), FileHandlerSuccess);

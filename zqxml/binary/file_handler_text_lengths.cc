@@ -48,7 +48,8 @@ bool isKnownVersion(unsigned version, const char* function) {
   return false;
 }
 
-/// Makes sure that records can follow: checks the version field, or writes the one of an empty file.
+/// Makes sure that records can follow: checks the version field, or writes that of an empty file, or the
+/// rest.
 XNMessageBaseFileHandlerError prepare(CUlFile& file) {
   std::uint64_t size = 0;
   if (failed(file.Size(size), kAppend)) return FileHandlerWriteFailed;
@@ -57,7 +58,12 @@ XNMessageBaseFileHandlerError prepare(CUlFile& file) {
   } else if (failed(writeField(file, kVersion), kAppend)) {
     return FileHandlerWriteFailed;
   }
-  return failed(record::seekEnd(file), kAppend) ? FileHandlerWriteFailed : FileHandlerSuccess;
+  if (failed(record::seekEnd(file), kAppend)) return FileHandlerWriteFailed;
+  // A full disk can have cut the field short: records behind its rest would never be found.
+  constexpr std::array<char, kFieldSize> kPadding{};
+  const unsigned missing = size != 0 && size < kFieldSize ? kFieldSize - static_cast<unsigned>(size) : 0;
+  return failed(file.Write(kPadding.data(), missing, nullptr), kAppend) ? FileHandlerWriteFailed
+                                                                        : FileHandlerSuccess;
 }
 
 XNMessageBaseFileHandlerError append(CUlFile& file, XNMessageBase* object) {

@@ -72,7 +72,8 @@ class ZQXML_EXPORT XNMessageBaseFileHandler {
   XNMessageBaseFileHandlerError GetObjectFromFile(XNMessageBase*& object);
 
   /// Appends a record of format B for every object, in order; an empty file gets the version field first,
-  /// also when there is no object. A null object counts as one without data.
+  /// also when there is no object, and a file that holds less than four bytes of it the rest. A null object
+  /// counts as one without data. QUIRK: a pipe is always empty, and gets the version field at every call.
   ///
   /// QUIRK: the version field of a file that is not empty is read where the file stands, so the caller has it
   /// at its start. What was written before a failure stays. A record holds less than 10,000 bytes: of a
@@ -84,7 +85,8 @@ class ZQXML_EXPORT XNMessageBaseFileHandler {
   XNMessageBaseFileHandlerError appendBinaryBufferToFile(std::vector<XNMessageBase*>& objects);
 
   /// Reads up to `count` records of format B from the file's position and appends their objects, which the
-  /// caller owns, to `objects`. The version field is read and checked at the start of the file only.
+  /// caller owns, to `objects`. The version field is read and checked at the start of the file only, where a
+  /// pipe is at every call.
   ///
   /// An object that does not decode is left out and counts all the same. A record that the file cuts short is
   /// decoded as far as it is there. QUIRK: an error while reading counts as the end of the file. Results,
