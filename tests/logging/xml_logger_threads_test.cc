@@ -177,6 +177,7 @@ TEST(LoggingManyMessages, ProcessEndsWhileThreadsLog) {
 }
 
 TEST(LoggingManyMessages, ThreadsLogWhileAProcessForks) {
+  // Run alone, the first fork meets the threads in the first use of all: the start of the XML library, too.
   const ScratchFolder folder;
   LineCheck check;
   LoggingThreads threads;

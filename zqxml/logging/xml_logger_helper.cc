@@ -23,9 +23,14 @@ namespace {
 std::atomic<XmlLoggerHelper*> processHelper = nullptr;
 constinit ZqCriticalSection helperSection;
 
-/// In the child of a fork, where the thread that made the helper may have been left behind with the section.
-void renewSection() {
-  new (&helperSection) ZqCriticalSection;
+/// Lets a fork wait till the first use is over, so that its child finds no lock that is never left.
+void holdStillAcrossForks() {
+  // What the first use takes locks of has to be asked to hold still after it, and so has to say so before it.
+  const ZqThreadPool pool;
+  XNMessageBase::Initialize();
+  // Threads that come here together say so more than once, which does no harm: the section is recursive.
+  pthread_atfork([] { helperSection.enter(); }, [] { helperSection.leave(); },
+                 [] { new (&helperSection) ZqCriticalSection; });
 }
 
 /// A block with a copy; null without memory, and for a null `bytes`.
@@ -98,8 +103,7 @@ void insertXml(std::string& text, const std::string& xml) {
 
 XmlLoggerHelper* XmlLoggerHelper::getXmlLoggerInstance() noexcept try {
   if (XmlLoggerHelper* known = processHelper.load(std::memory_order_acquire)) return known;
-  // Threads that come here together register it more than once, which does no harm.
-  pthread_atfork(nullptr, nullptr, &renewSection);
+  holdStillAcrossForks();
   const ZqCriticalSectionLock lock(helperSection);
   if (processHelper.load(std::memory_order_relaxed) == nullptr)
     processHelper.store(new XmlLoggerHelper, std::memory_order_release);

@@ -1,3 +1,4 @@
+#include <pthread.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/platform/internal/xerces_ptr.h>
 #include <zqxml/platform/platform_info.h>
@@ -6,6 +7,8 @@
 #include <zqxml/xml/xml_start_up.h>
 
 #include <cstdint>
+#include <new>
+#include <string>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLException.hpp>
 
@@ -15,26 +18,44 @@ std::atomic<bool> XMLSerializer::isXercesInitialized = false;
 
 std::atomic<XmlStartUp*> XmlStartUp::replacement = nullptr;
 
+constinit XmlStartUp XmlStartUp::ofProcess_(
+    XMLSerializer::isXercesInitialized, +[] { xercesc::XMLPlatformUtils::Initialize(); });
+
 XmlStartUp& XmlStartUp::process() {
-  if (XmlStartUp* other = replacement.load(std::memory_order_relaxed)) return *other;
-  // Never destroyed: calls may come until the very end of the process.
-  static XmlStartUp& instance = *new XmlStartUp(
-      XMLSerializer::isXercesInitialized, +[] { xercesc::XMLPlatformUtils::Initialize(); });
-  return instance;
+  XmlStartUp* const other = replacement.load(std::memory_order_relaxed);
+  return other == nullptr ? ofProcess_ : *other;
+}
+
+void XmlStartUp::holdStillAcrossForks() {
+  if (this != &ofProcess_) return;
+  // A start logs and reads the configuration. What asks last to be held is held first, so these ask before.
+  EvDebugFileInstance().path();
+  std::string ignored;
+  ZQPlatformInfo().getText("", "", ignored);
+  // Threads that come here together ask more than once, which does no harm: the lock can be taken again.
+  pthread_atfork([] { ofProcess_.lock_.enter(); }, [] { ofProcess_.lock_.leave(); },
+                 [] { new (&ofProcess_.lock_) ZqCriticalSection; });
 }
 
 eXNMsgRet XmlStartUp::startCodec() {
   if (started_.load(std::memory_order_acquire)) return XN_MSG_OK;
+  holdStillAcrossForks();
   const ZqCriticalSectionLock guard(lock_);
   readSettingOnce();
-  if (!startLibrary("XMLSerializer::initialize")) return XN_MSG_XML_LIBRARY_ERROR;
+  if (!startLocked("XMLSerializer::initialize")) return XN_MSG_XML_LIBRARY_ERROR;
   started_.store(true, std::memory_order_release);
   return XN_MSG_OK;
 }
 
 bool XmlStartUp::startLibrary(const char* function) {
+  if (libraryRuns_.load(std::memory_order_acquire)) return true;
+  holdStillAcrossForks();
   const ZqCriticalSectionLock guard(lock_);
-  if (libraryRuns_) return true;
+  return startLocked(function);
+}
+
+bool XmlStartUp::startLocked(const char* function) {
+  if (libraryRuns_.load(std::memory_order_relaxed)) return true;
   try {
     startLibrary_();
   } catch (const xercesc::XMLException& error) {
@@ -42,7 +63,7 @@ bool XmlStartUp::startLibrary(const char* function) {
              internal::utf8Of(error.getMessage()));
     return false;
   }
-  libraryRuns_ = true;
+  libraryRuns_.store(true, std::memory_order_release);
   return true;
 }
 

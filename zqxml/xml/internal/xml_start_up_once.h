@@ -15,8 +15,11 @@ class XmlStartUp {
   using LibraryStart = void (*)();
 
   /// `started` is raised when startCodec succeeds; it outlives this object.
-  XmlStartUp(std::atomic<bool>& started, LibraryStart start) : started_(started), startLibrary_(start) {}
+  constexpr XmlStartUp(std::atomic<bool>& started, LibraryStart start)
+      : started_(started), startLibrary_(start) {}
 
+  /// The one of this process. It is there from the beginning and to the very end, and a fork waits for a
+  /// start that is under way: the child could never use a library that is half started.
   static XmlStartUp& process();
   /// Takes the place of the process's own while it is not null: tests make the start fail with it.
   static std::atomic<XmlStartUp*> replacement;
@@ -29,12 +32,16 @@ class XmlStartUp {
   bool validationDisabled() const { return validationDisabled_.load(std::memory_order_relaxed); }
 
  private:
+  static XmlStartUp ofProcess_;
+
+  void holdStillAcrossForks();
   void readSettingOnce();
+  bool startLocked(const char* function);
 
   ZqCriticalSection lock_;
   std::atomic<bool>& started_;
   const LibraryStart startLibrary_;
-  bool libraryRuns_ = false;
+  std::atomic<bool> libraryRuns_ = false;
   bool settingRead_ = false;
   std::atomic<bool> validationDisabled_ = false;
 };
