@@ -168,6 +168,24 @@ TEST(Rendering, GetsAlongWithFieldsThatNoClassHas) {
   allEvents(event);
 }
 
+TEST(Rendering, FieldWithTheNameOfAnotherIsNoFieldOfTheMessage) {
+  const LogCapture capture;
+  OpenMessage message = newMessage("Demo_EveryType");
+  fillEveryType(message);
+  const FieldDef& texts = fieldOf(message, "listStringField");
+  const auto textOfFieldNamed = [&](const char* name) {
+    const FieldDef field(name, nullptr, texts.getFieldHashId(), 0, texts.getMemNum(), texts.getIndex(),
+                         FDT_LIST_STRING);
+    MsgFieldContext event(field, &message);
+    std::ostringstream stream;
+    DefaultRenderContext(stream, optionsFor(kNoTexts)).writeList(event);
+    return stream.str();
+  };
+  EXPECT_THAT(textOfFieldNamed("listStringField"), testing::StartsWith("listStringField["));
+  EXPECT_EQ(textOfFieldNamed("listIntField"), "");
+  EXPECT_EQ(textOfFieldNamed(nullptr), "");
+}
+
 TEST(Rendering, ContextsOfConcurrentThreadsHaveIdsOfTheirOwn) {
   constexpr int kBlocks = 200;
   const int outlinesBefore = HTMLRenderContext::CountOptions;

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 namespace zqxml {
@@ -19,6 +20,13 @@ constexpr DateForms kDateForms{"%d day(s)", "%d hour(s)", "%u"};
 /// Lists of which only the brackets are shown.
 constexpr FieldTypeSet kListsWithoutTexts{FDT_LIST_ENUM, FDT_LIST_OBJECT};
 
+/// Lists are read by name: another name would give elements of another type.
+bool haveOneName(const FieldDef& one, const FieldDef& other) {
+  const char* name = one.getName();
+  const char* otherName = other.getName();
+  return name == otherName || (name != nullptr && otherName != nullptr && std::strcmp(name, otherName) == 0);
+}
+
 /// The event's message when it has the field, so that its slots may be read.
 const XNMessageBase* ownerOf(const MsgFieldContext& context) {
   const XNMessageBase* message = context.getMsgObj();
@@ -28,7 +36,7 @@ const XNMessageBase* ownerOf(const MsgFieldContext& context) {
     return nullptr;
   const FieldDef& own = classDef->getFields()[field.getMemNum()];
   const bool same = own.getType() == field.getType() && own.getIndex() == field.getIndex() &&
-                    own.getFieldHashId() == field.getFieldHashId();
+                    own.getFieldHashId() == field.getFieldHashId() && haveOneName(own, field);
   return same ? message : nullptr;
 }
 
