@@ -216,6 +216,38 @@ TEST(XmlTraverse, WalkingBuildsNoListOfItsOwn) {
   EXPECT_EQ(slotOf(outer, "middle"), 0);
 }
 
+/// Counts the fields.
+struct FieldCounter : XmlTraverseHandler {
+  using XmlTraverseHandler::XmlTraverseHandler;
+  void visit(MsgFieldContext&) override { ++fields; }
+  std::size_t fields = 0;
+};
+
+// Looking for every object from the root would be 10^8 steps here.
+TEST(XmlTraverse, ManyObjectsDeepInsideAreWalkedInStepsOfTheirCount) {
+  constexpr std::size_t kLevels = 900;
+  constexpr std::size_t kElements = 50'000;
+  OpenMessage root = newMessage("Demo_Nest");
+  const OpenMessage empty = newMessage("Demo_Nest");
+  XNMessageBase* deepest = &root;
+  for (std::size_t level = 1; level < kLevels; ++level) {
+    MsgFieldContext(fieldOf(*deepest, "child"), deepest).replaceValue(&empty);
+    deepest = MessageAccess::owned<XNMessageBase>(*deepest, fieldOf(*deepest, "child"));
+  }
+  collectionOf<std::vector<XNMessageBase>>(*deepest, "children").resize(kElements, empty);
+  const auto fieldsOfOne = [] {
+    OpenMessage one = newMessage("Demo_Nest");
+    FieldCounter counter;
+    XmlTraverse().traverse(one, counter);
+    return counter.fields;
+  }();
+  for (const bool inOrder : {false, true}) {
+    FieldCounter counter(0, inOrder);
+    XmlTraverse().traverse(root, counter);
+    EXPECT_EQ(counter.fields, (kLevels + kElements) * fieldsOfOne);
+  }
+}
+
 TEST(XmlTraverse, MessageWithoutAClassIsNotWalked) {
   XNMessageBase bare;
   EXPECT_THAT(eventsOf(bare, RecordingHandler(), true, true), IsEmpty());

@@ -1,6 +1,7 @@
 // Building, moving and destroying messages.
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/logging/xml_log_context.h>
+#include <zqxml/message/internal/ended_messages.h>
 #include <zqxml/message/internal/message_access.h>
 #include <zqxml/message/xn_message_base.h>
 #include <zqxml/platform/exception.h>
@@ -8,6 +9,9 @@
 #include <new>
 
 namespace zqxml {
+
+constinit thread_local std::uint64_t endedMessages = 0;
+
 namespace {
 
 /// Constructs what exists for the whole life of an object; every other slot stays zero.
@@ -111,10 +115,12 @@ XNMessageBase::XNMessageBase(XNMessageBase&& other) noexcept
 }
 
 XNMessageBase::~XNMessageBase() {
+  ++endedMessages;
   destroyFields();
 }
 
 void XNMessageBase::initToNULL() {
+  ++endedMessages;
   tagId_ = 0;
   classDef_ = nullptr;
   serializedXml_.reset();

@@ -1,17 +1,21 @@
 // ObjectWalk: the walk over a message and all that is below it, once for both modes.
 //
 // The handler may change the message at any call, so nothing that was found before a call is used behind it:
-// a place knows the way to its object from the object around it, and looks whether that is still there.
+// a place knows the way to its object from the object around it, and looks whether that is still there. It
+// looks only when some message has ended since: a walk over a deep message would otherwise take the square of
+// its depth.
 #pragma once
 
 #include <zqxml/catalogue/generated/ZqEntities.h>
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/logging/xml_log_context.h>
+#include <zqxml/message/internal/ended_messages.h>
 #include <zqxml/message/internal/message_access.h>
 #include <zqxml/message/internal/nesting_limit.h>
 #include <zqxml/traverse/xml_traverse.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -62,6 +66,7 @@ class ObjectWalk {
     const FieldDefTraverseInfo* parent = nullptr;
     Place* around = nullptr;
     std::size_t element = kNoElement;
+    std::uint64_t ended = endedMessages;  // as it stood when the object was here
   };
 
   /// The class on the processing stack, for the time of the walk over one object.
@@ -87,8 +92,12 @@ class ObjectWalk {
 
   /// Whether the object is where it was, perhaps moved: handlers replace objects and let lists grow.
   static bool find(Place& place) {
-    return (place.around == nullptr || findIn(*place.around, place)) &&
-           MessageAccess::classDef(*place.msg) == place.record;
+    const std::uint64_t ended = endedMessages;
+    if (place.ended == ended) return true;
+    if (place.around != nullptr && !findIn(*place.around, place)) return false;
+    if (MessageAccess::classDef(*place.msg) != place.record) return false;
+    place.ended = ended;
+    return true;
   }
   static bool findIn(Place& around, Place& place) {
     if (!find(around)) return false;
