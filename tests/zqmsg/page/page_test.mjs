@@ -1,7 +1,7 @@
 // A message as a page, in a browser: node page_test.mjs PATH_OF_ZQMSG
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
-import { mkdtempSync, rmSync } from 'node:fs';
+import { mkdtempSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { dirname, join } from 'node:path';
 import { after, afterEach, before, beforeEach, test } from 'node:test';
@@ -16,9 +16,10 @@ let browser;
 let page;
 let complaints;
 
-const make = (name, ...options) => {
+const make = (name, ...options) => makeOf(input, name, ...options);
+const makeOf = (source, name, ...options) => {
   const path = join(folder, name);
-  execFileSync(zqmsg, ['convert', input, '--to', 'page', '-o', path, ...options]);
+  execFileSync(zqmsg, ['convert', source, '--to', 'page', '-o', path, ...options]);
   return pathToFileURL(path).href;
 };
 
@@ -124,6 +125,19 @@ test('a name of a section leaves all that is in it', async () => {
   await page.waitForFunction(() => document.getElementById('found').value !== '');
   assert.equal(await row('limit').isVisible(), true);
   assert.equal(await row('total').isVisible(), true);
+});
+
+test('that there are no fields is no field', async () => {
+  await page.close();
+  const source = join(folder, 'empty.xml');
+  writeFileSync(source, '<JobManager_JobListResp generated="1"><page/></JobManager_JobListResp>');
+  await openPage(makeOf(source, 'empty.html'));
+  for (const [text, count] of [['page', 0], ['no field is set', 0], ['generated', 1]]) {
+    await page.fill('#search', text);
+    await page.waitForFunction((wanted) => document.getElementById('found').value === wanted, `${count} of 1 fields`,
+                               { timeout: 5000 });
+  }
+  quiet();
 });
 
 test('the keyboard alone reaches everything', async () => {

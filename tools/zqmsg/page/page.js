@@ -32,10 +32,12 @@ function filter(block, text, all) {
   let shown = 0;
   for (const child of block.children) {
     const isSection = child.classList.contains('s');
-    const hit = all || text === '' || matches(isSection ? child.querySelector('.t') : child, text);
+    const isNote = child.classList.contains('none');  // that there are no fields is no field
+    const hit = all || text === '' ||
+        (!isNote && matches(isSection ? child.querySelector('.t') : child, text));
     if (!isSection) {
       child.hidden = !hit;
-      shown += hit ? 1 : 0;
+      shown += hit && child.classList.contains('f') ? 1 : 0;
       continue;
     }
     const body = child.lastElementChild;
