@@ -222,6 +222,10 @@ void FieldRows::row(const std::string& nameHtml, const std::string& valueHtml) {
 }
 
 void FieldRows::openSection(const std::string& titleHtml) {
+  if (++open_ > kDeepest) {
+    html_ += "<p class=\"h\">" + titleHtml + "</p>\n";
+    return;
+  }
   const std::string id = "b" + std::to_string(++sections_);
   html_ += "<section class=\"s\"><button type=\"button\" aria-expanded=\"false\" aria-controls=\"" + id +
            "\">" + "<span class=\"t\">" + titleHtml + "</span></button><div class=\"b\" id=\"" + id +
@@ -229,7 +233,7 @@ void FieldRows::openSection(const std::string& titleHtml) {
 }
 
 void FieldRows::closeSection() {
-  html_ += "</div></section>\n";
+  if (open_-- <= kDeepest) html_ += "</div></section>\n";
 }
 
 void FieldRows::object(const std::string& titleHtml, const XNMessageBase& message) {

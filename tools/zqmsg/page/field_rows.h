@@ -13,6 +13,7 @@ namespace zqxml::tool {
 ///
 ///   .f  a field: .n its name, .v its value, .i an element of a list, .m what is masked
 ///   .s  a section: a button with its title .t, and .b the block that it opens, closed at first
+///   .h  the title of a section below the 100th level: what is in it follows, in the block of that level
 ///
 /// Fields that are hidden from summaries and reports are left out. Passwords, sensitive values and byte
 /// strings are masked unless `showSecrets` says otherwise; that a list or a sub-object is sensitive masks all
@@ -31,6 +32,10 @@ class FieldRows {
  private:
   friend class FieldRow;
 
+  /// Sections inside one another. A section is two elements, and browsers put what lies below some 512
+  /// elements beside its block instead of into it, where no search would find it.
+  static constexpr int kDeepest = 100;
+
   void row(const std::string& nameHtml, const std::string& valueHtml);
   /// `titleHtml` is what the button says.
   void openSection(const std::string& titleHtml);
@@ -41,6 +46,7 @@ class FieldRows {
   std::string html_;
   std::uint64_t rows_ = 0;
   std::uint64_t sections_ = 0;
+  int open_ = 0;
 };
 
 }  // namespace zqxml::tool
