@@ -196,6 +196,27 @@ TEST(Focus, IsEmptyAtFirstAndNeverNull) {
   std::thread([] { EXPECT_STREQ(ZQPI_Focus::getFocus(), ""); }).join();
 }
 
+/// Asks for the focus when most of its thread, or of the process, has ended.
+struct AsksAtTheEnd {
+  std::string* answer = nullptr;
+  ~AsksAtTheEnd() {
+    if (answer == nullptr) return;
+    ZQPI_Focus::setFocus("too late");
+    *answer = ZQPI_Focus::getFocus();
+  }
+};
+
+TEST(Focus, EndsWithItsThread) {
+  std::string answer = "none";
+  std::thread([&answer] {
+    // Made before the focus, and so destroyed behind it.
+    thread_local AsksAtTheEnd atTheEnd;
+    atTheEnd.answer = &answer;
+    ZQPI_Focus::setFocus("a name that is too long to stand in the object of a string itself");
+  }).join();
+  EXPECT_EQ(answer, "");
+}
+
 TEST(Focus, BelongsToItsThread) {
   ZQPI_Focus::setFocus("Agent", 1, false);
   EXPECT_STREQ(ZQPI_Focus::getFocus(), "Agent");

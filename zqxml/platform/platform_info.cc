@@ -123,7 +123,15 @@ std::optional<std::int64_t> parseNumber(std::string_view text) {
   return strtoll(std::string(text).c_str(), nullptr, hexadecimal ? 16 : 10);
 }
 
-thread_local std::string focusOfThread;
+// Set when the name of this thread is no more: at the end of the process the destructors of static objects
+// run behind those of the main thread, and some log.
+thread_local bool focusIsGone = false;
+
+struct Focus {
+  std::string name;
+  ~Focus() { focusIsGone = true; }
+};
+thread_local Focus focusOfThread;
 
 }  // namespace
 
@@ -155,12 +163,13 @@ std::optional<std::int64_t> ZQPlatformInfo::findNumber(std::string_view section,
 }
 
 const char* ZQPI_Focus::getFocus() noexcept {
-  return focusOfThread.c_str();
+  return focusIsGone ? "" : focusOfThread.name.c_str();
 }
 
 void ZQPI_Focus::setFocus(const char* name, int, bool) noexcept try {
+  if (focusIsGone) return;
   // The name may be the one that getFocus gave.
-  focusOfThread = std::string(name == nullptr ? "" : name);
+  focusOfThread.name = std::string(name == nullptr ? "" : name);
 } catch (...) {
   // Only memory can have run out; the name stays as it was.
 }

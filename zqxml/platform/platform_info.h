@@ -64,7 +64,8 @@ class ZQXML_EXPORT ZQPlatformInfo {
 /// configuration that ZQPlatformInfo reads.
 class ZQXML_EXPORT ZQPI_Focus {
  public:
-  /// The name of this thread, never null; empty when none was set. Valid until the thread sets another.
+  /// The name of this thread, never null; empty when none was set, and when the thread's own objects are
+  /// destroyed. Valid until then, or until the thread sets another.
   static const char* getFocus() noexcept;
   /// Sets the name of this thread; null is the empty name. The two other parameters are not used.
   static void setFocus(const char* name, int reserved = 1, bool reservedFlag = false) noexcept;
