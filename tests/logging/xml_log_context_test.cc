@@ -68,13 +68,16 @@ TEST_F(MessageLog, NoticeHasTheLevelOne) {
 }
 
 TEST_F(MessageLog, LinesHaveNoPrefixNoContextAndNoLog) {
-  EvDebug::setSink([](const LogLine& line) {
+  int lines = 0;
+  EvDebug::setSink([&lines](const LogLine& line) {
+    ++lines;
     EXPECT_EQ(line.prefix, "");
     EXPECT_EQ(line.contextValue, 0);
     EXPECT_EQ(line.log, "");
   });
   Access::make()->error("f", "text");
   EvDebug::setSink({});
+  EXPECT_EQ(lines, 1);
 }
 
 TEST_F(MessageLog, WithoutFocusThereIsNoDedicatedLog) {
