@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 #include <tests/support/scratch_folder.h>
 #include <zqxml/platform/internal/message_catalogue.h>
 
@@ -110,6 +111,14 @@ TEST(MessageCatalogue, PassesOverAFileThatIsTooLarge) {
   scratch.write("de/LC_MESSAGES/zqxml.mo", fileOf({{"k", "text"}}));
   std::filesystem::resize_file(scratch.path("de/LC_MESSAGES/zqxml.mo"), MessageCatalogue::kMostBytes + 1);
   EXPECT_FALSE(MessageCatalogue::load({scratch.path("")}, {"de"}).has_value());
+}
+
+TEST(MessageCatalogue, PassesOverWhatIsNoFile) {
+  const ScratchFolder scratch;
+  for (const char* folder : {"de/LC_MESSAGES", "fr/LC_MESSAGES/zqxml.mo"})
+    std::filesystem::create_directories(scratch.path(folder));
+  ASSERT_EQ(mkfifo(scratch.path("de/LC_MESSAGES/zqxml.mo").c_str(), 0600), 0);
+  EXPECT_FALSE(MessageCatalogue::load({scratch.path("")}, {"de", "fr"}).has_value());
 }
 
 TEST(LanguagesOf, ALocaleAsksForItsRegionAndItsLanguage) {

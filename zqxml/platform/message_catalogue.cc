@@ -8,6 +8,7 @@
 #include <array>
 #include <climits>
 #include <cstring>
+#include <filesystem>
 
 namespace zqxml::internal {
 namespace {
@@ -18,6 +19,9 @@ constexpr std::size_t kRowBytes = 8;
 
 /// The whole file, or nothing.
 std::optional<std::string> contentOf(const std::string& path) {
+  // To open a pipe would wait for its writer.
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(path, ignored)) return std::nullopt;
   CUlFile file(path);
   std::uint64_t size = 0;
   if (!file.IsValid() || file.Size(size).IsError() || size > MessageCatalogue::kMostBytes)
