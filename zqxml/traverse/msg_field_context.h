@@ -56,7 +56,7 @@ class ZQXML_EXPORT MsgFieldContext {
   // A scalar field takes it when the kinds match: whole numbers and bool go into numbers, bool, enumerations
   // and times (the low 32 bits are the value of a 32-bit field), a double into double, a float into float,
   // each text into fields of its own type. Into a field of another kind nothing is stored, but a field whose
-  // content always exists (numbers, texts, passwords) is marked as set all the same.
+  // content always exists (numbers, texts, byte strings, passwords) is marked as set all the same.
   // A list takes the value as its new last element, when it is of the one type that the overload names, and
   // is marked; any other list, and a map, is left alone.
   // In the end isReplaced() is true, whether anything was stored or not.
