@@ -55,15 +55,22 @@ Catalogue compileCatalogue(std::span<const SchemaSource> sources, SchemaParser& 
   }
   // What follows would only repeat the consequences of an invalid file.
   if (diagnostics.hasErrors()) return {};
+  diagnostics.setCode("numbers");
   Catalogue catalogue = buildCatalogue(roots, diagnostics);
+  diagnostics.setCode("names");
   checkNames(catalogue, diagnostics);
   checkCppNames(catalogue, diagnostics);
+  diagnostics.setCode("defaults");
   checkDefaults(catalogue, diagnostics);
+  diagnostics.setCode("references");
   followReferences(catalogue, diagnostics);
+  diagnostics.setCode("records");
   assignNumbers(catalogue, diagnostics);
   if (diagnostics.hasErrors()) return catalogue;
   // These walk from class to class and need every reference.
+  diagnostics.setCode("cycles");
   checkCycles(catalogue, diagnostics);
+  diagnostics.setCode("paths");
   findPaths(catalogue, diagnostics);
   return catalogue;
 }

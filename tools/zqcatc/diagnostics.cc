@@ -9,21 +9,26 @@ namespace zqxml::zqcatc {
 
 void Diagnostics::error(const Position& position, std::string text) {
   ++count_;
-  if (entries_.size() < kMaxKept) entries_.push_back({position, std::move(text)});
+  if (entries_.size() < kMaxKept) entries_.push_back({position, code_, std::move(text)});
 }
 
-void Diagnostics::print(std::ostream& out) const {
+void Diagnostics::forEach(
+    const std::function<void(const Position&, std::string_view, const std::string&)>& visit) const {
   std::vector<const Entry*> sorted;
   for (const Entry& entry : entries_) sorted.push_back(&entry);
   std::stable_sort(sorted.begin(), sorted.end(), [](const Entry* a, const Entry* b) {
     const auto key = [](const Position& at) { return std::tie(at.file, at.line, at.column); };
     return key(a->position) < key(b->position);
   });
-  for (const Entry* entry : sorted) {
-    out << entry->position.file;
-    if (entry->position.line != 0) out << ':' << entry->position.line << ':' << entry->position.column;
-    out << ": error: " << entry->text << '\n';
-  }
+  for (const Entry* entry : sorted) visit(entry->position, entry->code, entry->text);
+}
+
+void Diagnostics::print(std::ostream& out) const {
+  forEach([&out](const Position& position, std::string_view, const std::string& text) {
+    out << position.file;
+    if (position.line != 0) out << ':' << position.line << ':' << position.column;
+    out << ": error: " << text << '\n';
+  });
   if (count_ > entries_.size()) out << "... and " << count_ - entries_.size() << " more errors\n";
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
 #include <string>
 #include <string_view>
@@ -39,6 +40,9 @@ class Diagnostics {
   /// Errors beyond this number are counted, not kept.
   static constexpr std::size_t kMaxKept = 100;
 
+  /// Names what the errors from here on are about, in one word or a few: "names". The text must be a literal.
+  void setCode(std::string_view code) { code_ = code; }
+
   /// `text` says what is wrong, where, and what to do about it.
   void error(const Position& position, std::string text);
 
@@ -46,12 +50,16 @@ class Diagnostics {
   std::size_t count() const { return count_; }
   /// One line per error, "file:line:column: error: text", sorted by place.
   void print(std::ostream& out) const;
+  /// Calls visit(position, code, text) for each error that was kept, sorted by place.
+  void forEach(const std::function<void(const Position&, std::string_view, const std::string&)>& visit) const;
 
  private:
   struct Entry {
     Position position;
+    std::string_view code;
     std::string text;
   };
+  std::string_view code_ = "schema";
   std::vector<Entry> entries_;
   std::size_t count_ = 0;
 };

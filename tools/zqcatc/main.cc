@@ -1,23 +1,22 @@
 // zqcatc: the catalogue compiler.
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
+#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <vector>
 
+#include "command_line.h"
 #include "compiler.h"
+#include "findings.h"
 #include "output_files.h"
+#include "source_files.h"
 
 namespace fs = std::filesystem;
 using namespace zqxml::zqcatc;
 
 namespace {
-
-enum ExitStatus { kDone = 0, kSchemaErrors = 1, kUsage = 2, kFileError = 3 };
 
 constexpr std::string_view kHelp =
     R"(zqcatc - compiles the schema files of the message catalogue
@@ -25,6 +24,8 @@ constexpr std::string_view kHelp =
 Usage: zqcatc --out FOLDER SCHEMA...
        zqcatc --check SCHEMA...
        zqcatc --list SCHEMA...
+       zqcatc diff OLD NEW          what changed, and what it breaks; 'zqcatc diff --help'
+       zqcatc lint SCHEMA...        what an owner will hardly want; 'zqcatc lint --help'
 
 A SCHEMA is a schema file, or a folder whose *.xml files are taken. One file describes one subsystem and is
 named after it; files named *.extension.xml add classes to a subsystem of another file.
@@ -33,6 +34,8 @@ named after it; files named *.extension.xml add classes to a subsystem of anothe
                  a file whose content stays the same is not touched
   --check        read and check only
   --list         print the names of the files that --out would write, one per line
+  --error-format FORMAT
+                 text (default), or json: one object per line, with file, line, column, severity, code and message
   --version      print the version
   -h, --help     print this text
 
@@ -52,20 +55,8 @@ struct Options {
   bool check = false;
   bool list = false;
   std::vector<std::string> schemas;
+  ErrorFormat format = ErrorFormat::kText;
 };
-
-/// Prints to standard output; an exit status.
-int print(std::string_view text) {
-  std::cout << text << std::flush;
-  if (std::cout) return kDone;
-  std::cerr << "zqcatc: cannot write to standard output\n";
-  return kFileError;
-}
-
-int usage(std::string_view why) {
-  std::cerr << "zqcatc: " << why << "; 'zqcatc --help' shows the usage\n";
-  return kUsage;
-}
 
 /// An exit status, or -1 to go on.
 int parseOptions(int argc, char** argv, Options& options) {
@@ -80,6 +71,9 @@ int parseOptions(int argc, char** argv, Options& options) {
     if (argument == "--out") {
       if (++i == argc) return usage("--out needs a folder");
       options.out = argv[i];
+    } else if (argument == "--error-format") {
+      if (++i == argc || !readErrorFormat(argv[i], options.format))
+        return usage("--error-format is text or json");
     } else if (argument == "--check") {
       options.check = true;
     } else if (argument == "--list") {
@@ -96,55 +90,15 @@ int parseOptions(int argc, char** argv, Options& options) {
   return -1;
 }
 
-/// The files of a folder in the order of their names; a file stands for itself.
-bool expand(const std::string& schema, std::vector<std::string>& paths, std::string& error) {
-  std::error_code code;
-  if (!fs::is_directory(schema, code)) {
-    paths.push_back(schema);
-    return true;
-  }
-  std::vector<std::string> found;
-  for (fs::directory_iterator entry(schema, code), end; !code && entry != end; entry.increment(code))
-    if (entry->path().extension() == ".xml") found.push_back(entry->path().string());
-  if (code) error = cat("cannot read folder ", schema, ": ", code.message());
-  if (!code && found.empty()) error = cat("there is no *.xml file in folder ", schema);
-  std::sort(found.begin(), found.end());
-  paths.insert(paths.end(), found.begin(), found.end());
-  return error.empty();
-}
-
-/// Reads at most one byte more than a file may have, however long the file is; the parser refuses that.
-bool readFile(const std::string& path, std::string& text, std::string& error) {
-  std::ifstream file(path, std::ios::binary);
-  std::vector<char> chunk(std::size_t{1} << 16);
-  while (file && text.size() <= SchemaParser::kMaxFileBytes) {
-    file.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
-    text.append(chunk.data(), static_cast<std::size_t>(file.gcount()));
-  }
-  if (!file.is_open() || file.bad()) error = cat("cannot read ", path);
-  return error.empty();
-}
-
 int run(const Options& options, std::string_view command) {
   std::string error;
-  std::vector<std::string> paths;
   std::vector<SchemaSource> sources;
-  for (const std::string& schema : options.schemas) {
-    if (!expand(schema, paths, error)) break;
-  }
-  for (const std::string& path : paths) {
-    if (error.empty() && readFile(path, sources.emplace_back(SchemaSource{path, {}}).text, error)) continue;
-    break;
-  }
-  if (!error.empty()) {
-    std::cerr << "zqcatc: " << error << '\n';
-    return kFileError;
-  }
+  if (!readSchemas(options.schemas, sources, error)) return fileError(error, options.format);
   Diagnostics diagnostics;
   SchemaParser parser;
   const Catalogue catalogue = compileCatalogue(sources, parser, diagnostics);
   if (diagnostics.hasErrors()) {
-    diagnostics.print(std::cerr);
+    printErrors(std::cerr, diagnostics, options.format);
     return kSchemaErrors;
   }
   if (options.check) return kDone;
@@ -155,8 +109,7 @@ int run(const Options& options, std::string_view command) {
     return print(names);
   }
   if (writeFiles(options.out, files, error)) return kDone;
-  std::cerr << "zqcatc: " << error << '\n';
-  return kFileError;
+  return fileError(error, options.format);
 }
 
 /// The command line with folders cut to their last part, so that outputs are the same wherever they are made.
@@ -177,6 +130,10 @@ std::string commandLine(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  const std::span<char*> arguments(argv, static_cast<std::size_t>(argc));
+  const std::string_view command = argc > 1 ? argv[1] : "";
+  if (command == "diff") return runDiff(arguments.subspan(2));
+  if (command == "lint") return runLint(arguments.subspan(2));
   Options options;
   const int status = parseOptions(argc, argv, options);
   return status >= 0 ? status : run(options, commandLine(options));
