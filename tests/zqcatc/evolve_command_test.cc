@@ -161,7 +161,7 @@ TEST_F(EvolveCommandTest, DumpOfTheLibrarysCatalogueIsItsSchema) {
   const std::string schema = ZQXML_SOURCE_DIR "/schema";
   folder_.write("dump.json", dump.out);
   for (const std::string& arguments :
-       {"dump.json dump.json", std::string("dump.json " + schema), std::string(schema + " -")}) {
+       {std::string("dump.json dump.json"), "dump.json " + schema, schema + " -"}) {
     const ProgramRun outcome = run("diff --fail-on safe " + arguments, dump.out);
     EXPECT_EQ(outcome.status, 0) << outcome;
     EXPECT_EQ(outcome.out, "");

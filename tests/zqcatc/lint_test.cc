@@ -171,7 +171,7 @@ TEST(NameTyposTest, AgreesWithThePlainDistanceOverAllShortNames) {
 
 TEST(NameTyposTest, LongAndManyNamesAreNoMatter) {
   std::vector<std::string> names;
-  for (int i = 0; i < 3000; ++i) names.push_back(std::string(300, 'a') + std::to_string(i * 1000003));
+  for (int i = 0; i < 3000; ++i) names.push_back(std::string(300, 'a') + std::to_string(i * 1000003LL));
   names.emplace_back(200'000, 'x');
   names.push_back(names.back() + "y");
   EXPECT_THAT(findNameTypos(names), ElementsAre(Pair(3001, 3000)));
