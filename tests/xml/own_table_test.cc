@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <zqxml/catalogue/name_hash.h>
 #include <zqxml/catalogue/records.h>
+#include <zqxml/catalogue/xpath_data.h>
 #include <zqxml/message/internal/message_access.h>
 #include <zqxml/xml/xml_decoder.h>
 #include <zqxml/xml/xml_serializer.h>
@@ -76,6 +77,7 @@ constexpr ClassIdIndexEntry kIds[] = {{1, 0}, {2, 1}, {3, 2}, {4, 3}};
 
 const SubsystemDef gSubsystemTable[kSubsystemCount + 1] = {
     {}, {"Own", kClasses, kIds, nullptr, static_cast<std::int16_t>(std::size(kClasses)), false}};
+const XPathData gXPathTable[1] = {};
 
 namespace {
 
