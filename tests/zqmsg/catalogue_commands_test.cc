@@ -4,6 +4,7 @@
 #include <zqxml/platform/format.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -29,8 +30,8 @@ TEST_F(CatalogueCommands, CatalogueListsEverySubsystem) {
   for (int slot = 0; slot < kSubsystemCount; ++slot) {
     const SubsystemDef& row = gSubsystemTable[slot];
     // The tests' catalogue has subsystems of its own.
-    if (row.name == nullptr || row.name == std::string("Demo") || slot == 206 ||
-        row.name == std::string("Drift") || row.name == std::string("XmlRead"))
+    if (row.name == nullptr ||
+        std::filesystem::exists(ZQXML_TEST_SCHEMA_DIR "/" + std::string(row.name) + ".xml"))
       continue;
     EXPECT_THAT(run.out, HasSubstr(formatText("\n%4d  %-24s ", slot, row.name)));
   }
