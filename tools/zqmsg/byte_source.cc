@@ -26,6 +26,7 @@ ByteSource::ByteSource(const std::string& file) : name_(file == "-" ? "standard 
   } else if (const CUlError error = file_.Open(file, CUlFile::Mode::kRead); error.IsError()) {
     fail(name_, error);
   }
+  (void)file_.Size(size_);  // of a pipe it is 0
 }
 
 bool ByteSource::fill(std::size_t size) {

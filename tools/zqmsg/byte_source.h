@@ -17,6 +17,8 @@ class ByteSource {
 
   /// What messages call it: the file's name, or "standard input".
   const std::string& name() const { return name_; }
+  /// Bytes that it has in all; 0 when that is not known.
+  std::uint64_t size() const { return size_; }
   /// Position of the next byte.
   std::uint64_t position() const { return position_; }
 
@@ -35,6 +37,7 @@ class ByteSource {
   std::string buffer_;
   std::size_t taken_ = 0;  // bytes of the buffer that are gone
   std::uint64_t position_ = 0;
+  std::uint64_t size_ = 0;
 };
 
 }  // namespace zqxml::tool

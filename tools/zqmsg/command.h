@@ -12,6 +12,7 @@ void addCatalogue(CLI::App& app, Session& session);
 void addDescribe(CLI::App& app, Session& session);
 void addDumpCatalogue(CLI::App& app, Session& session);
 void addConvert(CLI::App& app, Session& session);
+void addObjects(CLI::App& app, Session& session);
 void addInspect(CLI::App& app, Session& session);
 void addDiff(CLI::App& app, Session& session);
 void addMask(CLI::App& app, Session& session);

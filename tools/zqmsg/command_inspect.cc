@@ -44,21 +44,21 @@ Form formToInspect(ByteSource& source, const std::string& from) {
 }
 
 void inspectObjects(ByteSource& source, Explanation& explanation) {
+  if (recordFormatOf(source.peek(kFormatBytes)) == RecordFormat::kB) explanation.versionField(kObjectsVersion);
   ObjectReader objects(source);
   std::string record;
   std::uint64_t failed = 0;
   for (;;) {
-    const std::uint64_t start = source.position();
     bool more = true;
     try {
       more = objects.next(record);
     } catch (const Failure&) {
       // What there is of a record that was cut off.
-      if (!record.empty()) explanation.record(objects.number(), start, objects.length(), record);
+      if (!record.empty()) explanation.record(objects, record);
       throw;
     }
     if (!more) break;
-    if (!explanation.record(objects.number(), start, objects.length(), record)) ++failed;
+    if (!explanation.record(objects, record)) ++failed;
   }
   if (failed != 0) {
     throw undecodable(source.name(), std::to_string(failed) + " of " + std::to_string(objects.number()) +

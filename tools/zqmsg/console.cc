@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -13,6 +14,7 @@ namespace {
 
 constexpr const char* kRed = "\033[1;31m";
 constexpr const char* kYellow = "\033[33m";
+constexpr const char* kGreen = "\033[32m";
 constexpr const char* kDim = "\033[2m";
 constexpr const char* kNormal = "\033[0m";
 
@@ -49,13 +51,24 @@ void Console::trace(int level, std::string_view function, std::string_view text)
   line(painted(kDim, "[" + std::to_string(level) + "] " + visible(function) + ": " + visible(text)));
 }
 
-void Console::progress(std::string_view what, std::uint64_t count) {
+std::string Console::bar(Share share) const {
+  constexpr std::size_t kWidth = 30;
+  const double part =
+      static_cast<double>(std::min(share.done, share.whole)) / static_cast<double>(share.whole);
+  const auto filled = static_cast<std::size_t>(part * kWidth);
+  return '[' + painted(kGreen, std::string(filled, '#')) + std::string(kWidth - filled, '-') + "] " +
+         std::to_string(static_cast<int>(part * 100)) + '%';
+}
+
+void Console::progress(std::string_view what, std::uint64_t count, Share share) {
   if (!terminal_) return;
   const auto now = std::chrono::steady_clock::now();
   if (now - lastProgress_ < std::chrono::milliseconds(200)) return;
   lastProgress_ = now;
   progressShown_ = true;
-  std::fprintf(stderr, "\r\033[K%s: %llu", visible(what).c_str(), static_cast<unsigned long long>(count));
+  const std::string shown =
+      (share.whole == 0 ? "" : bar(share) + ' ') + visible(what) + ": " + std::to_string(count);
+  std::fprintf(stderr, "\r\033[K%s", shown.c_str());
   std::fflush(stderr);
 }
 

@@ -27,12 +27,19 @@ class Console {
   /// A line of the library's log, for --verbose.
   void trace(int level, std::string_view function, std::string_view text);
 
-  /// Shows a count, a few times a second; nothing when standard error is no terminal.
-  void progress(std::string_view what, std::uint64_t count);
+  /// How much of a whole is done; a whole of 0 is not known.
+  struct Share {
+    std::uint64_t done = 0;
+    std::uint64_t whole = 0;
+  };
+  /// Shows a count, and a bar when the share is known, a few times a second; nothing when standard error is
+  /// no terminal.
+  void progress(std::string_view what, std::uint64_t count, Share share = {0, 0});
   void endProgress();
 
  private:
   void line(std::string_view text);
+  std::string bar(Share share) const;
   std::string painted(const char* colour, std::string_view text) const;
 
   bool terminal_;

@@ -46,8 +46,19 @@ void Conversion::run() {
 std::string Conversion::encoded(XNMessageBase& message, const MessageSource& source) {
   std::string bytes = encode(message, options_.write, source.where(), session_.log);
   for (const std::string& line : session_.log.take()) session_.console.warn(source.where(), line);
-  session_.console.progress("messages converted", ++written_);
+  session_.console.progress("messages converted", ++written_, {source.position(), source.size()});
   return bytes;
+}
+
+MessagePtr Conversion::next(MessageSource& source) const {
+  if (options_.number == 0) return source.next();
+  if (source.number() >= options_.number) return nullptr;
+  while (source.number() + 1 < options_.number && source.skip()) {
+  }
+  if (MessagePtr message = source.next()) return message;
+  throw Failure(kFailed, source.name(),
+                "has " + std::to_string(source.number()) + " objects, and none of number " +
+                    std::to_string(options_.number));
 }
 
 bool Conversion::severalFit() const {
@@ -61,7 +72,7 @@ void Conversion::intoOne() {
     throw tooManyMessages(options_.files[1], options_.write.form);
   Output output(options_.output);
   for (const std::string& file : options_.files) {
-    MessageSource source(file, options_.from, session_);
+    MessageSource source(file, options_.from, session_, options_.format);
     if (options_.write.form == Form::kObjects) {
       copyObjects(source, output);
     } else {
@@ -74,15 +85,15 @@ void Conversion::intoOne() {
 }
 
 void Conversion::copyObjects(MessageSource& source, Output& output) {
-  while (const MessagePtr message = source.next()) writeObjectRecord(output, encoded(*message, source));
+  while (const MessagePtr message = next(source)) writeObjectRecord(output, encoded(*message, source));
 }
 
 void Conversion::copyDocument(MessageSource& source, Output& output) {
-  MessagePtr message = source.next();
+  MessagePtr message = next(source);
   if (message == nullptr) throw Failure(kFailed, source.name(), "holds no message");
   while (message != nullptr) {
     const std::string bytes = encoded(*message, source);
-    message = source.next();
+    message = next(source);
     if (message != nullptr && !severalFit()) throw tooManyMessages(source.name(), options_.write.form);
     if (lineOpen_) output.write("\n");
     output.write(bytes);
@@ -106,14 +117,14 @@ void Conversion::intoFolder() {
 }
 
 void Conversion::convertInFolder(const std::string& file) {
-  MessageSource source(file, options_.from, session_);
+  MessageSource source(file, options_.from, session_, options_.format);
   if (options_.write.form == Form::kObjects) {
     Output output(pathInFolder(source));
     copyObjects(source, output);
     output.commit();
     return;
   }
-  while (const MessagePtr message = source.next()) {
+  while (const MessagePtr message = next(source)) {
     const std::string bytes = encoded(*message, source);
     Output output(pathInFolder(source));
     output.write(bytes);

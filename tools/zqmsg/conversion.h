@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tools/zqmsg/codec.h"
+#include "tools/zqmsg/object_stream.h"
 
 namespace zqxml::tool {
 
@@ -14,8 +15,10 @@ class Output;
 struct Session;
 
 struct ConvertOptions {
-  std::vector<std::string> files;  ///< "-" is standard input
-  std::optional<Form> from;        ///< detected when not given
+  std::vector<std::string> files;      ///< "-" is standard input
+  std::optional<Form> from;            ///< detected when not given
+  std::optional<RecordFormat> format;  ///< of files of objects; detected when not given
+  std::uint64_t number = 0;            ///< the one object of a file that is wanted; 0 for all
   WriteOptions write;
   std::string output = "-";  ///< a file, a folder, or "-" for standard output
 };
@@ -23,9 +26,9 @@ struct ConvertOptions {
 /// Reads the messages of all inputs and writes them in another form.
 ///
 /// Into one file go any number of messages as objects, and exactly one in every other form; standard output
-/// takes any number as XML and as text too, each on lines of its own. In a folder every message becomes a file, named
-/// after its input, and every input a file of objects; there the others are still converted when one fails.
-/// Throws Failure.
+/// takes any number as XML and as text too, each on lines of its own. In a folder every message becomes a
+/// file, named after its input, and every input a file of objects; there the others are still converted when
+/// one fails. Throws Failure.
 class Conversion {
  public:
   Conversion(const ConvertOptions& options, Session& session);
@@ -39,6 +42,7 @@ class Conversion {
   void copyObjects(MessageSource& source, Output& output);
   void copyDocument(MessageSource& source, Output& output);
   void convertInFolder(const std::string& file);
+  MessagePtr next(MessageSource& source) const;
   std::string encoded(XNMessageBase& message, const MessageSource& source);
   std::string pathInFolder(const MessageSource& source);
 

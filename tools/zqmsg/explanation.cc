@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "tools/zqmsg/console.h"
+#include "tools/zqmsg/object_stream.h"
 #include "tools/zqmsg/output.h"
 
 namespace zqxml::tool {
@@ -26,12 +27,6 @@ std::string hex(std::string_view bytes) {
   return text;
 }
 
-std::string bigEndian(std::uint32_t value) {
-  std::string bytes;
-  for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(value >> shift & 0xff);
-  return bytes;
-}
-
 }  // namespace
 
 Explanation::Explanation(Output& output) : output_(output) {
@@ -42,11 +37,14 @@ bool Explanation::message(std::string_view bytes, std::uint64_t offset) {
   return explainBinary(bytes, [&](const BinaryNote& told) { note(told, bytes, offset); });
 }
 
-bool Explanation::record(std::uint64_t number, std::uint64_t offset, std::uint32_t length,
-                         std::string_view data) {
-  output_.write("object " + std::to_string(number) + '\n');
-  line(offset, bigEndian(length), "", "length", std::to_string(length));
-  return message(data, offset + 4);
+void Explanation::versionField(std::string_view field) {
+  line(0, field, "", "version", "1");
+}
+
+bool Explanation::record(const ObjectReader& objects, std::string_view data) {
+  output_.write("object " + std::to_string(objects.number()) + '\n');
+  line(objects.offset(), objects.field(), "", "length", std::to_string(objects.length()));
+  return message(data, objects.offset() + objects.field().size());
 }
 
 void Explanation::note(const BinaryNote& told, std::string_view bytes, std::uint64_t offset) {

@@ -10,6 +10,7 @@ struct BinaryNote;
 
 namespace zqxml::tool {
 
+class ObjectReader;
 class Output;
 
 /// The table that `inspect` prints: a line per run of bytes with its offset, the bytes, the field, what they
@@ -21,9 +22,10 @@ class Explanation {
 
   /// Explains a message that starts at `offset` of its file; false when it cannot be read to its end.
   bool message(std::string_view bytes, std::uint64_t offset);
-  /// The same for a record of a file of objects that starts at `offset` with its length. `data` may be cut
-  /// off.
-  bool record(std::uint64_t number, std::uint64_t offset, std::uint32_t length, std::string_view data);
+  /// The version field that a file of objects may start with.
+  void versionField(std::string_view field);
+  /// The same as message() for the record that `objects` stands at. `data` may be cut off.
+  bool record(const ObjectReader& objects, std::string_view data);
 
  private:
   void note(const BinaryNote& note, std::string_view bytes, std::uint64_t offset);

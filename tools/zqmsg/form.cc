@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "tools/zqmsg/object_stream.h"
+
 namespace zqxml::tool {
 namespace {
 
@@ -20,6 +22,12 @@ bool isTagAt(std::string_view head, std::size_t position) {
   short subsystem = 0;
   int classIndex = 0;
   return catalogue::indicesFromTag(littleEndian32(head.substr(position)), subsystem, classIndex);
+}
+
+// Objects stand behind their length, in format B behind a version field too.
+bool startsLikeObjects(std::string_view head) {
+  const std::size_t header = recordFormatOf(head) == RecordFormat::kB ? kRecordField : 0;
+  return head.size() == header || isTagAt(head, header + 8);
 }
 
 bool startsLikeXml(std::string_view head) {
@@ -49,7 +57,7 @@ std::vector<std::string> formNames(std::size_t count) {
 bool mayBe(Form form, std::string_view head) {
   if (form == Form::kXml16) return startsLikeXml16(head);
   if (form == Form::kXml) return startsLikeXml(head) && !startsLikeXml16(head);
-  return form == Form::kBinary ? isTagAt(head, 4) : isTagAt(head, 8) || head.empty();
+  return form == Form::kBinary ? isTagAt(head, 4) : startsLikeObjects(head);
 }
 
 std::optional<Form> detectForm(std::string_view head) {

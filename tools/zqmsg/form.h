@@ -14,7 +14,7 @@ enum class Form {
   kXml,      ///< one message as XML text, UTF-8 unless its declaration says otherwise
   kXml16,    ///< one message as XML text in UTF-16
   kBinary,   ///< one message in the binary form
-  kObjects,  ///< any number of messages: binary forms, each behind its length in 4 bytes, big-endian
+  kObjects,  ///< any number of messages: binary forms, each behind its length; in one of two formats
   // Only written:
   kText,  ///< one message as a line of text
   kHtml,  ///< one message as an outline, a fragment of HTML

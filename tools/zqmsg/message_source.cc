@@ -49,11 +49,21 @@ MessagePtr onlyMessage(const std::string& file, Session& session) {
   return message;
 }
 
-MessageSource::MessageSource(const std::string& file, std::optional<Form> form, Session& session)
-    : session_(session), source_(file), form_(formOf(source_, form)) {}
+MessageSource::MessageSource(const std::string& file, std::optional<Form> form, Session& session,
+                             std::optional<RecordFormat> format)
+    : session_(session),
+      source_(file),
+      form_(format ? Form::kObjects : formOf(source_, form)),
+      objects_(source_, format) {}
 
 std::string MessageSource::where() const {
   return form_ == Form::kObjects ? name() + ": object " + std::to_string(number_) : name();
+}
+
+bool MessageSource::skip() {
+  if (form_ != Form::kObjects || !objects_.next(bytes_)) return false;
+  ++number_;
+  return true;
 }
 
 MessagePtr MessageSource::next() {

@@ -17,13 +17,20 @@ struct Session;
 /// the way is warned about.
 class MessageSource {
  public:
-  /// Opens the input; "-" is standard input. Without `form` it is detected.
-  MessageSource(const std::string& file, std::optional<Form> form, Session& session);
+  /// Opens the input; "-" is standard input. Without `form`, or without the format of a
+  /// file of objects, that is detected. With `format` the input is a file of objects.
+  MessageSource(const std::string& file, std::optional<Form> form, Session& session,
+                std::optional<RecordFormat> format = std::nullopt);
 
   Form form() const { return form_; }
   const std::string& name() const { return source_.name(); }
   /// The next message, null at the end.
   MessagePtr next();
+  /// Passes over an object of a file of objects; false at its end.
+  bool skip();
+  /// Bytes of the input that are read, and all that it has, 0 when that is not known.
+  std::uint64_t position() const { return source_.position(); }
+  std::uint64_t size() const { return source_.size(); }
   /// The bytes that next() made it of.
   const std::string& bytes() const { return bytes_; }
   /// Number of the message that next() gave, from 1.
@@ -35,7 +42,7 @@ class MessageSource {
   Session& session_;
   ByteSource source_;
   Form form_;
-  ObjectReader objects_{source_};
+  ObjectReader objects_;
   std::string bytes_;
   std::uint64_t number_ = 0;
 };

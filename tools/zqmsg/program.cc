@@ -31,6 +31,7 @@ void addCommands(CLI::App& app, Session& session) {
   addDumpCatalogue(app, session);
   addConvert(app, session);
   addInspect(app, session);
+  addObjects(app, session);
   addDiff(app, session);
   addMask(app, session);
   addMerge(app, session);
