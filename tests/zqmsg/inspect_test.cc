@@ -88,7 +88,9 @@ TEST_F(Inspect, ObjectsThatAreCutOffAreExplainedAsFarAsTheyGo) {
   const ProgramRun run = zqmsg({"inspect"}, file);
   EXPECT_THAT(run, Exits(1));
   EXPECT_EQ(bytesShown(run.out), file);
-  EXPECT_EQ(run.err, "zqmsg: standard input: object 2, at byte 68, ends after 26 of 64 bytes\n");
+  EXPECT_EQ(run.err,
+            "zqmsg: standard input: object 2, at byte 68, ends after 26 of 64 bytes\n"
+            "  'zqmsg objects check' finds all damage, and 'objects repair' what is whole\n");
 }
 
 TEST_F(Inspect, DamagedObjectDoesNotEndTheOthers) {
