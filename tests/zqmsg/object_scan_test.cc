@@ -58,6 +58,26 @@ class ObjectScanTest : public ObjectFiles {
   std::vector<std::string> damage_;
 };
 
+/// Every record is followed by a length that claims all the rest, and by what begins like an object.
+TEST_F(ObjectScanTest, WorkOnWrongLengthsHasALimit) {
+  constexpr std::size_t kCount = 4000;
+  const std::string start = form(1).substr(0, 8) + std::string(8, '\xff');
+  const std::size_t size = kCount * (a1_.size() + 4 + start.size()) + 8;
+  std::string bytes;
+  for (std::size_t i = 0; i < kCount; ++i) {
+    bytes += a1_;
+    const std::size_t left = size - bytes.size() - 4;
+    for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>((left - 1) >> shift & 0xff);
+    bytes += start;
+  }
+  bytes.resize(size);
+  scanBytes(bytes);
+  EXPECT_THAT(whole_, StartsWith(a1_ + a1_));
+  EXPECT_LT(whole_.size(), kCount * a1_.size());
+  ASSERT_FALSE(damage_.empty());
+  EXPECT_THAT(damage_.back(), testing::HasSubstr("is not looked at, because too much before it is damaged"));
+}
+
 TEST_F(ObjectScanTest, WholeFilesHaveNoDamage) {
   for (const std::string& bytes : {""s, a1_, a1_ + a2_ + a3_}) {
     scanBytes(bytes);

@@ -129,11 +129,16 @@ bool ObjectScan::next(Stretch& stretch) {
   stretch.offset = at_;
   std::uint32_t length = 0;
   stretch.damage = damageOfLength(at_, length);
-  if (stretch.isWhole()) {
+  if (stretch.isWhole() && length > trials_) {
+    stretch.damage = "is not looked at, because too much before it is damaged";
+    stretch.end = file_.size();
+  } else if (stretch.isWhole()) {
     stretch.end = at_ + kRecordField + length;
     file_.read(at_, kRecordField + std::uint64_t{length}, stretch.bytes);
     stretch.damage = damageOfData(std::string_view(stretch.bytes).substr(kRecordField), at_ + kRecordField);
     if (stretch.end != file_.size() && !startsRecord(stretch.end)) lookInside(stretch);
+    // What a wrong length made us decode is decoded again from the next record on.
+    if (stretch.end != at_ + kRecordField + length) trials_ -= std::min<std::uint64_t>(trials_, length);
   } else {
     stretch.end = findRecord(at_ + 1, file_.size());
   }

@@ -49,7 +49,7 @@ struct Stretch {
 /// catalogue does not have and shows no damage; and when another follows it, or none begins inside it. Behind
 /// damage the next record begins at the first place where a length, the header of a known class and data that
 /// decodes stand together. So that a hostile file takes no endless time, such trials look at 64 MiB and 16
-/// times the file at most; then the rest counts as damaged.
+/// times the file at most, what wrong lengths make them look at included; then the rest counts as damaged.
 class ObjectScan {
  public:
   ObjectScan(PlacedFile& file, RecordFormat format);
