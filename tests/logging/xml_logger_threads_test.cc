@@ -163,7 +163,12 @@ TEST(LoggingManyMessages, ProcessEndsWhileThreadsLog) {
   }
 }
 
-#ifndef ZQXML_FORKS_WITH_THREADS_HANG  // AddressSanitizer's allocator does not know of fork
+#ifdef ZQXML_ALLOCATOR_DOES_NOT_FORK
+constexpr bool kThreadsRestAtForks = true;
+#else
+constexpr bool kThreadsRestAtForks = false;
+#endif
+
 /// Ends the child: 0 when it has logged a message by its own pool, to a file by way of standard error.
 [[noreturn]] void logInChild(const std::string& file) {
   alarm(60);
@@ -181,6 +186,11 @@ TEST(LoggingManyMessages, ThreadsLogWhileAProcessForks) {
   const ScratchFolder folder;
   LineCheck check;
   LoggingThreads threads;
+  if (kThreadsRestAtForks) {
+    std::this_thread::sleep_for(milliseconds(50));
+    EXPECT_GT(threads.stop(), 0);
+    settle();
+  }
   for (int i = 0; i < 20; ++i) {
     const pid_t child = fork();
     ASSERT_NE(child, -1);
@@ -194,9 +204,10 @@ TEST(LoggingManyMessages, ThreadsLogWhileAProcessForks) {
     line = line.substr(line.find(head) + head.size());
     EXPECT_TRUE(EndlessLogging::isWhole(line.substr(0, line.size() - 1))) << line;
   }
-  EXPECT_GT(threads.stop(), 0);
+  if (!kThreadsRestAtForks) {
+    EXPECT_GT(threads.stop(), 0);
+  }
 }
-#endif
 
 }  // namespace
 }  // namespace zqxml
