@@ -6,6 +6,7 @@
 #include <zqxml/catalogue/generated/Demo.h>
 #include <zqxml/logging/xml_binary_logger.h>
 
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -38,8 +39,9 @@ class BinaryLogger : public testing::Test {
     EvDebug::setDebugLevel(10);
     EvDebug::setSink([this](const LogLine& line) {
       // The codecs trace their work at this level too.
-      if (line.function == "f")
-        lines_.push_back({std::string(line.function), line.level, line.contextValue, std::string(line.text)});
+      if (line.function != "f") return;
+      const std::lock_guard<std::mutex> lock(mutex_);  // lines come from the pool's threads
+      lines_.push_back({std::string(line.function), line.level, line.contextValue, std::string(line.text)});
     });
   }
   ~BinaryLogger() override {
@@ -60,6 +62,7 @@ class BinaryLogger : public testing::Test {
   XmlBinaryLogger logger_;
 
  private:
+  std::mutex mutex_;
   std::vector<SeenLine> lines_;
 };
 
