@@ -14,9 +14,9 @@ using testing::StartsWith;
 
 using CommandLine = ZqmsgTest;
 
-const std::vector<std::string> kCommands{"catalogue", "describe", "dump-catalogue", "convert", "inspect",
-                                         "diff",      "merge",    "sample",         "summary", "xpath",
-                                         "objects"};
+const std::vector<std::string> kCommands{"catalogue", "describe", "dump-catalogue", "convert",
+                                         "inspect",   "diff",     "merge",          "sample",
+                                         "summary",   "xpath",    "objects"};
 
 TEST_F(CommandLine, HelpNamesEveryCommand) {
   const ProgramRun run = zqmsg({"--help"});

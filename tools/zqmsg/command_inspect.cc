@@ -44,7 +44,8 @@ Form formToInspect(ByteSource& source, const std::string& from) {
 }
 
 void inspectObjects(ByteSource& source, Explanation& explanation) {
-  if (recordFormatOf(source.peek(kFormatBytes)) == RecordFormat::kB) explanation.versionField(kObjectsVersion);
+  if (recordFormatOf(source.peek(kFormatBytes)) == RecordFormat::kB)
+    explanation.versionField(kObjectsVersion);
   ObjectReader objects(source);
   std::string record;
   std::uint64_t failed = 0;
