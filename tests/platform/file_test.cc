@@ -160,7 +160,7 @@ TEST(CUlFile, MovesTheOpenFile) {
   const ScratchFolder folder;
   CUlFile first(folder.write("f", "text"));
   CUlFile second(std::move(first));
-  EXPECT_FALSE(first.IsValid());  // NOLINT: what is left behind is defined
+  EXPECT_FALSE(first.IsValid());  // NOLINT(bugprone-use-after-move): what is left behind is defined
   EXPECT_EQ(readAll(second), "text");
   CUlFile third(folder.write("g", "other"));
   third = std::move(second);

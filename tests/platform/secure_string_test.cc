@@ -36,7 +36,7 @@ TEST(SecureString, CopiesAndMoves) {
   EXPECT_EQ(copy, text);
   secure_string moved(std::move(copy));
   EXPECT_EQ(moved, text);
-  EXPECT_TRUE(copy.empty());  // NOLINT: what is left behind is defined
+  EXPECT_TRUE(copy.empty());  // NOLINT(bugprone-use-after-move): what is left behind is defined
   copy = moved;
   EXPECT_EQ(copy, text);
   const secure_string& same = copy;
