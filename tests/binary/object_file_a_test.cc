@@ -181,7 +181,7 @@ TEST_F(ObjectFileA, FailedWriteOfTheDataLeavesTheLength) {
   LogCapture log;
   FailingFileCalls calls;
   calls.writeError = EIO;
-  calls.writesBeforeError = 1;
+  calls.bytesBeforeError = 4;
   unsigned written = 7;
   EXPECT_EQ(handler_.AddObjectToFile(message, written), FileHandlerWriteFailed);
   EXPECT_EQ(written, 4u);
@@ -197,6 +197,7 @@ TEST_F(ObjectFileA, FileWhoseEndIsNotFoundTakesNoRecord) {
   App::TestMessage2 message = numbered(2);
   LogCapture log;
   FailingFileCalls calls;
+  calls.appendError = EOPNOTSUPP;
   calls.seekError = EIO;
   EXPECT_EQ(handler_.AddObjectToFile(message), FileHandlerWriteFailed);
   EXPECT_THAT(log.lines(),

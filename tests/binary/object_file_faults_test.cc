@@ -73,6 +73,7 @@ struct Fault {
   int error;
   std::size_t largestTransfer;
   int interruptions;
+  int appendError = 0;  // of a file system that cannot append in one step
   friend std::ostream& operator<<(std::ostream& out, const Fault& fault) { return out << fault.name; }
 };
 
@@ -86,6 +87,7 @@ class ObjectFileFaults : public ObjectFiles, public testing::WithParamInterface<
     calls.bytesBeforeError = room;
     calls.largestTransfer = GetParam().largestTransfer;
     calls.interruptions = GetParam().interruptions;
+    calls.appendError = GetParam().appendError;
   }
 };
 
@@ -134,6 +136,37 @@ TEST_P(ObjectFileFaults, EveryAcknowledgedRecordOfFormatAStaysReadable) {
   }
 }
 
+TEST_P(ObjectFileFaults, RecordsHeldBackAreAcknowledgedByTheClosedFile) {
+  const std::size_t record = recordA(form(1)).size();
+  for (std::size_t room = 0; room <= kRecords * record; ++room) {
+    SCOPED_TRACE(room);
+    open();
+    ASSERT_FALSE(file_.SetAppendBuffer(static_cast<unsigned>(record) + 5).IsError());
+    {
+      FailingFileCalls calls;
+      limit(calls, room);
+      LogCapture log;
+      bool taken = true;
+      for (int i = 0; i < kRecords && taken; ++i) {
+        App::TestMessage2 message = numbered(i);
+        taken = handler_.AddObjectToFile(message) == FileHandlerSuccess;
+        EXPECT_TRUE(taken ||
+                    log.has(kAdd, 0, "Failed to Dump Binary Into File, error=" + textOf(GetParam().error)));
+      }
+      const bool closed = !file_.Close().IsError();
+      EXPECT_EQ(taken && closed, room == kRecords * record);
+    }
+    open(bytes());
+    EXPECT_LE(bytes().size(), room);
+    LogCapture log;
+    numbers_.clear();
+    const std::size_t whole = bytes().size() / record;
+    for (std::size_t i = 0; i < whole; ++i) ASSERT_EQ(readA(), FileHandlerSuccess);
+    for (std::size_t i = 0; i < whole; ++i) EXPECT_EQ(numbers_[i], static_cast<int>(i));
+    EXPECT_GE(whole, room / record) << "what the disk can hold is there";
+  }
+}
+
 TEST_P(ObjectFileFaults, EveryWholeRecordOfFormatBStaysReadable) {
   const std::size_t record = recordB(form(1)).size();
   const std::size_t whole = kVersionField.size() + kRecords * record;
@@ -164,7 +197,8 @@ INSTANTIATE_TEST_SUITE_P(, ObjectFileFaults,
                          testing::Values(Fault{"FullDisk", ENOSPC, 1000, 0}, Fault{"BadDisk", EIO, 1000, 0},
                                          Fault{"ShortWrites", ENOSPC, 3, 0}, Fault{"SingleBytes", EIO, 1, 0},
                                          Fault{"Signals", ENOSPC, 1000, 2},
-                                         Fault{"ShortWritesAndSignals", EIO, 2, 1}),
+                                         Fault{"ShortWritesAndSignals", EIO, 2, 1},
+                                         Fault{"NoAppending", ENOSPC, 1000, 1, EOPNOTSUPP}),
                          [](const auto& fault) { return std::string(fault.param.name); });
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <limits>
 #include <optional>
+#include <vector>
 
 namespace zqxml {
 
@@ -26,7 +27,8 @@ class FailingFileCalls : public internal::FileCalls {
   int openError = 0;
   int closeError = 0;
   int readError = 0;
-  int writeError = 0;
+  int writeError = 0;   ///< of appending, too
+  int appendError = 0;  ///< of a file system that cannot append
   int seekError = 0;
   int statError = 0;
   int truncateError = 0;
@@ -46,7 +48,8 @@ class FailingFileCalls : public internal::FileCalls {
 
   /// How often each was called, failures included.
   int reads = 0;
-  int writes = 0;
+  int writes = 0;  ///< of both kinds
+  int appends = 0;
 
   int open(const char* path, int flags, mode_t mode) override {
     return fails(openError) || interrupted() ? -1 : FileCalls::open(path, flags, mode);
@@ -61,15 +64,21 @@ class FailingFileCalls : public internal::FileCalls {
     return FileCalls::read(descriptor, data, std::min(size, largestTransfer));
   }
   ssize_t write(int descriptor, const void* data, std::size_t size) override {
-    ++writes;
-    size = std::min(size, largestTransfer);
-    if (bytesBeforeError) size = std::min(size, *bytesBeforeError);
-    const bool full = bytesBeforeError && size == 0;
-    if (full ? fails(writeError) : !bytesBeforeError && fails(writeError, writesBeforeError)) return -1;
-    if (interrupted()) return -1;
-    const ssize_t written = FileCalls::write(descriptor, data, size);
-    if (bytesBeforeError && written > 0) *bytesBeforeError -= static_cast<std::size_t>(written);
-    return written;
+    return limited(size, [&](std::size_t room) { return FileCalls::write(descriptor, data, room); });
+  }
+  ssize_t append(int descriptor, const struct iovec* pieces, int count) override {
+    ++appends;
+    if (fails(appendError)) return -1;
+    std::vector<iovec> some(pieces, pieces + count);
+    std::size_t size = 0;
+    for (const iovec& piece : some) size += piece.iov_len;
+    return limited(size, [&](std::size_t room) {
+      for (iovec& piece : some) {
+        piece.iov_len = std::min(piece.iov_len, room);
+        room -= piece.iov_len;
+      }
+      return FileCalls::append(descriptor, some.data(), count);
+    });
   }
   off_t lseek(int descriptor, off_t offset, int origin) override {
     return fails(seekError, seeksBeforeError) ? -1 : FileCalls::lseek(descriptor, offset, origin);
@@ -93,6 +102,18 @@ class FailingFileCalls : public internal::FileCalls {
   static bool fails(int error, int& before) {
     if (error == 0 || before-- > 0) return false;
     return fails(error);
+  }
+  template <class Write>
+  ssize_t limited(std::size_t size, Write write) {
+    ++writes;
+    size = std::min(size, largestTransfer);
+    if (bytesBeforeError) size = std::min(size, *bytesBeforeError);
+    const bool full = bytesBeforeError && size == 0;
+    if (full ? fails(writeError) : !bytesBeforeError && fails(writeError, writesBeforeError)) return -1;
+    if (interrupted()) return -1;
+    const ssize_t written = write(size);
+    if (bytesBeforeError && written > 0) *bytesBeforeError -= static_cast<std::size_t>(written);
+    return written;
   }
   bool interrupted() {
     if (interruptedNow_++ < interruptions) return fails(EINTR);

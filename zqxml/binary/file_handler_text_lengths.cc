@@ -35,11 +35,11 @@ unsigned readField(CUlFile& file) {
   return parseUInt32(field.substr(0, field.find('\0')));
 }
 
-/// `number`, which has at most four digits.
-CUlError writeField(CUlFile& file, unsigned number) {
-  std::array<char, kFieldSize> text{};
+/// `number`, which has at most four digits, as a field.
+record::Field fieldOf(unsigned number) {
+  record::Field text{};
   std::to_chars(text.begin(), text.end(), number);
-  return file.Write(text.data(), kFieldSize, nullptr);
+  return text;
 }
 
 bool isKnownVersion(unsigned version, const char* function) {
@@ -55,7 +55,7 @@ XNMessageBaseFileHandlerError prepare(CUlFile& file) {
   if (failed(file.Size(size), kAppend)) return FileHandlerWriteFailed;
   if (size != 0) {
     if (!isKnownVersion(readField(file), kAppend)) return FileHandlerUnknownVersion;
-  } else if (failed(writeField(file, kVersion), kAppend)) {
+  } else if (failed(file.Write(fieldOf(kVersion).data(), kFieldSize, nullptr), kAppend)) {
     return FileHandlerWriteFailed;
   }
   if (failed(record::seekEnd(file), kAppend)) return FileHandlerWriteFailed;
@@ -75,10 +75,9 @@ XNMessageBaseFileHandlerError append(CUlFile& file, XNMessageBase* object) {
   }
   // The digits of a longer one would not fit the field.
   if (size >= kTooLong && failed(CUlError(EMSGSIZE), kAppend)) return FileHandlerWriteFailed;
-  const auto length = static_cast<unsigned>(size);
-  const bool lost = failed(writeField(file, length), kAppend) ||
-                    failed(file.Write(data.getBuffer(), length, nullptr), kAppend);
-  return lost ? FileHandlerWriteFailed : FileHandlerSuccess;
+  const record::Field length = fieldOf(static_cast<unsigned>(size));
+  const CUlError error = file.Append({length.data(), length.size()}, {data.getBuffer(), size}, nullptr);
+  return failed(error, kAppend) ? FileHandlerWriteFailed : FileHandlerSuccess;
 }
 
 /// Passes over up to `length` bytes; `passed` tells whether there was one.

@@ -7,9 +7,10 @@
 // decimal digits. Neither pair of operations reads the other's files.
 //
 // The caller opens the file, gives it to the handler and keeps it; the handler never closes, truncates or
-// rewinds it. What it appended stays in the system's hands: CUlFile::Flush puts it on the disk. A record
-// whose operation answered FileHandlerSuccess is whole. A write that failed leaves what it wrote: later
-// records stand behind that and are only found by a search ('zqmsg objects repair').
+// rewinds it. A record whose operation answered FileHandlerSuccess is whole and in the system's hands:
+// CUlFile::Flush puts it on the disk. A file that holds back what is appended (CUlFile::SetAppendBuffer) has
+// it in the system's hands when the next of its own operations succeeds. A write that failed leaves what it
+// wrote: later records stand behind that and are only found by a search ('zqmsg objects repair').
 //
 // Failure: the result, and where it says so a line of level 0 under the operation's name. Nothing throws.
 // Threads: none is guarded; a handler, its buffer and its file belong to one thread at a time.

@@ -3,6 +3,7 @@
 #include <zqxml/platform/export.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -29,6 +30,10 @@ class [[nodiscard]] CUlError {
 /// Reading and writing go on after a signal or a partial transfer, so that a count below the one asked for
 /// means the end of the file, or an error. An operation on a file that is not open gives EBADF. Nothing
 /// throws.
+///
+/// Reading on and on in a regular file that Open has opened fetches up to 64 KiB ahead. That shows in two
+/// ways only: what another process overwrites or cuts off just behind the position may still be read as it
+/// was (Seek looks afresh), and a process that was forked meanwhile finds the common position further on.
 class ZQXML_EXPORT CUlFile {
  public:
   enum class Mode {
@@ -49,8 +54,10 @@ class ZQXML_EXPORT CUlFile {
   /// Closes what is open, and opens `name`. A new file has mode 0666 less the umask. Not inherited by other
   /// programs (O_CLOEXEC).
   CUlError Open(const std::string& name, Mode mode);
-  /// Takes an open descriptor over, which Close will close.
+  /// Takes an open descriptor over, which Close will close. Nothing is read ahead: others may read on from
+  /// its position.
   void Attach(int descriptor, std::string name);
+  /// Closes the file also when it gives an error, which is that of what Append held back, or the system's.
   CUlError Close();
 
   bool IsValid() const { return descriptor_ >= 0; }
@@ -62,6 +69,23 @@ class ZQXML_EXPORT CUlFile {
   CUlError Read(void* data, unsigned size, unsigned* bytesRead);
   /// Writes `size` bytes; `*bytesWritten` (null: not wanted) is what was written, also after an error.
   CUlError Write(const void* data, unsigned size, unsigned* bytesWritten);
+  /// Writes `head` and `body` at the end of the file, wherever the position is, which is the end afterwards,
+  /// also after an error. To a pipe it writes what comes next. `*bytesWritten` (null: not wanted) is what was
+  /// written, also after an error.
+  ///
+  /// The two go to the system in one call, as far as it takes them: then neither a process that is killed nor
+  /// one that appends to the same file comes between them.
+  CUlError Append(std::string_view head, std::string_view body, std::uint64_t* bytesWritten);
+  /// Lets Append hold back up to `bytes` bytes, for writing much at once; 0, as after Open, for none.
+  ///
+  /// Success of Append says then no more than that the bytes were taken: a process that ends abnormally loses
+  /// what is held back. They are in the system's hands after the next success of any other operation but
+  /// IsValid and GetName, SetAppendBuffer(0) the cheapest of them. When handing over fails, the operation
+  /// that tried reports it and has done nothing else; what was not written stays held back, in order, and the
+  /// next operation tries it again. Close alone gives it up, after one try; the destructor, Open and Attach
+  /// do so too, but cannot report it: call Close. Each Append is held back whole, or written whole when it is
+  /// larger than the area, so that nothing is ever between its two parts. ENOMEM without memory for the area.
+  CUlError SetAppendBuffer(unsigned bytes);
   /// `origin` is 0 for the start of the file, 1 for the present position, 2 for the end.
   CUlError Seek(std::int64_t offset, int origin, std::int64_t* newPosition);
   CUlError Tell(std::int64_t& position);
@@ -74,8 +98,29 @@ class ZQXML_EXPORT CUlFile {
   CUlError Flush();
 
  private:
+  /// Bytes on their way between the caller and the system.
+  struct Area {
+    std::unique_ptr<char[]> bytes;
+    unsigned room = 0;
+    unsigned from = 0, to = 0;  // what is still to be passed on
+
+    unsigned size() const { return to - from; }
+    void clear() { from = to = 0; }
+  };
+
+  bool mayReadAhead();
+  unsigned takeAhead(char* to, unsigned size);
+  CUlError readOnce(char* to, unsigned size, unsigned& count);
+  CUlError appendAll(std::string_view head, std::string_view body, std::uint64_t& done);
+  CUlError handOver();
+  CUlError settle();
+
   int descriptor_ = -1;
   std::string name_;
+  Area ahead_;                    // read, but not asked for yet: the system's position is behind it
+  std::uint64_t inSequence_ = 0;  // bytes read since the position was last set
+  bool readsAhead_ = false;       // nobody else reads on from the descriptor's position
+  Area held_;                     // appended, but not handed over; empty while ahead_ is not
 };
 
 /// A file that comes into being complete or not at all: it is written beside its target and takes its place

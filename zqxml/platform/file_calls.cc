@@ -24,6 +24,9 @@ ssize_t FileCalls::read(int descriptor, void* data, std::size_t size) {
 ssize_t FileCalls::write(int descriptor, const void* data, std::size_t size) {
   return ::write(descriptor, data, size);
 }
+ssize_t FileCalls::append(int descriptor, const struct iovec* pieces, int count) {
+  return ::pwritev2(descriptor, pieces, count, -1, RWF_APPEND);
+}
 off_t FileCalls::lseek(int descriptor, off_t offset, int origin) {
   return ::lseek(descriptor, offset, origin);
 }

@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <sys/uio.h>
 
 #include <cstddef>
 
@@ -16,6 +17,9 @@ class FileCalls {
   virtual int close(int descriptor);
   virtual ssize_t read(int descriptor, void* data, std::size_t size);
   virtual ssize_t write(int descriptor, const void* data, std::size_t size);
+  /// Writes what `count` pieces hold at the end of the file, where the position is then (pwritev2 with
+  /// RWF_APPEND). Some file systems cannot (EOPNOTSUPP).
+  virtual ssize_t append(int descriptor, const struct iovec* pieces, int count);
   virtual off_t lseek(int descriptor, off_t offset, int origin);
   virtual int fstat(int descriptor, struct stat* result);
   virtual int ftruncate(int descriptor, off_t size);
