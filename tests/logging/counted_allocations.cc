@@ -4,13 +4,36 @@
 #include <utility>
 
 namespace {
+
 thread_local std::size_t made = 0;
+std::atomic<long> liveBytes = 0;
+std::atomic<long> peakBytes = 0;
+
+void addBytes(std::size_t size) {
+  const long now = liveBytes += static_cast<long>(size);
+  long peak = peakBytes;
+  while (now > peak && !peakBytes.compare_exchange_weak(peak, now)) {
+  }
+}
+void removeBytes(std::size_t size) {
+  liveBytes -= static_cast<long>(size);
+}
+
 }  // namespace
 
 namespace zqxml {
+
 std::size_t allocationsOfThisThread() {
   return made;
 }
+
+std::size_t peakHeapOf(const std::function<void()>& run) {
+  const long before = liveBytes;
+  peakBytes = before;
+  run();
+  return static_cast<std::size_t>(peakBytes - before);
+}
+
 }  // namespace zqxml
 
 #ifdef ZQXML_ALLOCATOR_IS_TAKEN
@@ -19,10 +42,16 @@ std::size_t allocationsOfThisThread() {
 
 namespace {
 [[maybe_unused]] const int installed = __sanitizer_install_malloc_and_free_hooks(
-    [](const volatile void*, std::size_t) { ++made; }, [](const volatile void*) {});
+    [](const volatile void*, std::size_t size) {
+      ++made;
+      addBytes(size);
+    },
+    [](const volatile void* block) { removeBytes(__sanitizer_get_allocated_size(block)); });
 }  // namespace
 
 #else
+
+#include <malloc.h>
 
 namespace {
 
@@ -34,8 +63,15 @@ bool mayAllocate() {
   return failing == 0 || --failing != 0;
 }
 void* counted(void* block) {
-  if (block != nullptr) ++live;
+  if (block == nullptr) return block;
+  ++live;
+  addBytes(malloc_usable_size(block));
   return block;
+}
+void forgotten(void* block) {
+  if (block == nullptr) return;
+  --live;
+  removeBytes(malloc_usable_size(block));
 }
 
 }  // namespace
@@ -55,11 +91,11 @@ void* calloc(std::size_t count, std::size_t size) {
 }
 void* realloc(void* block, std::size_t size) {
   if (!mayAllocate()) return nullptr;
-  if (block != nullptr) --live;
+  forgotten(block);
   return counted(__libc_realloc(block, size));
 }
 void free(void* block) {
-  if (block != nullptr) --live;
+  forgotten(block);
   __libc_free(block);
 }
 }
