@@ -173,6 +173,24 @@ TEST(XmlStartUp, SettingOfZeroOrNoneLeavesValidationAlone) {
   EXPECT_FALSE(test.startUp.validationDisabled());
 }
 
+TEST(XmlStartUp, FastRoadsAreOpenUntilTheSettingClosesThem) {
+  const auto open = [](const char* value) {
+    const TestSettings settings{{"EventManager/XMLMessage_DISABLEFASTXML", value}};
+    LogCapture log;
+    TestStartUp test;
+    EXPECT_EQ(test.startUp.startCodec(), XN_MSG_OK);
+    EXPECT_TRUE(log.empty());
+    return test.startUp.fastXml();
+  };
+  EXPECT_TRUE(open("0"));
+  EXPECT_TRUE(open("no number"));
+  EXPECT_FALSE(open("1"));
+  const TestSettings none;
+  TestStartUp test;
+  EXPECT_EQ(test.startUp.startCodec(), XN_MSG_OK);
+  EXPECT_TRUE(test.startUp.fastXml());
+}
+
 TEST(XmlStartUp, FailureIsALibraryErrorAndTheNextCallTriesAgain) {
   const ValidationSetting setting("1");
   LogCapture log;

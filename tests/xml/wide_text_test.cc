@@ -15,13 +15,13 @@ using namespace std::string_view_literals;
 
 std::u16string messageText(std::string_view text, bool asCdata = false) {
   WideText wide;
-  wide.assignMessageText(text, asCdata);
+  wide.assign(TextValue<char>{text, asCdata});
   return wide.c_str();
 }
 
 std::u16string messageText(std::u16string_view text, bool asCdata = false) {
   WideText wide;
-  wide.assignMessageText(text, asCdata);
+  wide.assign(TextValue<char16_t>{text, asCdata});
   return wide.c_str();
 }
 
@@ -43,18 +43,18 @@ TEST(WideName, NamesConvertAsUtf8) {
 
 TEST(WideText, IntegersAreDecimal) {
   WideText text;
-  text.assignSigned(std::numeric_limits<std::int64_t>::min());
+  text.assign(SignedValue{std::numeric_limits<std::int64_t>::min()});
   EXPECT_EQ(text.c_str(), u"-9223372036854775808"sv);
-  text.assignSigned(0);
+  text.assign(SignedValue{0});
   EXPECT_EQ(text.c_str(), u"0"sv);
-  text.assignUnsigned(std::numeric_limits<std::uint64_t>::max());
+  text.assign(UnsignedValue{std::numeric_limits<std::uint64_t>::max()});
   EXPECT_EQ(text.c_str(), u"18446744073709551615"sv);
 }
 
 TEST(WideText, FloatingPointHasSixSignificantDigits) {
   const auto text = [](double value) {
     WideText wide;
-    wide.assignFloating(value);
+    wide.assign(FloatingValue{value});
     return std::u16string(wide.c_str());
   };
   EXPECT_EQ(text(0.1), u"0.1");

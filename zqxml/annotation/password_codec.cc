@@ -60,8 +60,7 @@ eXNMsgRet XMLDecoder::encryptPassword(int type, const pstring& value, std::strin
   bstring work(value.str());
   const WipeAtExit wipe(work.str());
   const int stored = value.getEncryptionType();
-  const bool fromFlags = flags_.passwordEncType != 0 && !flags_.keepPasswordEncType;
-  const int target = fromFlags ? flags_.passwordEncType : type;
+  const int target = writtenType(flags_, type);
   if (stored != target) {
     if (stored != kPlainText) DecryptPasswordString(work, stored);
     if (const PasswordRoutine routine = encryptionRoutine(target); routine == nullptr) {

@@ -1,3 +1,4 @@
+#include <zqxml/platform/base64.h>
 #include <zqxml/platform/text.h>
 #include <zqxml/xml/internal/cdata_end.h>
 #include <zqxml/xml/internal/wide_text.h>
@@ -36,16 +37,24 @@ WideName::WideName(const char* name) : text_(short_) {
   text_ = long_.c_str();
 }
 
-void WideText::assignSigned(std::int64_t value) {
-  text_ = WideNumberText::ofSigned(value).view();
+void WideText::assign(SignedValue value) {
+  text_ = WideNumberText::ofSigned(value.number).view();
 }
 
-void WideText::assignUnsigned(std::uint64_t value) {
-  text_ = WideNumberText::ofUnsigned(value).view();
+void WideText::assign(UnsignedValue value) {
+  text_ = WideNumberText::ofUnsigned(value.number).view();
 }
 
-void WideText::assignFloating(double value) {
-  text_ = WideNumberText::ofFloating(value).view();
+void WideText::assign(FloatingValue value) {
+  text_ = WideNumberText::ofFloating(value.number).view();
+}
+
+void WideText::assign(PlainValue value) {
+  assignAscii(value.text);
+}
+
+void WideText::assign(BytesValue value) {
+  assignAscii(UlBase64::Encode(value.bytes));
 }
 
 void WideText::assignAscii(std::string_view text) {
@@ -53,10 +62,10 @@ void WideText::assignAscii(std::string_view text) {
   widen(text_.data(), text);
 }
 
-void WideText::assignMessageText(std::string_view utf8, bool asCdata) {
-  utf8 = upToNul(utf8);
+void WideText::assign(TextValue<char> value) {
+  std::string_view utf8 = upToNul(value.text);
   std::string escaped;
-  if (asCdata) {
+  if (value.asCdata) {
     escaped = utf8;
     escapeCDATAEnd(escaped);
     utf8 = escaped;
@@ -68,9 +77,9 @@ void WideText::assignMessageText(std::string_view utf8, bool asCdata) {
   }
 }
 
-void WideText::assignMessageText(std::u16string_view utf16, bool asCdata) {
-  utf16 = upToNul(utf16);
-  if (!asCdata) return assignEncoded(utf16);
+void WideText::assign(TextValue<char16_t> value) {
+  const std::u16string_view utf16 = upToNul(value.text);
+  if (!value.asCdata) return assignEncoded(utf16);
   std::u16string escaped(utf16);
   escapeCDATAEnd(escaped);
   assignEncoded(escaped);

@@ -7,6 +7,8 @@
 #include <zqxml/xml/internal/string_format_target.h>
 #include <zqxml/xml/internal/wide_text.h>
 #include <zqxml/xml/internal/xml_serializer_access.h>
+#include <zqxml/xml/internal/xml_start_up_once.h>
+#include <zqxml/xml/internal/xml_text.h>
 #include <zqxml/xml/xml_serializer.h>
 
 #include <atomic>
@@ -74,7 +76,6 @@ constexpr BodyTexts kUtf16{"XMLSerializer::serializeUTF16", "Error initializing 
 /// Builds the document of `msg`. An exception of a listener ends here too.
 eXNMsgRet buildDocument(XMLSerializer& serializer, XNMessageBase& msg, int version, const BodyTexts& texts,
                         DocumentHolder& document) {
-  if (const eXNMsgRet started = XMLSerializerAccess::initialize(); started != XN_MSG_OK) return started;
   xercesc::DOMImplementation* implementation = XMLSerializerAccess::domImplementation();
   if (implementation == nullptr) {
     logError(texts.function, "%s", texts.noImplementation);
@@ -145,6 +146,20 @@ void guardDump(const char* function, const char* failure, Dump dump) {
   }
 }
 
+/// The three bodies of `serialize`: without a document where that gives the same.
+template <class Char>
+eXNMsgRet serializeTo(XMLSerializer& serializer, XNMessageBase& msg, int version,
+                      std::basic_string<Char>& out, bool rootOnly, const BodyTexts& texts) {
+  if (const eXNMsgRet started = XMLSerializerAccess::initialize(); started != XN_MSG_OK) return started;
+  if (XmlStartUp::process().fastXml() && XMLSerializerAccess::domImplementation == &findDomImplementation &&
+      writeXmlText(msg, XmlWalkCall{serializer.flags(), serializer.context(), version}, rootOnly, out))
+    return XN_MSG_OK;
+  DocumentHolder document(texts.function);
+  const eXNMsgRet built = buildDocument(serializer, msg, version, texts, document);
+  if (built == XN_MSG_OK) XMLSerializerAccess::dump(serializer, out, document.get(), rootOnly);
+  return built;
+}
+
 }  // namespace
 
 XMLSerializerAccess::DomLookUp XMLSerializerAccess::domImplementation = &findDomImplementation;
@@ -159,24 +174,15 @@ eXNMsgRet XMLSerializer::serialize(XNMessageBase& msg, std::string& out) {
 }
 
 eXNMsgRet XMLSerializer::serialize(XNMessageBase& msg, std::string& out, int version) {
-  DocumentHolder document(kUtf8.function);
-  const eXNMsgRet built = buildDocument(*this, msg, version, kUtf8, document);
-  if (built == XN_MSG_OK) DumpDOMDocumentToStringUTF8(out, document.get(), false);
-  return built;
+  return serializeTo(*this, msg, version, out, false, kUtf8);
 }
 
 eXNMsgRet XMLSerializer::serialize(XNMessageBase& msg, std::string& out, bool rootOnly) {
-  DocumentHolder document(kUtf8.function);
-  const eXNMsgRet built = buildDocument(*this, msg, kFormVersion, kUtf8, document);
-  if (built == XN_MSG_OK) DumpDOMDocumentToStringUTF8(out, document.get(), rootOnly);
-  return built;
+  return serializeTo(*this, msg, kFormVersion, out, rootOnly, kUtf8);
 }
 
 eXNMsgRet XMLSerializer::serializeUTF16(XNMessageBase& msg, std::u16string& out, bool rootOnly) {
-  DocumentHolder document(kUtf16.function);
-  const eXNMsgRet built = buildDocument(*this, msg, kFormVersion, kUtf16, document);
-  if (built == XN_MSG_OK) DumpDOMDocumentToWStringUTF16(out, document.get(), rootOnly);
-  return built;
+  return serializeTo(*this, msg, kFormVersion, out, rootOnly, kUtf16);
 }
 
 DOMWriter* XMLSerializer::DOMCreateAWriterUTF8() {

@@ -14,6 +14,10 @@
 
 namespace zqxml {
 
+namespace {
+constexpr char kSection[] = "EventManager";
+}
+
 std::atomic<bool> XMLSerializer::isXercesInitialized = false;
 
 std::atomic<XmlStartUp*> XmlStartUp::replacement = nullptr;
@@ -41,7 +45,7 @@ eXNMsgRet XmlStartUp::startCodec() {
   if (started_.load(std::memory_order_acquire)) return XN_MSG_OK;
   holdStillAcrossForks();
   const ZqCriticalSectionLock guard(lock_);
-  readSettingOnce();
+  readSettingsOnce();
   if (!startLocked("XMLSerializer::initialize")) return XN_MSG_XML_LIBRARY_ERROR;
   started_.store(true, std::memory_order_release);
   return XN_MSG_OK;
@@ -67,13 +71,16 @@ bool XmlStartUp::startLocked(const char* function) {
   return true;
 }
 
-void XmlStartUp::readSettingOnce() {
-  if (settingRead_) return;
-  settingRead_ = true;
-  constexpr const char* kSection = "EventManager";
+void XmlStartUp::readSettingsOnce() {
+  if (settingsRead_) return;
+  settingsRead_ = true;
+  const auto isOn = [](const char* key, std::uint32_t& value) {
+    return ZQPlatformInfo().getNumber(kSection, key, value) && value != 0;
+  };
   constexpr const char* kKey = "nDisableXMLValidation";
   std::uint32_t value = 0;
-  if (!ZQPlatformInfo().getNumber(kSection, kKey, value) || value == 0) return;
+  if (isOn("XMLMessage_DISABLEFASTXML", value)) fastXml_.store(false, std::memory_order_relaxed);
+  if (!isOn(kKey, value)) return;
   validationDisabled_.store(true, std::memory_order_relaxed);
   logDebug("XMLSerializer::initialize", 0, "Disabling XML Validation as [%s]/[%s] is set to [%u]", kSection,
            kKey, value);

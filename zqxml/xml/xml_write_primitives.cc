@@ -85,7 +85,7 @@ void XMLSerializer::writeStringToXML(xercesc::DOMDocument* doc, xercesc::DOMElem
                                      std::string value, bool asCDATA) {
   const WideName wideTag(tag.c_str());
   WideText text;
-  text.assignMessageText(std::string_view(value), asCDATA);
+  text.assign(TextValue<char>{value, asCDATA});
   if (asCDATA) {
     writeAsCDATA(doc, parent, wideTag.c_str(), text.c_str());
   } else {

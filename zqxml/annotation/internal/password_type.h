@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zqxml/catalogue/generated/Annotation_enums.h>
+#include <zqxml/xml/encoding_flags.h>
 
 #include <cstdint>
 #include <initializer_list>
@@ -23,6 +24,11 @@ enum PasswordType : int {
   kVersion5 = static_cast<int>(Annotation::PasswordEncryptType::ZQPASSWORD_ENCRYPTION_VER5),
   kVersion8 = static_cast<int>(Annotation::PasswordEncryptType::ZQPASSWORD_ENCRYPTION_VER8),
 };
+
+/// The type that a password is written as, `annotated` being that of its field.
+constexpr int writtenType(const EncodingFlags& flags, int annotated) {
+  return flags.passwordEncType != 0 && !flags.keepPasswordEncType ? flags.passwordEncType : annotated;
+}
 
 /// A few types as bits; unknown numbers are in no set.
 class PasswordTypeSet {

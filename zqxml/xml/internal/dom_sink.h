@@ -1,6 +1,7 @@
 // DomSink: builds a Xerces-C DOM tree from a walk (xml_walk.h). Not installed.
 #pragma once
 
+#include <zqxml/catalogue/records.h>
 #include <zqxml/xml/internal/wide_text.h>
 #include <zqxml/xml/internal/xml_names.h>
 #include <zqxml/xml/internal/xml_serializer_access.h>
@@ -15,16 +16,31 @@ class DomSink {
  public:
   using Node = xercesc::DOMElement*;
   using Name = WideName;
+  struct Entry {
+    Node key = nullptr;
+    Node value = nullptr;
+    bool complete = false;
+    explicit operator bool() const { return complete; }
+  };
 
   DomSink(XMLSerializer& serializer, xercesc::DOMDocument& document)
       : serializer_(serializer), document_(&document) {}
 
-  WideText& text() { return text_; }
+  static constexpr bool kMayGiveUp = false;
 
-  void scalar(Node parent, const Name& name) {
+  /// In declared order; the document sorts the attributes itself.
+  static const _ClassDef& fields(const XNMessageBase&, const _ClassDef& classDef) { return classDef; }
+  static const FieldDef& field(const FieldDef& field) { return field; }
+  static WideName name(const FieldDef& field) { return WideName(field.getName()); }
+
+  template <class Value>
+  void scalar(Node parent, const Name& name, Value value) {
+    text_.assign(value);
     XMLSerializerAccess::writeNodeToXML(serializer_, document_, parent, name.c_str(), text_.c_str());
   }
-  void cdata(Node parent, const Name& name) {
+  template <class Value>
+  void cdata(Node parent, const Name& name, Value value) {
+    text_.assign(value);
     XMLSerializerAccess::writeAsCDATA(serializer_, document_, parent, name.c_str(), text_.c_str());
   }
   Node element(Node parent, const Name& name) {
@@ -36,17 +52,27 @@ class DomSink {
       return nullptr;
     }
   }
-  void entryValue(Node entry) {
+  template <class Value>
+  void entryValue(Node entry, Value value) {
+    text_.assign(value);
     XMLSerializerAccess::writeListNodeToXML(serializer_, document_, entry, kValName, text_.c_str());
   }
-  void entryCdata(Node entry) {
+  template <class Value>
+  void entryCdata(Node entry, Value value) {
+    text_.assign(value);
     XMLSerializerAccess::writeListNodeAsCDATA(serializer_, document_, entry, kValName, text_.c_str());
   }
-  bool mapEntry(Node parent, const Name& name, Node& key, Node& value) {
+  Entry mapEntry(Node parent, const Name& name) {
+    Entry made;
     Node entry = nullptr;
-    return XMLSerializerAccess::constructMapElements(serializer_, document_, parent, entry, key, value,
-                                                     name.c_str());
+    made.complete = XMLSerializerAccess::constructMapElements(serializer_, document_, parent, entry, made.key,
+                                                              made.value, name.c_str());
+    return made;
   }
+  static Node mapKey(const Entry& entry) { return entry.key; }
+  static Node mapValue(const Entry& entry) { return entry.value; }
+  static void end(Node) {}
+  static void endEntry(const Entry&) {}
 
  private:
   XMLSerializer& serializer_;

@@ -4,8 +4,9 @@
 // values, and no call of the XML library's transcoder, which takes a lock of the process.
 #pragma once
 
+#include <zqxml/xml/internal/xml_values.h>
+
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -33,19 +34,18 @@ class WideText {
  public:
   const char16_t* c_str() const { return text_.c_str(); }
 
-  void assignSigned(std::int64_t value);
-  void assignUnsigned(std::uint64_t value);
-  /// Six significant digits, as a default-formatted stream prints them.
-  void assignFloating(double value);
-  /// Text of our own making: bytes below 0x80 only, all of them legal in XML.
-  void assignAscii(std::string_view text);
+  void assign(SignedValue value);
+  void assign(UnsignedValue value);
+  void assign(FloatingValue value);
+  void assign(PlainValue value);
+  void assign(BytesValue value);
+  void assign(TextValue<char> value);
+  void assign(TextValue<char16_t> value);
 
-  /// A message's text. It ends at its first NUL; "]]>" is escaped when it goes into a CDATA section, and what
-  /// XML cannot hold is encoded (xml_invalid_char_handler.h).
-  void assignMessageText(std::string_view utf8, bool asCdata);
-  void assignMessageText(std::u16string_view utf16, bool asCdata);
+  const std::u16string& text() const { return text_; }
 
  private:
+  void assignAscii(std::string_view text);
   void assignEncoded(std::u16string_view utf16);
 
   std::u16string text_;

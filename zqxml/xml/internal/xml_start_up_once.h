@@ -30,20 +30,26 @@ class XmlStartUp {
   bool startLibrary(const char* function);
   /// Whether the setting "EventManager"/"nDisableXMLValidation" was other than 0 when the codec started.
   bool validationDisabled() const { return validationDisabled_.load(std::memory_order_relaxed); }
+  /// Whether XML may take the roads beside the XML library: unless the setting
+  /// "EventManager"/"XMLMessage_DISABLEFASTXML" was other than 0 when the codec started.
+  bool fastXml() const { return fastXml_.load(std::memory_order_relaxed); }
+  /// For tests, in place of the setting; gives what held before.
+  bool setFastXml(bool on) { return fastXml_.exchange(on); }
 
  private:
   static XmlStartUp ofProcess_;
 
   void holdStillAcrossForks();
-  void readSettingOnce();
+  void readSettingsOnce();
   bool startLocked(const char* function);
 
   ZqCriticalSection lock_;
   std::atomic<bool>& started_;
   const LibraryStart startLibrary_;
   std::atomic<bool> libraryRuns_ = false;
-  bool settingRead_ = false;
+  bool settingsRead_ = false;
   std::atomic<bool> validationDisabled_ = false;
+  std::atomic<bool> fastXml_ = true;
 };
 
 }  // namespace zqxml

@@ -5,23 +5,37 @@
 // class with
 //
 //   Node    handle of an element; false when it could not be made
-//   Name    a field's name in the sink's form: `Name(const char*)`
-//   Text&   text()                                   the value to write, set by WideText's operations
-//   void    scalar(Node parent, const Name&)         text() as attribute or child element
-//   void    cdata(Node parent, const Name&)          text() as child element with a CDATA section
+//   Name    a field's name in the sink's form
+//   Entry   handle of a map entry; false when it could not be made
+//   auto    fields(const XNMessageBase&, const _ClassDef&)
+//                                                    range of the class's fields, in the order of writing
+//   const FieldDef& field(item), Name name(item)     of what the range gives
+//   void    scalar(Node parent, const Name&, value)  attribute or child element; the values are those of
+//                                                    xml_values.h
+//   void    cdata(Node parent, const Name&, value)   child element with a CDATA section
 //   Node    element(Node parent, const Name&)        a new last child element
-//   void    entryValue(Node entry)                   text() as the value of a list entry or a map side
-//   void    entryCdata(Node entry)                   text() as a CDATA section straight in a list entry
-//   bool    mapEntry(Node parent, const Name&, Node& key, Node& value)
+//   void    entryValue(Node entry, value)            the value of a list entry or a map side
+//   void    entryCdata(Node entry, value)            a CDATA section straight in a list entry
+//   Entry   mapEntry(Node parent, const Name&)       a new last child element with two children
+//   Node    mapKey(Entry), mapValue(Entry)           these, in this order
+//   void    end(Node), endEntry(Entry)               nothing more will be put into it
+//   kMayGiveUp, giveUp(), gaveUp()                   see below
 //
 // A sink reports its own failures; the walk then leaves out what hangs on them and goes on. Listeners may
 // throw: that passes through.
+//
+// A sink that may give up writes on trial: when anything is other than it knows for certain, it gives up, and
+// the caller writes the message by another sink. On trial nothing is logged and nothing of the application is
+// called, neither listeners nor password routines; whatever would do that gives up as well. What a trial
+// leaves in a message, the lists that were missing, the other sink makes too.
 #pragma once
 
 #include <zqxml/annotation/annotation_record.h>
+#include <zqxml/annotation/internal/password_type.h>
 #include <zqxml/annotation/xml_serialization_support.h>
 #include <zqxml/catalogue/field_types.h>
 #include <zqxml/catalogue/generated/Annotation.h>
+#include <zqxml/catalogue/lookup.h>
 #include <zqxml/catalogue/records.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/internal/message_access.h>
@@ -29,6 +43,7 @@
 #include <zqxml/platform/base64.h>
 #include <zqxml/xml/date_text.h>
 #include <zqxml/xml/encoding_flags.h>
+#include <zqxml/xml/internal/xml_values.h>
 #include <zqxml/xml/xml_decoder.h>
 
 #include <array>
@@ -58,32 +73,33 @@ class XmlWalk {
 
   XmlWalk(Sink& sink, const XmlWalkCall& call) : sink_(sink), call_(call) {}
 
-  /// Writes all fields of `msg` into `element`, in declared order. QUIRK: an object of an old-way class
-  /// writes every field, set or not.
+  /// Writes all fields of `msg` into `element`. QUIRK: an object of an old-way class writes every field, set
+  /// or not.
   void writeFields(XNMessageBase& msg, Node element) {
     const _ClassDef* classDef = MessageAccess::classDef(msg);
     if (classDef == nullptr) return;
     const bool all = XNMessageBase::isOldWay(msg.getTagID());
-    for (const FieldDef& field : *classDef) {
+    const auto& fields = sink_.fields(msg, *classDef);
+    for (const auto& item : fields) {
+      const FieldDef& field = sink_.field(item);
       // A trailing self record is no field, and its member number is that of the first one.
       if (field.getType() == FDT_NONE || field.getFieldHashId() == 0) continue;
       if (!all && !MessageAccess::isSet(msg, field.getMemNum())) continue;
-      logDebug(kFunction, 15, "Writing [%s]:[%s]", classDef->getName(), field.getName());
+      trace("Writing [%s]:[%s]", classDef->getName(), field.getName());
       if (isVetoed(msg, field)) continue;
       const AnnotationRecord record(field);
-      const Name name(field.getName());
+      const Name name = sink_.name(item);
       if (isMasked(msg, field, record)) {
-        logDebug(
-            kFunction, 15,
+        trace(
             "Masking field [%s]:[%s] as sensitive annotation is present and encoding_options to mask the field is specified",
             classDef->getName(), field.getName());
-        sink_.text().assignAscii("########");
-        sink_.scalar(element, name);
-        continue;
+        sink_.scalar(element, name, PlainValue{"########"});
+      } else {
+        visitStorage(field.getType(),
+                     FieldWriter{*this, msg, field, record, name, element,
+                                 record.isCdata() && !kNeverCdataTypes.contains(field.getType())});
       }
-      visitStorage(field.getType(),
-                   FieldWriter{*this, msg, field, record, name, element,
-                               record.isCdata() && !kNeverCdataTypes.contains(field.getType())});
+      if (gaveUp()) return;
     }
   }
 
@@ -100,14 +116,15 @@ class XmlWalk {
     Node parent;
     bool asCdata;
 
-    auto& text() const { return walk.sink_.text(); }
+    auto& sink() const { return walk.sink_; }
     const EncodingFlags& flags() const { return walk.call_.flags; }
 
-    void scalar() const {
+    template <class Value>
+    void scalar(Value value) const {
       if (asCdata) {
-        walk.sink_.cdata(parent, name);
+        sink().cdata(parent, name, value);
       } else {
-        walk.sink_.scalar(parent, name);
+        sink().scalar(parent, name, value);
       }
     }
 
@@ -116,78 +133,66 @@ class XmlWalk {
     template <element::Integer E>
     void operator()(Scalar<E>) const {
       const std::int64_t value = MessageAccess::slot(msg, field);
-      if (!flags().readable || !(record.isTime() || record.dateType() != 0)) {
-        text().assignSigned(value);
-      } else if (!putDateOrTime(static_cast<std::int32_t>(value))) {
-        return;
-      }
-      scalar();
+      if (!flags().readable || !(record.isTime() || record.dateType() != 0))
+        return scalar(SignedValue{value});
+      std::array<char, 512> text{};
+      if (printDateOrTime(static_cast<std::int32_t>(value), text.data()))
+        scalar(PlainValue{std::string_view(text.data())});
     }
 
     void operator()(Scalar<element::Bool>) const {
       const std::int64_t value = MessageAccess::slot(msg, field);
-      if (flags().readable) {
-        text().assignAscii(value != 0 ? "true" : "false");
-      } else {
-        text().assignSigned(value);
-      }
-      scalar();
+      if (!flags().readable) return scalar(SignedValue{value});
+      scalar(PlainValue{value != 0 ? "true" : "false"});
     }
 
     void operator()(Scalar<element::Enum>) const {
       const std::int64_t value = MessageAccess::slot(msg, field);
-      if (flags().readable || flags().enumAsText) {
-        const char* enumerator = XMLDecoder::GetEnumString(field, static_cast<int>(value));
-        if (enumerator == nullptr || *enumerator == '\0')
-          return logError(kFunction, "Field [%s] does not accept value [%lld]", field.getName(), value);
-        text().assignMessageText(std::string_view(enumerator), false);
-      } else {
-        text().assignSigned(value);
-      }
-      scalar();
+      if (!flags().readable && !flags().enumAsText) return scalar(SignedValue{value});
+      const char* enumerator = enumeratorName(static_cast<int>(value));
+      if (enumerator == nullptr || *enumerator == '\0')
+        return walk.report("Field [%s] does not accept value [%lld]", field.getName(), value);
+      scalar(TextValue<char>{enumerator});
     }
 
     template <element::Floating E>
     void operator()(Scalar<E>) const {
-      text().assignFloating(MessageAccess::scalar<typename E::Value>(msg, field));
-      scalar();
+      scalar(FloatingValue{MessageAccess::scalar<typename E::Value>(msg, field)});
     }
 
     template <class E>
     void operator()(InPlace<E>) const {
-      put(E{}, MessageAccess::inPlace<typename E::Value>(msg, field));
-      scalar();
+      scalar(valueOf(E{}, MessageAccess::inPlace<typename E::Value>(msg, field)));
     }
 
     void operator()(Owned<element::BStr>) const {
       const bstring* value = MessageAccess::owned<bstring>(msg, field);
-      if (value == nullptr) return;
-      put(element::BStr{}, *value);
-      scalar();
+      if (value != nullptr) scalar(valueOf(element::BStr{}, *value));
     }
 
     void operator()(Owned<element::PStr>) const {
       const pstring* value = MessageAccess::owned<pstring>(msg, field);
-      if (value != nullptr && putPassword(*value)) scalar();
+      if (value != nullptr) password(*value);
     }
 
     // The list is made, and the field marked, when there is none: what callers of an old-way object rely on.
     template <class E>
     void operator()(List<E>) const {
       for (auto& value : MessageAccess::make<typename List<E>::Value>(msg, field, true)) {
-        const Node entry = walk.sink_.element(parent, name);
+        const Node entry = sink().element(parent, name);
         if (!entry) {
-          logError(kFunction, "Error constructing list object [%s].", field.getName());
-        } else if constexpr (std::same_as<E, element::Obj>) {
-          walk.writeFields(value, entry);
-        } else {
-          put(E{}, value);
-          if (asCdata) {
-            walk.sink_.entryCdata(entry);
-          } else {
-            walk.sink_.entryValue(entry);
-          }
+          walk.report("Error constructing list object [%s].", field.getName());
+          continue;
         }
+        if constexpr (std::same_as<E, element::Obj>) {
+          walk.writeFields(value, entry);
+        } else if (asCdata) {
+          sink().entryCdata(entry, valueOf(E{}, value));
+        } else {
+          sink().entryValue(entry, valueOf(E{}, value));
+        }
+        sink().end(entry);
+        if (walk.gaveUp()) return;
       }
     }
 
@@ -196,43 +201,43 @@ class XmlWalk {
       auto* entries = MessageAccess::owned<typename Map<K, V>::Value>(msg, field);
       if (entries == nullptr) return;
       for (auto& [key, value] : *entries) {
-        Node keyNode{};
-        Node valueNode{};
-        if (!walk.sink_.mapEntry(parent, name, keyNode, valueNode)) {
+        const auto entry = sink().mapEntry(parent, name);
+        if (!entry) {
           logLostEntry(key);
           continue;
         }
-        side(K{}, key, keyNode);
-        side(V{}, value, valueNode);
+        side(K{}, key, sink().mapKey(entry));
+        side(V{}, value, sink().mapValue(entry));
+        sink().endEntry(entry);
+        if (walk.gaveUp()) return;
       }
     }
 
     void operator()(Object) const {
       XNMessageBase* value = MessageAccess::owned<XNMessageBase>(msg, field);
       if (value == nullptr) {
-        if (std::strcmp(field.getName(), "processinginstructioninfo") != 0)
-          logError(kFunction, "Please check");
+        if (std::strcmp(field.getName(), "processinginstructioninfo") != 0) walk.report("Please check");
         return;
       }
-      const Node child = walk.sink_.element(parent, name);
-      if (!child) return logError(kFunction, "Error constructing subobject : [%s]", field.getName());
+      const Node child = sink().element(parent, name);
+      if (!child) return walk.report("Error constructing subobject : [%s]", field.getName());
       walk.writeFields(*value, child);
+      sink().end(child);
     }
 
-    /// One value, list entry or side of a map as text; a text side of a map is never CDATA (asCdata is
-    /// false).
+    /// One value, list entry or side of a map; a text side of a map is never CDATA (asCdata is false).
     template <class E>
-    void put(E, const typename E::Value& value) const {
+    auto valueOf(E, const typename E::Value& value) const {
       if constexpr (element::Floating<E>) {
-        text().assignFloating(value);
+        return FloatingValue{value};
       } else if constexpr (std::same_as<E, element::UInt32> || std::same_as<E, element::UInt64>) {
-        text().assignUnsigned(value);
+        return UnsignedValue{value};
       } else if constexpr (element::Integer<E>) {
-        text().assignSigned(value);
+        return SignedValue{value};
       } else if constexpr (std::same_as<E, element::BStr>) {
-        text().assignAscii(UlBase64::Encode(value.str()));
+        return BytesValue{value.str()};
       } else {
-        text().assignMessageText(value, asCdata);
+        return TextValue<typename E::Value::value_type>{value, asCdata};
       }
     }
 
@@ -242,83 +247,101 @@ class XmlWalk {
         // Keys are const in a map. Writing may make missing lists in them, which no comparison looks at.
         walk.writeFields(const_cast<XNMessageBase&>(value), node);
       } else if constexpr (std::same_as<E, element::Str>) {
-        text().assignMessageText(value, false);
-        walk.sink_.entryValue(node);
+        sink().entryValue(node, TextValue<char>{value});
       } else {
-        put(E{}, value);
-        walk.sink_.entryValue(node);
+        sink().entryValue(node, valueOf(E{}, value));
       }
+      sink().end(node);
     }
 
     void logLostEntry(std::int64_t key) const {
-      logError(kFunction, "Error for map field [%s], key : [%lld]", field.getName(), key);
+      walk.report("Error for map field [%s], key : [%lld]", field.getName(), key);
     }
     void logLostEntry(const std::string& key) const {
-      logError(kFunction, "Error for map field [%s], key : [%s]", field.getName(), key);
+      walk.report("Error for map field [%s], key : [%s]", field.getName(), key);
     }
     void logLostEntry(const XNMessageBase& key) const { logLostEntry(key.getTagName()); }
+
+    /// The look-up logs when there is none.
+    const char* enumeratorName(int value) const {
+      if constexpr (Sink::kMayGiveUp) {
+        const _ClassDef* enumeration = catalogue::classOfField(field);
+        return enumeration == nullptr ? nullptr : catalogue::enumeratorName(*enumeration, value);
+      } else {
+        return XMLDecoder::GetEnumString(field, value);
+      }
+    }
 
     /// The readable form of a number that the schema says is a time of day, a date, or both; false when there
     /// is none. QUIRK: with both marks both are done: a bad time ends the field, else the date is what is
     /// written; a date of 0 is not written at all.
-    bool putDateOrTime(std::int32_t value) const {
-      if (record.isTime()) {
-        std::array<char, 16> time{};
-        if (!formatTimeOfDay(value, time.data())) {
-          logError(kFunction, "Invalid time in seconds [%d]", value);
-          return false;
-        }
-        text().assignAscii(time.data());
+    bool printDateOrTime(std::int32_t value, char* text) const {
+      if (record.isTime() && !formatTimeOfDay(value, text)) {
+        walk.report("Invalid time in seconds [%d]", value);
+        return false;
       }
-      if (record.dateType() != 0) {
-        if (value == 0) return false;
-        std::array<char, 512> date{};
-        if (!formatDateAnnotation(value, record.dateType(), date.data())) {
-          logError(kFunction, "[%s]", "Unable to convert timestamp to date");
-          return false;
-        }
-        text().assignAscii(date.data());
-      }
-      return true;
+      if (record.dateType() == 0) return true;
+      if (value == 0) return false;
+      if (formatDateAnnotation(value, record.dateType(), text)) return true;
+      walk.report("[%s]", "Unable to convert timestamp to date");
+      return false;
     }
 
-    bool putPassword(const pstring& value) const {
-      if (!record.exists()) {
-        logError(kFunction, "There are no annotations specified on this field : [%s]", field.getName());
-        return false;
+    void password(const pstring& value) const {
+      if (!record.exists())
+        return walk.report("There are no annotations specified on this field : [%s]", field.getName());
+      if (record.passwordType() == 0)
+        return walk.report("Password annotation is not specified on this field : [%s]", field.getName());
+      if ((flags().encoding_options & MASK_PASSWORDS) != 0) return scalar(PlainValue{"*******"});
+      if (walk.call_.version < 2) return scalar(BytesValue{value.c_str()});
+      if constexpr (Sink::kMayGiveUp) {
+        const bool isPlain = value.getEncryptionType() == kPlainText &&
+                             writtenType(flags(), record.passwordType()) == kPlainText;
+        if (!isPlain) return sink().giveUp();
+        scalar(TextValue<char>{value.str()});
+      } else {
+        std::string form;
+        if (XMLDecoder(flags(), walk.call_.context).encryptPassword(record.passwordType(), value, form) ==
+            XN_MSG_NO_PASSWORD_HANDLER)
+          return walk.report("Password Handler Not Found while serializing bstring field [%s]",
+                             field.getName());
+        scalar(TextValue<char>{form});
       }
-      if (record.passwordType() == 0) {
-        logError(kFunction, "Password annotation is not specified on this field : [%s]", field.getName());
-        return false;
-      }
-      if ((flags().encoding_options & MASK_PASSWORDS) != 0) {
-        text().assignAscii("*******");
-        return true;
-      }
-      std::string form;
-      if (walk.call_.version < 2) {
-        form = UlBase64::Encode(value.c_str());
-      } else if (XMLDecoder(flags(), walk.call_.context)
-                     .encryptPassword(record.passwordType(), value, form) == XN_MSG_NO_PASSWORD_HANDLER) {
-        logError(kFunction, "Password Handler Not Found while serializing bstring field [%s]",
-                 field.getName());
-        return false;
-      }
-      text().assignMessageText(std::string_view(form), false);
-      return true;
     }
   };
+
+  bool gaveUp() const {
+    if constexpr (Sink::kMayGiveUp)
+      return sink_.gaveUp();
+    else
+      return false;
+  }
+
+  /// Logs what a field is missing for.
+  template <class... Args>
+  void report(const char* format, const Args&... arguments) {
+    if constexpr (Sink::kMayGiveUp) {
+      sink_.giveUp();
+    } else {
+      logError(kFunction, format, arguments...);
+    }
+  }
+
+  template <class... Args>
+  static void trace(const char* format, const Args&... arguments) {
+    if constexpr (!Sink::kMayGiveUp) logDebug(kFunction, 15, format, arguments...);
+  }
 
   /// Asks the listeners of the object's class, then those of the field's annotations. The verdict is one word
   /// for all of them: a later listener can overwrite what an earlier one stored.
   bool isVetoed(XNMessageBase& msg, const FieldDef& field) {
+    if constexpr (Sink::kMayGiveUp) return false;
     if (!XMLSerializationSupport::hasListeners()) return false;
     XMLSerializationSupport registry;
     ListenerCbData data{field, &msg, 0};
     registry.ProcessCallBack(msg.getTagID(), data);
     if (data.flags == XMLCB_SKIP_PROCESSING) {
-      logDebug(kFunction, 15, "Skipping field [%s] as XMLCB_SKIP_PROCESSING is set(On Tag ID)",
-               field.getName());
+      trace("Skipping field [%s] as XMLCB_SKIP_PROCESSING is set(On Tag ID)", field.getName());
       return true;
     }
     if (!field.hasAnnotation()) return false;
@@ -326,8 +349,7 @@ class XmlWalk {
     if (XMLDecoder::FillAnnotationIds(field, annotations))
       for (const std::uint32_t annotation : annotations) registry.ProcessCallBack(annotation, data);
     if (data.flags != XMLCB_SKIP_PROCESSING) return false;
-    logDebug(kFunction, 15, "Skipping field [%s] as XMLCB_SKIP_PROCESSING is set(On Annotation ID)",
-             field.getName());
+    trace("Skipping field [%s] as XMLCB_SKIP_PROCESSING is set(On Annotation ID)", field.getName());
     return true;
   }
 
@@ -336,6 +358,7 @@ class XmlWalk {
     if ((call_.flags.encoding_options & MASK_SENSITIVE) == 0 || !record.isSensitive() ||
         !FieldDef::isPrimitiveType(field.getType()))
       return false;
+    if constexpr (Sink::kMayGiveUp) return true;
     Annotation::Sensitive sensitive;
     return XMLDecoder::FillAnnotation(&msg, sensitive, field.getName());
   }

@@ -1,0 +1,90 @@
+// Both writers of XML beside each other: the text without a DOM has to be that of the DOM, to the byte, with
+// the same result, the same lines, and the same traces in the message.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <tests/support/every_type.h>
+#include <tests/support/random_message.h>
+#include <tests/support/time_zone.h>
+#include <tests/support/xml_ways.h>
+#include <zqxml/platform/text.h>
+#include <zqxml/xml/internal/xml_text.h>
+
+#include <cstdint>
+#include <string>
+
+namespace zqxml {
+namespace {
+
+/// Whether the fast writer gives a text of its own.
+bool writesFast(const OpenMessage& message, const WayOfWriting& way) {
+  OpenMessage copy(message);
+  const XmlWalkCall call{way.flags, nullptr, way.version};
+  std::string text;
+  std::u16string wide;
+  return way.wide ? writeXmlText(copy, call, way.rootOnly, wide)
+                  : writeXmlText(copy, call, way.rootOnly, text);
+}
+
+/// Expects the same of both roads, in some of the ways: all of them in the end, `number` after `number`.
+void expectSameText(const OpenMessage& message, unsigned number, unsigned ways) {
+  for (unsigned i = 0; i < ways; ++i) {
+    const unsigned which = (number * ways + i) * 37 % WayOfWriting::kCount;
+    const WayOfWriting way(which);
+    ASSERT_EQ(written(message, way, true), written(message, way, false)) << "way " << which;
+  }
+}
+
+OpenMessage everyType() {
+  OpenMessage message = newMessage("Demo_EveryType");
+  fillEveryType(message);
+  return message;
+}
+
+TEST(XmlWriters, BothGiveTheSameTextOfRandomMessagesInEveryWay) {
+  const ScopedTimeZone zone("UTC0");
+  const auto messages = randomMessages(0);
+  const int count = comparisons(3000);
+  int fast = 0;
+  for (int number = 0; number < count && !::testing::Test::HasFatalFailure(); ++number) {
+    const auto seed = static_cast<std::uint64_t>(number);
+    const OpenMessage message = messages(rc::Random(seed), number % 100).value();
+    SCOPED_TRACE(number);
+    expectSameText(message, static_cast<unsigned>(number), 8);
+    if (writesFast(message, WayOfWriting(static_cast<unsigned>(number)))) ++fast;
+  }
+  EXPECT_GT(fast, count / 3) << "the fast road is hardly taken, and nothing is compared";
+}
+
+TEST(XmlWriters, BothGiveTheSameTextOfEveryTypeInEveryWay) {
+  const ScopedTimeZone zone("UTC0");
+  expectSameText(everyType(), 0, WayOfWriting::kCount);
+}
+
+TEST(XmlWriters, EveryTypeIsWrittenWithoutADom) {
+  OpenMessage message = everyType();
+  for (unsigned number = 0; number < WayOfWriting::kCount; ++number)
+    EXPECT_TRUE(writesFast(message, WayOfWriting(number))) << number;
+}
+
+TEST(XmlWriters, BothEscapeEveryCharacterAlike) {
+  OpenMessage message = newMessage("Demo_EveryType");
+  OpenMessage marked = newMessage("App_AnnotationSample");
+  for (unsigned first = 1; first < 0x10000; first += 64) {
+    std::u16string wide;
+    for (unsigned unit = first; unit < first + 64; ++unit) wide += static_cast<char16_t>(unit);
+    const std::string text = toUtf8(wide);
+    setText(message, "stringField", text);
+    setText(marked, "cdataText", text);
+    MessageAccess::inPlace<std::u16string>(message, fieldOf(message, "wstringField")) = wide;
+    MessageAccess::mark(message, fieldOf(message, "wstringField").getMemNum());
+    for (const unsigned number : {0u, 1u, 4u, 5u, 12u}) {
+      ASSERT_EQ(written(message, WayOfWriting(number), true), written(message, WayOfWriting(number), false))
+          << first;
+      ASSERT_EQ(written(marked, WayOfWriting(number), true), written(marked, WayOfWriting(number), false))
+          << first;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace zqxml

@@ -1,0 +1,129 @@
+#include <zqxml/annotation/annotation_record.h>
+#include <zqxml/catalogue/lookup.h>
+#include <zqxml/message/internal/message_access.h>
+#include <zqxml/message/xn_message_base.h>
+#include <zqxml/xml/internal/class_plan.h>
+#include <zqxml/xml/internal/root_element_name.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <memory>
+#include <string_view>
+
+namespace zqxml {
+namespace {
+
+/// Types whose value is an attribute, unless it goes into a CDATA section.
+constexpr FieldTypeSet kAttributeTypes = FieldTypeSet::ofStorage(
+    Overloaded{[]<class E>(Scalar<E>) { return true; }, []<class E>(InPlace<E>) { return true; },
+               []<class E>(Owned<E>) { return true; }, [](auto) { return false; }});
+
+bool isCdata(const FieldDef& field) {
+  return AnnotationRecord(field).isCdata() && !kNeverCdataTypes.contains(field.getType());
+}
+
+bool isAttribute(const FieldDef& field) {
+  return kAttributeTypes.contains(field.getType()) && !isCdata(field);
+}
+
+/// A name of ASCII that is legal everywhere in XML and reserved nowhere.
+bool isPlainName(std::string_view name) {
+  const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
+  const auto isInner = [&](char c) { return isLetter(c) || (c >= '0' && c <= '9') || c == '.' || c == '-'; };
+  if (name.empty() || !isLetter(name.front()) || !std::all_of(name.begin(), name.end(), isInner))
+    return false;
+  return name.size() < 3 || !((name[0] | 0x20) == 'x' && (name[1] | 0x20) == 'm' && (name[2] | 0x20) == 'l');
+}
+
+std::string_view textOf(PlannedName name) {
+  return {name.text, name.length};
+}
+
+/// Whether the field is found by its name, and in the class that the tag id leads to: what the look-up of an
+/// annotation goes through.
+bool isFoundByName(const XNMessageBase& message, const _ClassDef& classDef, const FieldDef& field) {
+  return catalogue::classDef(message.getTagID()) == &classDef &&
+         catalogue::fieldPosition(&classDef, field.getName()) == &field - classDef.getFields();
+}
+
+using PlanSlot = std::atomic<const ClassPlan*>;
+/// One row of plans per subsystem, made when the first of its classes is written. They stay for the process:
+/// the catalogue does, and threads may write to the very end.
+std::array<std::atomic<PlanSlot*>, kSubsystemCount> gPlans{};
+
+/// Puts `made` into the empty slot; when another thread was faster, gives what that put there.
+template <class T>
+T* publish(std::atomic<T*>& slot, T* made, void (*destroy)(T*)) {
+  T* found = nullptr;
+  if (slot.compare_exchange_strong(found, made, std::memory_order_acq_rel, std::memory_order_acquire))
+    return made;
+  destroy(made);
+  return found;
+}
+
+}  // namespace
+
+ClassPlan::ClassPlan(const XNMessageBase& message, const _ClassDef& classDef) {
+  std::vector<const FieldDef*> fields;
+  for (const FieldDef& field : classDef)
+    if (field.getType() != FDT_NONE && field.getFieldHashId() != 0 && field.getName() != nullptr)
+      fields.push_back(&field);
+
+  const std::string root = rootElementName(message);
+  std::size_t bytes = root.size() + PlannedName::kBlock;
+  for (const FieldDef* field : fields) bytes += std::string_view(field->getName()).size();
+  names_.reserve(bytes);
+  std::vector<std::size_t> starts;
+  const auto keep = [&](std::string_view name) {
+    starts.push_back(names_.size());
+    names_ += name;
+    return PlannedName{nullptr, static_cast<std::uint32_t>(name.size())};
+  };
+  rootName = keep(root);
+  for (const FieldDef* field : fields) declared.push_back({field, keep(field->getName())});
+  names_.resize(bytes);
+  rootName.text = names_.data();
+  for (std::size_t i = 0; i < declared.size(); ++i) declared[i].name.text = names_.data() + starts[i + 1];
+
+  attributesFirst = declared;
+  const auto elements =
+      std::stable_partition(attributesFirst.begin(), attributesFirst.end(),
+                            [](const PlannedField& item) { return isAttribute(*item.field); });
+  const auto name = [](const PlannedField& item) { return textOf(item.name); };
+  std::ranges::sort(attributesFirst.begin(), elements, {}, name);
+  certain = isPlainName(root) &&
+            std::ranges::all_of(declared,
+                                [](const PlannedField& item) { return isPlainName(textOf(item.name)); }) &&
+            std::ranges::adjacent_find(attributesFirst.begin(), elements, {}, name) == elements;
+  masksCertain = certain && std::ranges::all_of(fields, [&](const FieldDef* field) {
+                   const AnnotationRecord record(*field);
+                   if (!record.isSensitive() || !FieldDef::isPrimitiveType(field->getType())) return true;
+                   return !isCdata(*field) && isFoundByName(message, classDef, *field);
+                 });
+}
+
+const ClassPlan* ClassPlan::of(const XNMessageBase& message) {
+  const _ClassDef* classDef = MessageAccess::classDef(message);
+  const int subsystem = message.getSubsysID();
+  const int index = message.getMessageIndex();
+  if (subsystem < 0 || subsystem >= kSubsystemCount || index < 0) return nullptr;
+  const SubsystemDef& row = gSubsystemTable[subsystem];
+  if (index >= row.recordCount || classDef != row.classDefs + index) return nullptr;
+  const PlanSlot* plans = gPlans[static_cast<std::size_t>(subsystem)].load(std::memory_order_acquire);
+  const ClassPlan* plan = plans == nullptr ? nullptr : plans[index].load(std::memory_order_acquire);
+  return plan != nullptr ? plan : make(message, *classDef);
+}
+
+const ClassPlan* ClassPlan::make(const XNMessageBase& message, const _ClassDef& classDef) {
+  const auto subsystem = static_cast<std::size_t>(message.getSubsysID());
+  PlanSlot* plans = gPlans[subsystem].load(std::memory_order_acquire);
+  if (plans == nullptr) {
+    const auto count = static_cast<std::size_t>(gSubsystemTable[subsystem].recordCount);
+    plans = publish<PlanSlot>(gPlans[subsystem], new PlanSlot[count]{}, [](PlanSlot* row) { delete[] row; });
+  }
+  return publish<const ClassPlan>(plans[message.getMessageIndex()], new ClassPlan(message, classDef),
+                                  [](const ClassPlan* plan) { delete plan; });
+}
+
+}  // namespace zqxml

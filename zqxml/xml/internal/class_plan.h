@@ -1,0 +1,52 @@
+// ClassPlan: what the text writer knows of a class before it meets an object of it. Not installed.
+#pragma once
+
+#include <zqxml/catalogue/records.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace zqxml {
+
+class XNMessageBase;
+
+/// A name as the text writer copies it: a block at a time, so that bytes up to the next block stand behind
+/// it.
+struct PlannedName {
+  static constexpr std::size_t kBlock = 16;
+
+  const char* text = nullptr;
+  std::uint32_t length = 0;
+};
+
+struct PlannedField {
+  const FieldDef* field = nullptr;
+  PlannedName name;
+};
+
+/// The fields of one class of the catalogue that XML has, in the two orders of writing them.
+struct ClassPlan {
+  /// In declared order: for scalars as elements.
+  std::vector<PlannedField> declared;
+  /// Attributes first, as the DOM sorts them, by code unit; then what is an element, in declared order.
+  std::vector<PlannedField> attributesFirst;
+  PlannedName rootName;
+  /// Whether the text of an object's names and attributes is known: the names are plain, and no two
+  /// attributes have the same.
+  bool certain = false;
+  /// Whether that holds for masked fields too.
+  bool masksCertain = false;
+
+  /// The plan of the message's class, made at first use and kept for the process. Null when the class is not
+  /// a record of the catalogue. Any thread may call it; throws std::bad_alloc.
+  static const ClassPlan* of(const XNMessageBase& message);
+
+ private:
+  ClassPlan(const XNMessageBase& message, const _ClassDef& classDef);
+  static const ClassPlan* make(const XNMessageBase& message, const _ClassDef& classDef);
+
+  std::string names_;
+};
+
+}  // namespace zqxml

@@ -1,0 +1,197 @@
+// TextSink: writes the text of a walk (xml_walk.h) without a DOM. Not installed.
+//
+// Its text is that of the DOM writer, to the byte. Where it does not know what that would be, it gives up:
+// classes outside of the catalogue, names that are not plain, "]]>" in a CDATA section, white space that
+// pretty printing takes for its own.
+#pragma once
+
+#include <zqxml/catalogue/records.h>
+#include <zqxml/xml/encoding_flags.h>
+#include <zqxml/xml/internal/class_plan.h>
+#include <zqxml/xml/internal/text_writer.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+namespace zqxml {
+
+template <class Char>
+class TextSink {
+ public:
+  static constexpr bool kMayGiveUp = true;
+  using Name = PlannedName;
+  /// An element by its name: elements end in the order of their nesting, so nothing else is to be kept.
+  struct Node {
+    PlannedName name;
+    explicit operator bool() const { return name.text != nullptr; }
+  };
+  using Entry = Node;
+
+  explicit TextSink(const EncodingFlags& flags)
+      : elements_(flags.useElements),
+        pretty_(flags.readable),
+        masks_((flags.encoding_options & MASK_SENSITIVE) != 0) {}
+
+  void giveUp() { gaveUp_ = true; }
+  bool gaveUp() const { return gaveUp_; }
+
+  std::span<const PlannedField> fields(const XNMessageBase& message, const _ClassDef&) {
+    const ClassPlan* plan = ClassPlan::of(message);
+    if (plan == nullptr || !(masks_ ? plan->masksCertain : plan->certain)) {
+      giveUp();
+      return {};
+    }
+    return elements_ ? plan->declared : plan->attributesFirst;
+  }
+  static const FieldDef& field(const PlannedField& item) { return *item.field; }
+  static Name name(const PlannedField& item) { return item.name; }
+
+  template <class Value>
+  void scalar(Node parent, Name name, Value value) {
+    if (elements_) {
+      const Node child = element(parent, name);
+      content(value);
+      end(child);
+    } else {
+      attribute(name, value);
+    }
+  }
+  template <class Value>
+  void cdata(Node parent, Name name, Value value) {
+    const Node child = element(parent, name);
+    section(value);
+    end(child);
+  }
+  Node element(Node, Name name) {
+    endTag();
+    if (pretty_) breakLine();
+    writer_.putName("<", name, "");
+    ++level_;
+    tagOpen_ = true;
+    return {name};
+  }
+  template <class Value>
+  void entryValue(Node, Value value) {
+    if (elements_) {
+      content(value);
+    } else {
+      attribute(kVal, value);
+    }
+  }
+  template <class Value>
+  void entryCdata(Node, Value value) {
+    section(value);
+  }
+  Entry mapEntry(Node parent, Name name) { return element(parent, name); }
+  Node mapKey(Entry entry) { return element(entry, kMapKey); }
+  Node mapValue(Entry entry) { return element(entry, kMapValue); }
+  void endEntry(Entry entry) { end(entry); }
+
+  void end(Node node) {
+    --level_;
+    if (tagOpen_) {
+      writer_.putLiteral("/>");
+      tagOpen_ = false;
+    } else {
+      if (pretty_ && lastWasElement_) {
+        writer_.putLiteral("\n");
+        if (level_ == 0) writer_.putLiteral("\n");
+        writer_.putRepeated(' ', 2 * level_);
+      }
+      writer_.putName("</", node.name, ">");
+    }
+    lastWasElement_ = true;
+  }
+
+  // --- The document.
+
+  void declare() {
+    if constexpr (sizeof(Char) == 1)
+      writer_.putLiteral(R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)");
+    else
+      writer_.putLiteral(R"(<?xml version="1.0" encoding="UTF-16" standalone="no" ?>)");
+  }
+  void endDocument() {
+    if (pretty_) writer_.putLiteral("\n");
+  }
+  ChunkedText<Char>& text() { return writer_.text(); }
+
+ private:
+  // Behind each name is a block of bytes that may be copied with it.
+  static constexpr char kNames[] = "val\0__mapKey__\0__mapValue__\0                ";
+  static constexpr PlannedName kVal{kNames, 3};
+  static constexpr PlannedName kMapKey{kNames + 4, 10};
+  static constexpr PlannedName kMapValue{kNames + 15, 12};
+
+  /// The order of the fields has all attributes first; one that comes later is not what the plan says.
+  template <class Value>
+  void attribute(Name name, Value value) {
+    if (!tagOpen_) return giveUp();
+    writer_.putName(" ", name, "=\"");
+    writer_.put(value, TextPlace::attribute);
+    writer_.putLiteral("\"");
+  }
+  template <class Value>
+  void content(Value value) {
+    if (pretty_ && breaksLines(value)) giveUp();
+    endTag();
+    writer_.put(value, TextPlace::content);
+    lastWasElement_ = false;
+  }
+  template <class Value>
+  void section(Value value) {
+    if (endsSection(value)) giveUp();
+    endTag();
+    writer_.putLiteral("<![CDATA[");
+    writer_.put(value, TextPlace::section);
+    writer_.putLiteral("]]>");
+    lastWasElement_ = false;
+  }
+
+  template <class T>
+  static bool endsSection(TextValue<T> value) {
+    static constexpr T kEnd[] = {']', ']', '>'};
+    return value.text.find(kEnd, 0, 3) != value.text.npos;
+  }
+  template <class Value>
+  static bool endsSection(Value) {
+    return false;
+  }
+  /// A text of nothing but white space, with the end of a line in it.
+  template <class T>
+  static bool breaksLines(TextValue<T> value) {
+    const auto isBreak = [](T unit) { return unit == '\n' || unit == '\r'; };
+    const auto isBlank = [&](T unit) { return unit == ' ' || unit == '\t' || isBreak(unit); };
+    const auto text = value.text.substr(0, value.text.find(T{}));
+    return std::ranges::all_of(text, isBlank) && std::ranges::any_of(text, isBreak);
+  }
+  template <class Value>
+  static bool breaksLines(Value) {
+    return false;
+  }
+
+  void endTag() {
+    if (tagOpen_) writer_.putLiteral(">");
+    tagOpen_ = false;
+  }
+  void breakLine() {
+    writer_.putLiteral("\n");
+    if (level_ == 1) writer_.putLiteral("\n");
+    writer_.putRepeated(' ', 2 * level_);
+  }
+
+  const bool elements_;
+  const bool pretty_;
+  const bool masks_;
+  bool gaveUp_ = false;
+  /// The start tag of the innermost element is not ended.
+  bool tagOpen_ = false;
+  /// What came last inside of the innermost element was an element.
+  bool lastWasElement_ = false;
+  std::size_t level_ = 0;
+  TextWriter<Char> writer_;
+};
+
+}  // namespace zqxml
