@@ -1,43 +1,62 @@
-# What `cmake --install` puts where: library, headers, CMake package, pkg-config file, schema, tools.
+# What `cmake --install` puts where. Each component is a package of ZqxmlPackages.cmake:
+#
+#   runtime        the shared library
+#   texts          the texts of labels, by language
+#   development    headers, CMake package, pkg-config file, schema
+#   tools          zqcatc and zqmsg, and all that belongs to them
+#   documentation  what is read
+
+#
+# zqxml_shipped builds what is installed and nothing else.
 
 include(CMakePackageConfigHelpers)
+
+add_custom_target(zqxml_shipped DEPENDS ZqXMLMsgsBase zqxml_texts)
 
 set(zqxml_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/ZqXMLMsgsBase")
 set(zqxml_data_dir "${CMAKE_INSTALL_DATADIR}/zqxml")
 
 install(TARGETS ZqXMLMsgsBase EXPORT ZqXMLMsgsBaseTargets
-        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development)
+install(EXPORT ZqXMLMsgsBaseTargets NAMESPACE ZqXMLMsgsBase:: DESTINATION "${zqxml_package_dir}" COMPONENT development)
 foreach(tool zqcatc zqmsg)
   if(TARGET ${tool})
-    install(TARGETS ${tool} EXPORT ZqXMLMsgsBaseTargets RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+    add_dependencies(zqxml_shipped ${tool})
+    install(TARGETS ${tool} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
   endif()
 endforeach()
-install(EXPORT ZqXMLMsgsBaseTargets NAMESPACE ZqXMLMsgsBase:: DESTINATION "${zqxml_package_dir}")
 
 # Headers in internal/ are the library's own. Generated headers stand in the build tree under the same folders.
-foreach(root "${PROJECT_SOURCE_DIR}" "${PROJECT_BINARY_DIR}")
-  install(DIRECTORY "${root}/zqxml" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
-          FILES_MATCHING PATTERN "*.h" PATTERN "*.def" PATTERN "internal" EXCLUDE
-          PATTERN "CMakeFiles" EXCLUDE PATTERN "*.dir" EXCLUDE)
-endforeach()
-if(EXISTS "${PROJECT_SOURCE_DIR}/schema")
-  install(DIRECTORY "${PROJECT_SOURCE_DIR}/schema" DESTINATION "${zqxml_data_dir}"
-          FILES_MATCHING PATTERN "*.xml" PATTERN "*.xsd")
-endif()
-# What the library's own catalogue was made of stays together: programs compile theirs on top of it.
-if(ZQXML_EXTRA_SCHEMA)
-  install(DIRECTORY "${ZQXML_EXTRA_SCHEMA}/" DESTINATION "${zqxml_data_dir}/schema" FILES_MATCHING PATTERN "*.xml")
-endif()
+install(DIRECTORY zqxml DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development
+        FILES_MATCHING PATTERN "*.h" PATTERN "*.def" PATTERN "internal" EXCLUDE)
+install(DIRECTORY "${PROJECT_BINARY_DIR}/zqxml/catalogue/generated"
+        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zqxml/catalogue" COMPONENT development FILES_MATCHING PATTERN "*.h")
 
+# What the library's own catalogue was made of stays together: programs compile theirs on top of it.
+set(zqxml_schema_folders schema/)
+if(ZQXML_EXTRA_SCHEMA)
+  list(APPEND zqxml_schema_folders "${ZQXML_EXTRA_SCHEMA}/")
+endif()
+install(DIRECTORY ${zqxml_schema_folders} DESTINATION "${zqxml_data_dir}/schema" COMPONENT development
+        FILES_MATCHING PATTERN "*.xml" PATTERN "*.xsd" PATTERN "locale" EXCLUDE)
+
+# All paths in what users' builds read are told from the place of the file, so that the tree may be moved.
+file(RELATIVE_PATH zqxml_package_to_prefix "${CMAKE_INSTALL_PREFIX}/${zqxml_package_dir}" "${CMAKE_INSTALL_PREFIX}")
 configure_package_config_file(cmake/ZqXMLMsgsBaseConfig.cmake.in "${PROJECT_BINARY_DIR}/ZqXMLMsgsBaseConfig.cmake"
-                              INSTALL_DESTINATION "${zqxml_package_dir}" PATH_VARS zqxml_data_dir)
+                              INSTALL_DESTINATION "${zqxml_package_dir}")
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/ZqXMLMsgsBaseConfigVersion.cmake"
                                  COMPATIBILITY SameMajorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/ZqXMLMsgsBaseConfig.cmake" "${PROJECT_BINARY_DIR}/ZqXMLMsgsBaseConfigVersion.cmake"
+              cmake/ZqxmlCatalogue.cmake
+        DESTINATION "${zqxml_package_dir}" COMPONENT development)
 file(RELATIVE_PATH zqxml_pc_to_prefix "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 configure_file(cmake/zqxmlmsgsbase.pc.in "${PROJECT_BINARY_DIR}/zqxmlmsgsbase.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/ZqXMLMsgsBaseConfig.cmake" "${PROJECT_BINARY_DIR}/ZqXMLMsgsBaseConfigVersion.cmake"
-        DESTINATION "${zqxml_package_dir}")
-install(FILES "${PROJECT_BINARY_DIR}/zqxmlmsgsbase.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
-if(EXISTS "${PROJECT_SOURCE_DIR}/cmake/ZqxmlCatalogue.cmake")
-  install(FILES cmake/ZqxmlCatalogue.cmake DESTINATION "${zqxml_package_dir}")
-endif()
+install(FILES "${PROJECT_BINARY_DIR}/zqxmlmsgsbase.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
+        COMPONENT development)
+
+# The guide, with links that lead from one page to the other, and the programs to start from.
+install(FILES README.md SECURITY.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
+install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
+        FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "*.svg")
+install(DIRECTORY examples DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
+        PATTERN "CMakeLists.txt" EXCLUDE)

@@ -20,6 +20,14 @@ option(ZQXML_FUZZ "Build the fuzz targets with libFuzzer (needs Clang)" OFF)
 option(ZQXML_THREAD_TESTS_ONLY "Build and register only test programs with a test of threads" OFF)
 option(ZQXML_WERROR "Warnings are errors" ON)
 
+# Folders as Debian has them, whatever the prefix: what is installed by hand and what is packaged are laid out alike. "lib"
+# is what nobody asked for.
+if(CMAKE_LIBRARY_ARCHITECTURE AND (NOT CMAKE_INSTALL_LIBDIR OR CMAKE_INSTALL_LIBDIR STREQUAL "lib"))
+  set(CMAKE_INSTALL_LIBDIR "lib/${CMAKE_LIBRARY_ARCHITECTURE}")
+endif()
+if(NOT CMAKE_INSTALL_DOCDIR)
+  set(CMAKE_INSTALL_DOCDIR share/doc/libzqxmlmsgsbase-doc)
+endif()
 include(GNUInstallDirs)
 include(CheckLinkerFlag)
 
@@ -53,6 +61,13 @@ if(ZQXML_COVERAGE)
 endif()
 add_compile_options(${zqxml_instrument})
 add_link_options(${zqxml_instrument})
+
+# What is shipped checks what it can at little cost: the bounds of known buffers, its stack, and a table of functions that
+# is sealed once it is filled.
+if(CMAKE_BUILD_TYPE STREQUAL "Release")
+  add_compile_options(-fstack-protector-strong -D_FORTIFY_SOURCE=2)
+  add_link_options("-Wl,-z,relro,-z,now")
+endif()
 
 # The tables of the catalogue are nothing but pointers: packed, their relocations take a tenth of the room.
 check_linker_flag(CXX "-Wl,-z,pack-relative-relocs" ZQXML_HAVE_PACK_RELATIVE_RELOCS)
