@@ -34,7 +34,7 @@ class ZQXML_EXPORT ZqXMLRenderContext {
   ZqXMLRenderContext(ZqXMLRenderContext&&) = default;
   ZqXMLRenderContext& operator=(const ZqXMLRenderContext&) = default;
   ZqXMLRenderContext& operator=(ZqXMLRenderContext&&) = default;
-  virtual ~ZqXMLRenderContext() = default;
+  virtual ~ZqXMLRenderContext();
 
   ContextFormatOpts getFormatOptions() const { return formatOptions; }
 
