@@ -94,7 +94,7 @@ class CheckTest : public testing::Test {
 };
 
 TEST_F(CheckTest, SaysNothingOfATreeThatKeepsTheRules) {
-  plant("zqxml/binary/fine.h", "#include <xercesc/util/XercesDefs.hpp>\n#include <zqxml/message/fine.h>\n");
+  plant("zqxml/binary/fine.h", "#include <zqxml/message/fine.h>\n\n#include <xercesc/util/XercesDefs.hpp>\n");
   plant("zqxml/binary/internal/fine.h", "#include <spdlog/spdlog.h>\n");
   plant("zqxml/message/fine.h", "#include <zqxml/logging/xml_log_context.h>\n");
   plant("zqxml/xml/fine.cc", functionOf(59) + lines(339, "// A line."));
@@ -134,9 +134,10 @@ INSTANTIATE_TEST_SUITE_P(
                 "1: layers: "},
         Offence{"layers", "zqxml/logging/xml_log_context.h", "#include <zqxml/logging/other.h>\n",
                 "1: layers: "},
-        Offence{"public", "zqxml/platform/log.h", "#include <string>\n#include <spdlog/spdlog.h>\n",
+        Offence{"public", "zqxml/platform/log.h", "#pragma once\n#include <spdlog/spdlog.h>\n",
                 "2: public: includes spdlog/spdlog.h"},
-        Offence{"public", "zqxml/binary/bytes.h", "#include <zqxml/binary/internal/cursor.h>\n", "1: public: "},
+        Offence{"public", "zqxml/binary/bytes.h", "#include <zqxml/binary/internal/cursor.h>\n",
+                "1: public: "},
         Offence{"field-types", "tools/zqmsg/kinds.cc",
                 "int of(int t) {\n  switch (t) {\n    case FDT_INT:\n      return 1;\n  }\n}\n",
                 "3: field-types: switches over field types"},
