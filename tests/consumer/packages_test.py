@@ -174,8 +174,8 @@ class Packages(unittest.TestCase):
     def test_Builds_are_asked_for_Xerces_and_for_nothing_else(self):
         development = scratch / 'libzqxmlmsgsbase-dev'
         pc, = development.glob('usr/lib/*/pkgconfig/*.pc')
-        self.assertEqual(re.findall(r'^Requires.*|^Libs.*', pc.read_text(), re.M),
-                         ['Requires: xerces-c >= 3.2', 'Libs: -L${libdir} -lZqXMLMsgsBase'])
+        self.assertEqual(re.findall(r'^(?:prefix|Requires|Libs).*', pc.read_text(), re.M),
+                         ['prefix=/usr', 'Requires: xerces-c >= 3.2', 'Libs: -L${libdir} -lZqXMLMsgsBase'])
         folder, = development.glob('usr/lib/*/cmake/ZqXMLMsgsBase')
         text = ''.join(path.read_text() for path in folder.glob('*.cmake'))
         self.assertEqual(re.findall(r'^ *find_(?:dependency|package)\((\S+)', text, re.M), ['XercesC'])
@@ -206,7 +206,8 @@ class Programs(unittest.TestCase):
             library, = self.root.glob('usr/lib/*-linux-gnu')
             self.environment |= {
                 'CPATH': f'{self.root}/usr/include', 'LIBRARY_PATH': str(library), 'LD_LIBRARY_PATH': str(library),
-                'PKG_CONFIG_PATH': f'{library}/pkgconfig', 'CMAKE_PREFIX_PATH': str(self.root),
+                'PKG_CONFIG_PATH': f'{library}/pkgconfig', 'PKG_CONFIG_SYSROOT_DIR': str(self.root),
+                'CMAKE_PREFIX_PATH': str(self.root),
                 'PATH': f'{self.root}/usr/bin:{os.environ["PATH"]}'}
 
     def run_here(self, command):
