@@ -1,7 +1,12 @@
-// Everything that the library offers, for programs that do not mind what they include.
-//
-// The order of reading: xml/xml_encoder.h and xml/xml_decoder.h to write and read messages,
-// message/xn_message_base.h for what a message is, catalogue/records.h for what describes it.
+/// @file
+/// Everything that the library offers, for programs that do not mind what they include.
+///
+/// The order of reading: xml/xml_encoder.h and xml/xml_decoder.h to write and read messages,
+/// message/xn_message_base.h for what a message is, catalogue/records.h for what describes it.
+///
+/// @namespace zqxml
+/// Everything that the library offers. Each subsystem of the catalogue is a namespace in it, with its typed
+/// classes.
 #pragma once
 
 #include <zqxml/annotation/annotation_base.h>

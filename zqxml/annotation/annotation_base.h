@@ -10,9 +10,12 @@ namespace zqxml {
 /// A message of subsystem Annotation that XMLDecoder::FillAnnotation can fill; adds no fields.
 class ZQXML_EXPORT AnnotationBase : public XNMessageBase {
  public:
+  /// @{
+  /// As the constructors of XNMessageBase: in storage of its own, or in a block of the caller's.
   AnnotationBase(int subsystem, int classIndex) : XNMessageBase(subsystem, classIndex) {}
   AnnotationBase(int subsystem, int classIndex, std::int64_t* block, int blockSize)
       : XNMessageBase(subsystem, classIndex, block, blockSize) {}
+  /// @}
 };
 
 }  // namespace zqxml

@@ -1,18 +1,19 @@
-// The annotation record: what the schema says about a field beyond its type, packed beside the field.
-//
-// Byte order: big-endian. A record stands in constant memory and tells its own length:
-//
-//   0  2  length of the record, these two bytes included; below 3 the record says nothing
-//   2  1  flag byte 0: bits 7-4 password type, 3 ZQTime, 2 Suppress, 1-0 XDate's type
-//   3  1  flag byte 1: 7 GenPath, 6 HideInReports, 5 SingleInstanced, 4 CommandParam, 3 Text,
-//                      2 SearchCriteriaDef, 1 StoredProcedure, 0 IndexAttr
-//   4  1  flag byte 2: 7 MarkAsCDATA, 6 Sensitive, 0 IndexAttr's value
-//   5  .  sections of Text, CommandParam, SearchCriteriaDef, StoredProcedure, those that flag byte 1 names
-//
-// Flag bytes that the length does not cover are 0. A string is a 2-byte length and its bytes, no terminator.
-// The forms of the sections stand beside their functions in internal/annotation_sections.h.
-// XMLDecoder::FillAnnotation gives the same as messages of subsystem Annotation; the codecs read the flags
-// here. Nothing fails or logs; safe from any thread.
+/// @file
+/// The annotation record: what the schema says about a field beyond its type, packed beside the field.
+///
+/// Byte order: big-endian. A record stands in constant memory and tells its own length:
+///
+///     0  2  length of the record, these two bytes included; below 3 the record says nothing
+///     2  1  flag byte 0: bits 7-4 password type, 3 ZQTime, 2 Suppress, 1-0 XDate's type
+///     3  1  flag byte 1: 7 GenPath, 6 HideInReports, 5 SingleInstanced, 4 CommandParam, 3 Text,
+///                        2 SearchCriteriaDef, 1 StoredProcedure, 0 IndexAttr
+///     4  1  flag byte 2: 7 MarkAsCDATA, 6 Sensitive, 0 IndexAttr's value
+///     5  .  sections of Text, CommandParam, SearchCriteriaDef, StoredProcedure, those that flag byte 1 names
+///
+/// Flag bytes that the length does not cover are 0. A string is a 2-byte length and its bytes, no terminator.
+/// The forms of the sections stand beside their functions in internal/annotation_sections.h.
+/// XMLDecoder::FillAnnotation gives the same as messages of subsystem Annotation; the codecs read the flags
+/// here. Nothing fails or logs; safe from any thread.
 #pragma once
 
 #include <zqxml/catalogue/records.h>
@@ -33,10 +34,13 @@ inline constexpr FieldTypeSet kNeverCdataTypes =
 
 /// Where the flag of an annotation stands: in flag byte 0, 1 or 2, under these bits.
 struct AnnotationFlag {
-  unsigned byte;
-  unsigned mask;
+  unsigned byte;  ///< 0, 1 or 2
+  unsigned mask;  ///< of its bits
 };
+/// The flags by the names of their annotations.
 namespace annotation_flag {
+/// @{
+/// An annotation each, as the schema and the table above name them.
 inline constexpr AnnotationFlag kPassword{0, 0xf0};
 inline constexpr AnnotationFlag kZQTime{0, 0x08};
 inline constexpr AnnotationFlag kSuppress{0, 0x04};
@@ -51,6 +55,7 @@ inline constexpr AnnotationFlag kStoredProcedure{1, 0x02};
 inline constexpr AnnotationFlag kIndexAttr{1, 0x01};
 inline constexpr AnnotationFlag kMarkAsCDATA{2, 0x80};
 inline constexpr AnnotationFlag kSensitive{2, 0x40};
+/// @}
 /// The value of IndexAttr, no annotation of its own.
 inline constexpr AnnotationFlag kIndexedMetadata{2, 0x01};
 }  // namespace annotation_flag
@@ -63,6 +68,7 @@ class AnnotationRecord {
   /// The record at `record`, which is null or has as many bytes as its length says, and two at least.
   constexpr explicit AnnotationRecord(const char* record)
       : AnnotationRecord(record, record == nullptr ? 0 : std::numeric_limits<std::size_t>::max()) {}
+  /// The record of a field.
   constexpr explicit AnnotationRecord(const FieldDef& field) : AnnotationRecord(field.getAnnotationFlags()) {}
   /// The record at the start of `bytes`, cut where these end.
   constexpr explicit AnnotationRecord(std::string_view bytes)
@@ -70,6 +76,7 @@ class AnnotationRecord {
 
   /// Bytes of the record, length word included; 0 when it says nothing.
   constexpr std::size_t size() const { return size_; }
+  /// Whether the record says anything.
   constexpr bool exists() const { return size_ != 0; }
   /// All bytes, length word included.
   constexpr std::string_view bytes() const { return {record_, size_}; }
@@ -78,6 +85,7 @@ class AnnotationRecord {
   constexpr unsigned flags(unsigned number) const {
     return hasFlags(number) ? static_cast<unsigned char>(record_[2 + number]) : 0;
   }
+  /// Whether the record reaches to that flag byte.
   constexpr bool hasFlags(unsigned number) const { return size_ > 2 + number; }
   /// Whether any bit of the flag is set.
   constexpr bool has(AnnotationFlag flag) const { return (flags(flag.byte) & flag.mask) != 0; }
@@ -88,6 +96,7 @@ class AnnotationRecord {
   constexpr int passwordType() const { return static_cast<int>(flags(0) >> 4); }
   /// The value is seconds within a day.
   constexpr bool isTime() const { return has(annotation_flag::kZQTime); }
+  /// Summaries leave the field out.
   constexpr bool isSuppressed() const { return has(annotation_flag::kSuppress); }
   /// Annotation::DateType: 1 date and time, 2 date, 3 unused; 0 when the field is not a date.
   constexpr unsigned dateType() const { return flags(0) & annotation_flag::kXDate.mask; }
@@ -96,13 +105,16 @@ class AnnotationRecord {
 
   /// The paths below the field are told without being asked for.
   constexpr bool generatesPaths() const { return has(annotation_flag::kGenPath); }
+  /// Reports leave the field out.
   constexpr bool isHiddenInReports() const { return has(annotation_flag::kHideInReports); }
+  /// XPathMetaData::singleInstanced of the field's value.
   constexpr bool isSingleInstanced() const { return has(annotation_flag::kSingleInstanced); }
 
   // Flag byte 2.
 
   /// The value goes into a CDATA section.
   constexpr bool isCdata() const { return has(annotation_flag::kMarkAsCDATA); }
+  /// Masked texts hide the value, if it is a single one.
   constexpr bool isSensitive() const { return has(annotation_flag::kSensitive); }
   /// Value of IndexAttr, where flag byte 1 has that annotation.
   constexpr bool indexedMetadata() const { return has(annotation_flag::kIndexedMetadata); }
@@ -127,14 +139,20 @@ class AnnotationCursor {
   /// Position of the first section.
   static constexpr std::size_t kSections = 5;
 
+  /// At the first section.
   constexpr explicit AnnotationCursor(const AnnotationRecord& record)
       : bytes_(record.bytes()), position_(kSections) {}
 
+  /// Offset in the record, in bytes, of what is read next.
   constexpr std::size_t position() const { return position_; }
+  /// Whether a read went beyond the record.
   constexpr bool failed() const { return failed_; }
 
+  /// @{
+  /// A number of one byte, and of four, big-endian.
   constexpr unsigned byte() { return number(1); }
   constexpr std::uint32_t word32() { return number(4); }
+  /// @}
   /// Two bytes of length and the text, which lies in the record.
   constexpr std::string_view text() { return take(number(2)); }
   /// Moves on without a look at what is there; a position past the end fails only with the next read.

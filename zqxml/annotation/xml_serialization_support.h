@@ -14,20 +14,21 @@ class XNMessageBase;
 /// What a listener receives: the field about to be written (a copy), its object (borrowed) and the listeners'
 /// verdict.
 struct ListenerCbData {
-  FieldDef field;
-  XNMessageBase* msg = nullptr;
-  std::uint32_t flags = 0;
+  FieldDef field;                ///< about to be written
+  XNMessageBase* msg = nullptr;  ///< the object that it is in
+  std::uint32_t flags = 0;       ///< XMLCB_SKIP_PROCESSING leaves the field out
 };
 
 /// Stored in ListenerCbData::flags it leaves the field out; any other value lets it be written.
 inline constexpr std::uint32_t XMLCB_SKIP_PROCESSING = 1;
 
-/// The bool result is ignored; the verdict goes into flags.
+/// A listener. Its result is ignored; the verdict goes into ListenerCbData::flags. What it throws ends the
+/// call that writes (XN_MSG_FAILED).
 using ListenerFunction = bool (*)(ListenerCbData&);
 
-/// Face of the one process-wide registry: every instance (any encoder or serializer too) acts on the same
-/// lists. Threads: the registry has no lock; register before threads start writing. A listener runs on the
-/// writer's thread.
+/// Registers listeners, which see each field that is written to XML. Face of the one process-wide registry:
+/// every instance (any encoder or serializer too) acts on the same lists. Threads: the registry has no lock;
+/// register before threads start writing. A listener runs on the writer's thread.
 class ZQXML_EXPORT XMLSerializationSupport {
  public:
   /// XMLSerializer::initialize.

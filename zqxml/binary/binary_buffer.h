@@ -1,9 +1,4 @@
 // BinaryBuffer: the byte area that holds one message in binary form.
-//
-// It owns its memory, or borrows it from the caller. Owned memory comes from the C heap (malloc, realloc,
-// free), so that a caller can hand such a block over, or take one, without knowing this class. Sizes are
-// bytes. Nothing logs or throws: an operation that fails says so by its result or leaves the buffer not set.
-// One thread at a time.
 #pragma once
 
 #include <zqxml/platform/export.h>
@@ -13,6 +8,12 @@
 
 namespace zqxml {
 
+/// The byte area that holds one message in binary form.
+///
+/// It owns its memory, or borrows it from the caller. Owned memory comes from the C heap (malloc, realloc,
+/// free), so that a caller can hand such a block over, or take one, without knowing this class. Sizes are
+/// bytes. Nothing logs or throws: an operation that fails says so by its result or leaves the buffer not set.
+/// One thread at a time.
 class ZQXML_EXPORT BinaryBuffer {
  public:
   /// Empty: no memory, sizes 0, not external.
@@ -41,6 +42,7 @@ class ZQXML_EXPORT BinaryBuffer {
   /// later call within that capacity is true and still without memory: look at isSet().
   bool resizeBuffer(std::size_t newSize);
 
+  /// The memory, null when there is none. It stays the buffer's, or the caller's if it is external.
   char* getBuffer() const { return buffer_; }
   /// Capacity.
   std::uint64_t getBufferSize() const { return bufferSize_; }
@@ -48,6 +50,7 @@ class ZQXML_EXPORT BinaryBuffer {
   std::uint64_t getDataSize() const { return dataSize_; }
   /// Not checked against the capacity; Status() tells.
   void setDataSize(std::size_t size) { dataSize_ = size; }
+  /// Whether the memory is borrowed.
   bool HasExternalBuffer() const { return external_; }
   /// True with memory and a capacity above 0.
   bool isSet() const { return buffer_ != nullptr && bufferSize_ != 0; }

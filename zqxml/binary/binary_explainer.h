@@ -1,7 +1,9 @@
-// The explainer of binary messages: what every byte of a buffer in binary form is.
-//
-// It is the decoder itself, watched: what it tells is what BinarySerializer::unserialize does with these
-// bytes, unknown fields, damaged input and oddities of the form included. docs/wire-format.md tells the form.
+/// @file
+/// The explainer of binary messages: what every byte of a buffer in binary form is.
+///
+/// It is the decoder itself, watched: what it tells is what BinarySerializer::unserialize does with these
+/// bytes, unknown fields, damaged input and oddities of the form included. docs/wire-format.md tells the
+/// form.
 #pragma once
 
 #include <zqxml/platform/export.h>

@@ -1,16 +1,5 @@
 // BinarySerializer: messages to and from the binary form. Byte order: little-endian; docs/wire-format.md
 // tells the form.
-//
-// Writing makes two passes over the object, size and write, so that the buffer is allocated once and exactly.
-// Reading is tolerant of schema drift: a field travels under the 24-bit hash of its name, fields may come in
-// any order, and an unknown one is skipped by the encoding in its key.
-//
-// Version: 2 when none is given. From 2 on binary strings travel as Base64, and passwords in the encrypted
-// form that their field's annotation asks for; at 1 and below both travel as they stand.
-//
-// Failure: serialize gives 0, unserialize -1 or null, each with a level 0 line under the operation's name.
-// Nothing throws. Threads: no state; different objects may be handled at once. Writing stores cached sizes in
-// the object and its sub-objects, so one object is written by one thread at a time.
 #pragma once
 
 #include <zqxml/binary/binary_buffer.h>
@@ -27,14 +16,27 @@ class XNMessageBase;
 class ZqXMLContextInfo;
 struct EncodingFlags;
 
+/// Messages to and from the binary form. Byte order: little-endian; docs/wire-format.md tells the form.
+///
+/// Writing makes two passes over the object, size and write, so that the buffer is allocated once and
+/// exactly. Reading is tolerant of schema drift: a field travels under the 24-bit hash of its name, fields
+/// may come in any order, and an unknown one is skipped by the encoding in its key.
+///
+/// Version: 2 when none is given. From 2 on binary strings travel as Base64, and passwords in the encrypted
+/// form that their field's annotation asks for; at 1 and below both travel as they stand.
+///
+/// Failure: serialize gives 0, unserialize -1 or null, each with a level 0 line under the operation's name.
+/// Nothing throws. Threads: no state; different objects may be handled at once. Writing stores cached sizes
+/// in the object and its sub-objects, so one object is written by one thread at a time.
 class ZQXML_EXPORT BinarySerializer {
  public:
   /// What password fields need from the caller of serialize. Both are borrowed and may be null.
   struct BinarySerializerParameters {
-    const EncodingFlags* encodingFlags = nullptr;
-    ZqXMLContextInfo* contextInfo = nullptr;
+    const EncodingFlags* encodingFlags = nullptr;  ///< tells the password type
+    ZqXMLContextInfo* contextInfo = nullptr;       ///< for the password routines
   };
 
+  /// @{
   /// Writes header and body into `buffer` and returns the buffer's data size, 0 on failure.
   ///
   /// An owned buffer gets a new block of exactly the size of the form. External memory is written to when it
@@ -47,6 +49,7 @@ class ZQXML_EXPORT BinarySerializer {
   static std::uint64_t serialize(XNMessageBase& object, BinaryBuffer& buffer, int version);
   static std::uint64_t serialize(XNMessageBase& object, BinaryBuffer& buffer, int version,
                                  const BinarySerializerParameters* parameters);
+  /// @}
 
   /// Fills `object` from the content of `buffer`: 0, or -1 on failure. The tag id in the buffer must be the
   /// object's. Earlier values are gone, fields that the buffer does not hold included, unless `keepExisting`.

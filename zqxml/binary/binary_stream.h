@@ -1,11 +1,12 @@
-// BinaryStream: a cursor over a byte range, with the four codings of the binary form.
-//
-// Fixed widths are little-endian; float and double are their IEEE 754 bits. A varint is a 32-bit value in
-// groups of seven bits, lowest first, bit 7 of a byte saying that another one follows: 1 to 5 bytes. A signed
-// varint is the varint of the zigzag form, which sends 0, -1, 1, -2 to 0, 1, 2, 3.
-//
-// A stream borrows its bytes and lives on the stack for one call. Every read and write returns the number of
-// bytes that it took or needed. Nothing logs, throws or allocates.
+/// @file
+/// BinaryStream: a cursor over a byte range, with the four codings of the binary form.
+///
+/// Fixed widths are little-endian; float and double are their IEEE 754 bits. A varint is a 32-bit value in
+/// groups of seven bits, lowest first, bit 7 of a byte saying that another one follows: 1 to 5 bytes. A
+/// signed varint is the varint of the zigzag form, which sends 0, -1, 1, -2 to 0, 1, 2, 3.
+///
+/// A stream borrows its bytes and lives on the stack for one call. Every read and write returns the number of
+/// bytes that it took or needed. Nothing logs, throws or allocates.
 #pragma once
 
 #include <algorithm>
@@ -16,6 +17,8 @@
 
 namespace zqxml {
 
+/// A cursor over bytes that it borrows, with the codings of the binary form.
+///
 /// Reads are NOT checked against the limit: the caller must know that the bytes are there. Writes are: a
 /// value that does not fit below the limit is not stored, never in part, and the position moves on all the
 /// same, so that a stream over too small a range counts what it would have taken.
@@ -24,15 +27,21 @@ class BinaryStream {
   /// Bytes of the longest varint.
   static constexpr unsigned kMaxVarint = 5;
 
+  /// Over the bytes from `buffer` to `buffer + limit`, which are borrowed.
   BinaryStream(char* buffer, std::uint64_t limit, std::uint64_t position = 0)
       : buffer_(buffer), limit_(limit), position_(position) {}
 
+  /// @{
+  /// The bytes, how many they are, and the place among them that is read or written next.
   char* buffer() const { return buffer_; }
   std::uint64_t limit() const { return limit_; }
   std::uint64_t position() const { return position_; }
+  /// @}
   /// Bytes between position and limit; 0 beyond the limit.
   std::uint64_t remaining() const { return position_ < limit_ ? limit_ - position_ : 0; }
 
+  /// @{
+  /// Read a value and move on. Returned is what was taken.
   unsigned readFixed32(std::uint32_t& value) { return readFixed(value); }
   unsigned readFixed64(std::uint64_t& value) { return readFixed(value); }
   unsigned readFloat(float& value) {
@@ -47,6 +56,7 @@ class BinaryStream {
     value = std::bit_cast<double>(bits);
     return sizeof value;
   }
+  /// @}
   /// Stops after five bytes whatever the fifth holds; what does not fit 32 bits falls away.
   unsigned readVarint32(std::uint32_t& value) {
     const auto* bytes = reinterpret_cast<const unsigned char*>(buffer_ + position_);
@@ -59,6 +69,7 @@ class BinaryStream {
     position_ += size;
     return size;
   }
+  /// The same for a signed varint.
   unsigned readSignedVarint32(std::int32_t& value) {
     std::uint32_t encoded;
     const unsigned size = readVarint32(encoded);
@@ -66,6 +77,8 @@ class BinaryStream {
     return size;
   }
 
+  /// @{
+  /// Write a value, if it fits, and move on. Returned is what it takes.
   unsigned writeFixed32(std::uint32_t value) { return writeFixed(value); }
   unsigned writeFixed64(std::uint64_t value) { return writeFixed(value); }
   unsigned writeFloat(float value) { return writeFixed(std::bit_cast<std::uint32_t>(value)); }
@@ -89,6 +102,7 @@ class BinaryStream {
     if (place != nullptr && size != 0) std::memcpy(place, bytes, size);
     return size;
   }
+  /// @}
 
   /// Moves on as a write of `size` bytes does; the place to store them, or null when they do not fit.
   char* claim(std::size_t size) {
@@ -109,12 +123,15 @@ class BinaryStream {
   /// Bytes that writeSignedVarint32 needs.
   static constexpr unsigned signedVarint32Size(std::int32_t value) { return varint32Size(zigzag(value)); }
 
+  /// @{
+  /// The zigzag form of a number, and the number again.
   static constexpr std::uint32_t zigzag(std::int32_t value) {
     return (static_cast<std::uint32_t>(value) << 1) ^ (value < 0 ? ~0u : 0u);
   }
   static constexpr std::int32_t unzigzag(std::uint32_t encoded) {
     return static_cast<std::int32_t>((encoded >> 1) ^ (0u - (encoded & 1)));
   }
+  /// @}
 
   /// Moves on by `size` bytes when that many are left; otherwise false, and the position stays.
   bool skip(std::size_t size) {

@@ -1,20 +1,22 @@
-// Field types: the type byte of a catalogue field and everything that follows from it.
-//
-// Three doors, all generated from field_types.def:
-//   kFieldTypes[]   facts about one type (text, slots, wire encoding, classification)
-//   FieldTypeSet    a question about a type, as one 64-bit word
-//   visitStorage()  work on a value: calls a handler with the storage of the type, that is shape and element
-//
-// visitStorage holds the only switch over field types in the program. A handler is a class (or a set of
-// lambdas) with one call operator per shape, templated on the element where that makes no difference:
-//
-//   struct SlotCleaner {
-//     void operator()(Nothing) {}
-//     template <class E> void operator()(Scalar<E>) { ... typename E::Value ... }
-//     template <class E> void operator()(List<E>) { ... std::vector<typename E::Value> ... }
-//   };
-//
-// All of it is constant and safe from any thread.
+/// @file
+/// Field types: the type byte of a catalogue field and everything that follows from it.
+///
+/// Three doors, all generated from field_types.def:
+/// - kFieldTypes, facts about one type (text, slots, wire encoding, classification);
+/// - FieldTypeSet, a question about a type, as one 64-bit word;
+/// - visitStorage(), work on a value: calls a handler with the storage of the type, that is shape and
+/// element.
+///
+/// visitStorage holds the only switch over field types in the program. A handler is a class (or a set of
+/// lambdas) with one call operator per shape, templated on the element where that makes no difference:
+///
+///     struct SlotCleaner {
+///       void operator()(Nothing) {}
+///       template <class E> void operator()(Scalar<E>) { ... typename E::Value ... }
+///       template <class E> void operator()(List<E>) { ... std::vector<typename E::Value> ... }
+///     };
+///
+/// All of it is constant and safe from any thread.
 #pragma once
 
 #include <array>
@@ -32,7 +34,9 @@ class XNMessageBase;
 class bstring;
 class pstring;
 
-/// The type byte of a field record.
+/// The type byte of a field record, an enumerator for each row of this table:
+///
+/// @include catalogue/field_types.def
 enum FieldDataType : std::uint8_t {
 #define ZQXML_FIELD_TYPE(value, name, text, slots, flags, enc, ...) name = (value),
 #include <zqxml/catalogue/field_types.def>
@@ -52,112 +56,133 @@ enum BinaryEncodingType : std::uint8_t {
   BinaryEncodingUnknown = 7,          ///< nothing: the type has no encoding
 };
 
-// Elements: what one value, one list entry or one side of a map is. `Value` is its C++ type. The element of a
-// scalar tells how the 64-bit slot is to be read; the slot itself is always 8 bytes.
+/// Elements: what one value, one list entry or one side of a map is. The element of a scalar tells how the
+/// 64-bit slot is to be read; the slot itself is always 8 bytes.
 namespace element {
+/// A signed number of 32 bits; times too.
 struct Int32 {
-  using Value = std::int32_t;
+  using Value = std::int32_t;  ///< its C++ type
 };
+/// An unsigned number of 32 bits.
 struct UInt32 {
-  using Value = std::uint32_t;
+  using Value = std::uint32_t;  ///< its C++ type
 };
+/// A signed number of 64 bits; times too.
 struct Int64 {
-  using Value = std::int64_t;
+  using Value = std::int64_t;  ///< its C++ type
 };
+/// An unsigned number of 64 bits.
 struct UInt64 {
-  using Value = std::uint64_t;
+  using Value = std::uint64_t;  ///< its C++ type
 };
+/// A truth value; lists hold any number.
 struct Bool {
-  using Value = std::uint32_t;
+  using Value = std::uint32_t;  ///< its C++ type
 };
+/// An enumerator by its value. Lists of them have UInt32.
 struct Enum {
-  using Value = std::int32_t;
+  using Value = std::int32_t;  ///< its C++ type
 };
+/// A floating-point number of 64 bits (IEEE 754).
 struct Double {
-  using Value = double;
+  using Value = double;  ///< its C++ type
 };
+/// A floating-point number of 32 bits (IEEE 754).
 struct Float {
-  using Value = float;
+  using Value = float;  ///< its C++ type
 };
+/// A text in UTF-8.
 struct Str {
-  using Value = std::string;
+  using Value = std::string;  ///< its C++ type
 };
+/// A text in UTF-16.
 struct WStr {
-  using Value = std::u16string;
+  using Value = std::u16string;  ///< its C++ type
 };
+/// A string of any bytes.
 struct BStr {
-  using Value = bstring;
+  using Value = bstring;  ///< its C++ type
 };
+/// A password with its encryption type.
 struct PStr {
-  using Value = pstring;
+  using Value = pstring;  ///< its C++ type
 };
+/// A message.
 struct Obj {
-  using Value = XNMessageBase;
+  using Value = XNMessageBase;  ///< its C++ type
 };
 
 /// Elements that a scalar field keeps as a 64-bit integer in its slot.
 template <class E>
 concept Integer = std::same_as<E, Int32> || std::same_as<E, UInt32> || std::same_as<E, Int64> ||
     std::same_as<E, UInt64> || std::same_as<E, Bool> || std::same_as<E, Enum>;
+/// Elements that are floating-point numbers.
 template <class E>
 concept Floating = std::same_as<E, Double> || std::same_as<E, Float>;
+/// Elements that are numbers of any kind.
 template <class E>
 concept Number = Integer<E> || Floating<E>;
 }  // namespace element
 
 // Shapes: how a field's slots hold its value.
 
-/// No value: the type stores nothing (its slot, if it has one, stays zero).
+/// The shape of no value: the type stores nothing (its slot, if it has one, stays zero).
 struct Nothing {};
 /// The number itself in one slot.
 template <class E>
 struct Scalar {
-  using Element = E;
-  using Value = typename E::Value;
+  using Element = E;                ///< of the value, or of each in it
+  using Value = typename E::Value;  ///< the C++ type of the whole
 };
 /// A std::string or std::u16string constructed directly in four slots; always exists.
 template <class E>
 struct InPlace {
-  using Element = E;
-  using Value = typename E::Value;
+  using Element = E;                ///< of the value, or of each in it
+  using Value = typename E::Value;  ///< the C++ type of the whole
 };
 /// One slot owning a bstring or pstring; always exists in an object with owned content.
 template <class E>
 struct Owned {
-  using Element = E;
-  using Value = typename E::Value;
+  using Element = E;                ///< of the value, or of each in it
+  using Value = typename E::Value;  ///< the C++ type of the whole
 };
 /// One slot owning a vector; null until it exists.
 template <class E>
 struct List {
-  using Element = E;
-  using Value = std::vector<typename E::Value>;
+  using Element = E;                             ///< of the value, or of each in it
+  using Value = std::vector<typename E::Value>;  ///< the C++ type of the whole
 };
 /// One slot owning an ordered map; null until it exists.
 template <class K, class V>
 struct Map {
-  using Key = K;
-  using Mapped = V;
-  using Value = std::map<typename K::Value, typename V::Value>;
+  using Key = K;                                                 ///< element of the keys
+  using Mapped = V;                                              ///< element of the values
+  using Value = std::map<typename K::Value, typename V::Value>;  ///< the C++ type of the whole
 };
 /// One slot owning a message; null until it exists.
 struct Object {
-  using Value = XNMessageBase;
+  using Value = XNMessageBase;  ///< the C++ type of the whole
 };
 
 /// Facts about one field type; a row of field_types.def.
 struct FieldTypeFacts {
-  const char* name;  ///< "FDT_INT"
-  const char* text;  ///< text of the type in schema output; null when it has none or needs a class name
-  std::uint8_t slots;
-  std::uint8_t flags;
-  BinaryEncodingType encoding;
+  const char* name;    ///< "FDT_INT"
+  const char* text;    ///< text of the type in schema output; null when it has none or needs a class name
+  std::uint8_t slots;  ///< 8-byte slots that a field takes
+  std::uint8_t flags;  ///< of field_type_flag
+  BinaryEncodingType encoding;  ///< on the wire
 };
 
+/// The flags of a row in field_types.def, a bit each, and what they answer.
 namespace field_type_flag {
-inline constexpr std::uint8_t P = 1, X = 2, L = 4, C = 8, R = 16;
-}
+inline constexpr std::uint8_t P = 1;   ///< FieldDef::isPrimitiveType
+inline constexpr std::uint8_t X = 2;   ///< XMLDecoder::isPrimitive
+inline constexpr std::uint8_t L = 4;   ///< XMLDecoder::isListType
+inline constexpr std::uint8_t C = 8;   ///< what the binary form writes as a collection
+inline constexpr std::uint8_t R = 16;  ///< the value stands in the slots themselves
+}  // namespace field_type_flag
 
+/// The rows of field_types.def by the number of the type. For any type byte see fieldTypeFacts.
 inline constexpr std::array<FieldTypeFacts, kFieldTypeCount> kFieldTypes = [] {
   using namespace field_type_flag;
   return std::array<FieldTypeFacts, kFieldTypeCount>{{
@@ -171,7 +196,9 @@ inline constexpr std::array<FieldTypeFacts, kFieldTypeCount> kFieldTypes = [] {
 /// A set of field types in one word; contains() is false for every unknown type byte.
 class FieldTypeSet {
  public:
+  /// The empty set.
   constexpr FieldTypeSet() = default;
+  /// These types.
   constexpr FieldTypeSet(std::initializer_list<FieldDataType> types) {
     for (FieldDataType type : types) bits_ |= std::uint64_t{1} << type;
   }
@@ -185,7 +212,9 @@ class FieldTypeSet {
   /// The types for whose storage the handler answers true: `FieldTypeSet::ofStorage(Overloaded{...})`.
   template <class Handler>
   static constexpr FieldTypeSet ofStorage(Handler handler);
+  /// Whether the type is in the set.
   constexpr bool contains(unsigned type) const { return type < 64 && ((bits_ >> type) & 1) != 0; }
+  /// The types of either set.
   constexpr FieldTypeSet operator|(FieldTypeSet other) const {
     FieldTypeSet set;
     set.bits_ = bits_ | other.bits_;
@@ -196,12 +225,17 @@ class FieldTypeSet {
   std::uint64_t bits_ = 0;
 };
 
+/// FieldDef::isPrimitiveType.
 inline constexpr FieldTypeSet kPrimitiveTypes = FieldTypeSet::withFlag(field_type_flag::P);
+/// XMLDecoder::isPrimitive.
 inline constexpr FieldTypeSet kXmlPrimitiveTypes = FieldTypeSet::withFlag(field_type_flag::X);
+/// XMLDecoder::isListType.
 inline constexpr FieldTypeSet kListTypes = FieldTypeSet::withFlag(field_type_flag::L);
+/// What the binary form writes as a collection. QUIRK: with ulonglong, and without its list.
 inline constexpr FieldTypeSet kCollectionTypes = FieldTypeSet::withFlag(field_type_flag::C);
 /// Types whose value stands in the slots themselves, not behind a pointer.
 inline constexpr FieldTypeSet kValueInSlotTypes = FieldTypeSet::withFlag(field_type_flag::R);
+/// All maps.
 inline constexpr FieldTypeSet kMapTypes{FDT_MAP_INT64_INT64,  FDT_MAP_INT64_STRING,  FDT_MAP_INT64_OBJECT,
                                         FDT_MAP_STRING_INT64, FDT_MAP_STRING_STRING, FDT_MAP_STRING_OBJECT,
                                         FDT_MAP_OBJECT_OBJECT};
@@ -243,6 +277,7 @@ template <class... Handlers>
 struct Overloaded : Handlers... {
   using Handlers::operator()...;
 };
+/// So that lambdas need no types.
 template <class... Handlers>
 Overloaded(Handlers...) -> Overloaded<Handlers...>;
 

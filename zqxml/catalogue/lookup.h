@@ -1,8 +1,9 @@
-// Catalogue look-ups: from a tag id, a number or a name to a record and back.
-//
-// The public operations of these names are static members of XNMessageBase, FieldDef and XMLDecoder; they
-// forward here. Nothing throws: false, null, -1 or an empty text, with the quoted log line. Pure reads, safe
-// from any thread.
+/// @file
+/// Catalogue look-ups: from a tag id, a number or a name to a record and back.
+///
+/// The public operations of these names are static members of XNMessageBase, FieldDef and XMLDecoder; they
+/// forward here. Nothing throws: false, null, -1 or an empty text, with the quoted log line. Pure reads, safe
+/// from any thread.
 #pragma once
 
 #include <zqxml/catalogue/records.h>
@@ -12,6 +13,7 @@
 #include <string>
 #include <string_view>
 
+/// The look-ups of the catalogue: pure reads, which nothing throws from, safe from any thread.
 namespace zqxml::catalogue {
 
 /// Slot and class index of a tag id. `subsystem` always takes the tag's top byte; `classIndex` only on
@@ -36,9 +38,10 @@ ZQXML_EXPORT const _ClassDef* classOfRef(const void* classRef);
 /// others.
 ZQXML_EXPORT const _ClassDef* mapValueClass(const FieldDef& field);
 
-/// Slot of the subsystem with this name, and index of a class in it: by exact name, the first one. False, the
-/// output untouched and nothing logged, for null and when there is none.
+/// Slot of the subsystem with this name: exactly it, the first one. False, the output untouched and nothing
+/// logged, for null and when there is none.
 ZQXML_EXPORT bool subsystemFromName(const char* name, short& subsystem);
+/// Index of the class with this name in a subsystem, likewise.
 ZQXML_EXPORT bool classIndexFromName(const char* name, short subsystem, int& classIndex);
 
 /// Position of the field: by name in an enumeration, by hash of the name in a message class (so a field of
@@ -57,7 +60,7 @@ ZQXML_EXPORT const char* enumString(short subsystem, const char* enumName, int v
 /// True for a tag of one of the 28 old-way subsystems: a list of its own, equal to the rows' flags.
 ZQXML_EXPORT bool isOldWay(std::uint32_t tagId);
 
-/// Printable description of a class, appended to nothing: `text` is replaced. False (text untouched) for a
+/// Replaces `text` by a printable description of a class. False (text untouched) for a
 /// class that does not exist. `allFields`: fields of hash 0 too; `details`: hash, memNum and index columns.
 ZQXML_EXPORT bool schemaText(std::string& text, short subsystem, int classIndex, bool allFields,
                              bool details);

@@ -7,7 +7,7 @@
 
 namespace zqxml {
 
-/// h = h * 31 + signed byte over all bytes, low 24 bits; 0 for an empty text.
+/// The 24-bit name hash: h = h * 31 + signed byte over all bytes, low 24 bits; 0 for an empty text.
 constexpr std::uint32_t nameHash(std::string_view text) {
   std::uint32_t hash = 0;
   for (char byte : text)

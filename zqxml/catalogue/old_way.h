@@ -1,7 +1,8 @@
-// The 28 old-way subsystems: their objects are built whole, and marked set, at construction.
-//
-// A list of its own, apart from the flag of the subsystem's row, because here the tag alone answers. zqcatc
-// refuses a row that says otherwise.
+/// @file
+/// The 28 old-way subsystems: their objects are built whole, and marked set, at construction.
+///
+/// A list of its own, apart from the flag of the subsystem's row, because here the tag alone answers. zqcatc
+/// refuses a row that says otherwise.
 #pragma once
 
 #include <array>
@@ -9,6 +10,7 @@
 
 namespace zqxml {
 
+/// Whether a slot's subsystem is old-way.
 inline constexpr auto kOldWaySlots = [] {
   std::array<bool, 256> slots{};
   for (int slot : {1,  2,  3,  4,  5,  6,  7,  9,   10,  11,  13,  15,  16,  17,
@@ -17,6 +19,7 @@ inline constexpr auto kOldWaySlots = [] {
   return slots;
 }();
 
+/// The same for any number; false where there is no slot.
 constexpr bool isOldWaySlot(int slot) {
   return slot >= 0 && slot < 256 && kOldWaySlots[static_cast<std::size_t>(slot)];
 }

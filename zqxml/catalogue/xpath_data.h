@@ -1,12 +1,13 @@
-// Paths: names for the values deep in a message, in constant tables that zqcatc writes.
-//
-// A path is the field names from below the root of a message to a value: an object, or a list of objects, is
-// its name and "[1]/", a single value "@" and its name, a list of values the bare name. For example
-// "options[1]/adComparisonOption[1]/@adCompareType". A path has an id, xpathId of its text.
-//
-// Only subsystems whose schema names roots (paths="true") have tables. They are constant and valid for the
-// life of the process; reading them needs no lock. Pure look-ups, safe from any thread; nothing throws, logs
-// or allocates.
+/// @file
+/// Paths: names for the values deep in a message, in constant tables that zqcatc writes.
+///
+/// A path is the field names from below the root of a message to a value: an object, or a list of objects, is
+/// its name and "[1]/", a single value "@" and its name, a list of values the bare name. For example
+/// "options[1]/adComparisonOption[1]/@adCompareType". A path has an id, xpathId of its text.
+///
+/// Only subsystems whose schema names roots (paths="true") have tables. They are constant and valid for the
+/// life of the process; reading them needs no lock. Pure look-ups, safe from any thread; nothing throws, logs
+/// or allocates.
 #pragma once
 
 #include <zqxml/catalogue/field_types.h>
@@ -27,14 +28,14 @@ struct XPathFieldsInfo {
 
 /// From the id of a path to its place in `fieldsInfo` and in `paths`.
 struct XPathIDHelper {
-  int id;
-  int index;
+  int id;     ///< xpathId of the path
+  int index;  ///< its place
 };
 
 /// A path and its id.
 struct XPathEntry {
-  int id;
-  const char* xpath;
+  int id;             ///< xpathId of it
+  const char* xpath;  ///< the path, constant
 };
 
 /// The paths of one subsystem. Each array has one entry more than `count`, which is no path, so that the
@@ -44,7 +45,7 @@ struct XPathData {
   const XPathFieldsInfo* fieldsInfo;  ///< in the order of `paths`
   const XPathIDHelper* idHelper;      ///< ascending by id
   const XPathEntry* paths;            ///< ascending by the bytes of `xpath`
-  int count;
+  int count;                          ///< paths
 };
 
 /// One row for each subsystem with paths, ascending by slot; a row without `paths` ends it.

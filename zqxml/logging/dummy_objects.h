@@ -1,15 +1,16 @@
-// Messages filled with placeholder values, so that their shape shows when they are written: a sample document
-// of a class.
-//
-// What is filled follows from what MsgFieldContext::replaceValue stores where: texts and byte strings are set
-// and empty; list<int> and list<float> get five zeros; lists of objects get five elements, filled likewise;
-// objects are set. Other fields are left alone. QUIRK: the object of an object field is copied before it
-// would be filled, so that it stays empty; and lists of other numbers stay unset, since zeros of one type
-// alone are offered to them.
-//
-// Failure: 1, with what was filled so far, for a null message and one without a class, here or further down,
-// and for classes that nest more than 100 levels deep, as every class does that contains itself; that is
-// logged under "recurseAndFillDummyValues", level 0. Nothing throws. Threads: as the message.
+/// @file
+/// Messages filled with placeholder values, so that their shape shows when they are written: a sample
+/// document of a class.
+///
+/// What is filled follows from what MsgFieldContext::replaceValue stores where: texts and byte strings are
+/// set and empty; list<int> and list<float> get five zeros; lists of objects get five elements, filled
+/// likewise; objects are set. Other fields are left alone. QUIRK: the object of an object field is copied
+/// before it would be filled, so that it stays empty; and lists of other numbers stay unset, since zeros of
+/// one type alone are offered to them.
+///
+/// Failure: 1, with what was filled so far, for a null message and one without a class, here or further down,
+/// and for classes that nest more than 100 levels deep, as every class does that contains itself; that is
+/// logged under "recurseAndFillDummyValues", level 0. Nothing throws. Threads: as the message.
 #pragma once
 
 #include <zqxml/platform/export.h>

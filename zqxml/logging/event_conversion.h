@@ -1,7 +1,8 @@
-// Events between their two shapes: the container of a process, and the message that travels.
-//
-// On the wire every argument is a text with a type beside it. The functions work on their arguments alone, so
-// that any thread may call them at any time. They throw nothing but std::bad_alloc.
+/// @file
+/// Events between their two shapes: the container of a process, and the message that travels.
+///
+/// On the wire every argument is a text with a type beside it. The functions work on their arguments alone,
+/// so that any thread may call them at any time. They throw nothing but std::bad_alloc.
 #pragma once
 
 #include <zqxml/catalogue/generated/Common.h>
@@ -45,11 +46,13 @@ ZQXML_EXPORT bool getEvMessageContainerArgumentsFromXML(const std::vector<Common
 template <typename T>
 requires(!std::convertible_to<T, std::string>) bool pushEventArgumentXML(Common::EventMessage& msg, T value);
 
+/// @{
 /// Appends a text, as STRING. Always true; logs nothing. Null is an empty text.
 ZQXML_EXPORT bool pushEventArgumentXML(Common::EventMessage& msg, const std::string& value);
 inline bool pushEventArgumentXML(Common::EventMessage& msg, const char* value) {
   return pushEventArgumentXML(msg, std::string(value == nullptr ? "" : value));
 }
+/// @}
 
 namespace internal {
 ZQXML_EXPORT bool pushEventNumber(Common::EventMessage& msg, int value);

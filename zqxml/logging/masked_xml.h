@@ -1,8 +1,9 @@
-// Texts of messages that may go into a log: XML without what the catalogue marks as sensitive.
-//
-// None of these functions writes the text anywhere. Failures are told by the text that they give, so that a
-// caller can log whatever comes back. They throw nothing but std::bad_alloc, and keep no state: any thread
-// may call them at any time.
+/// @file
+/// Texts of messages that may go into a log: XML without what the catalogue marks as sensitive.
+///
+/// None of these functions writes the text anywhere. Failures are told by the text that they give, so that a
+/// caller can log whatever comes back. They throw nothing but std::bad_alloc, and keep no state: any thread
+/// may call them at any time.
 #pragma once
 
 #include <zqxml/platform/export.h>

@@ -16,8 +16,8 @@ class XNMessageBase;
 
 /// Lines of the process's log that show a message, masked, where their format says "%bxml_zq":
 ///
-///   XmlBinaryLogger logger;
-///   logger.Debug("Server::receive", "from %s: %bxml_zq", &message, peer);
+///     XmlBinaryLogger logger;
+///     logger.Debug("Server::receive", "from %s: %bxml_zq", &message, peer);
 ///
 /// Debug writes lines of level 0. The message is a BinaryBuffer with the binary form of one, or a message
 /// object; null leaves its place empty. It may be used again, or end, as soon as a call returns. Text
@@ -25,10 +25,13 @@ class XNMessageBase;
 /// logger has no state of its own: any number of threads may share one, and may make their own.
 class ZQXML_EXPORT XmlBinaryLogger {
  public:
+  /// Ready at once.
   XmlBinaryLogger() noexcept { initialize(); }
   /// Finds the logging threads' pool, unless it is known. Always 0.
   int initialize() noexcept;
 
+  /// @{
+  /// Writes a line, of level 0 unless one is given; nothing is done for a level above that of the log.
   template <typename... Args>
   void Debug(const char* function, const char* format, BinaryBuffer* message,
              const Args&... arguments) noexcept {
@@ -49,6 +52,8 @@ class ZQXML_EXPORT XmlBinaryLogger {
                 const Args&... arguments) noexcept {
     write(function, level, 0, format, message, arguments...);
   }
+  /// @}
+  /// @{
   /// `contextValue` goes into the line as it stands.
   template <typename... Args>
   void DebugLvl(const char* function, int level, int contextValue, const char* format, BinaryBuffer* message,
@@ -60,6 +65,7 @@ class ZQXML_EXPORT XmlBinaryLogger {
                 const Args&... arguments) noexcept {
     write(function, level, contextValue, format, message, arguments...);
   }
+  /// @}
 
  private:
   template <typename... Args>

@@ -22,6 +22,7 @@ namespace zqxml {
 /// Nothing throws. Any thread may write at any time.
 class ZQXML_EXPORT XmlLogContext {
  public:
+  /// The one of this process.
   static XmlLogContext& instance() noexcept;
 
   XmlLogContext(const XmlLogContext&) = delete;

@@ -9,8 +9,12 @@
 
 namespace zqxml {
 
+/// The value of FDT_BSTRING fields: a byte string that may hold anything, NUL bytes included. It has the
+/// interface of a std::string and converts from one; str() gives the std::string that it holds.
 class ZQXML_EXPORT bstring : public TextWrapper<bstring> {
  public:
+  /// @{
+  /// Made empty or of the bytes of a text, copied, moved and assigned as a std::string is.
   bstring() = default;
   bstring(std::string text) : TextWrapper(std::move(text)) {}
   bstring(const bstring&) = default;
@@ -19,6 +23,7 @@ class ZQXML_EXPORT bstring : public TextWrapper<bstring> {
   bstring& operator=(const bstring&) = default;
   bstring& operator=(bstring&&) noexcept = default;
   bstring& operator=(const std::string& text) { return assign(text); }
+  /// @}
 };
 
 }  // namespace zqxml

@@ -13,12 +13,15 @@ namespace zqxml {
 /// construction from a text nor assignment nor clear touches it, and a copy starts with the flag down.
 class ZQXML_EXPORT cdata : public TextWrapper<cdata> {
  public:
+  /// @{
+  /// Made empty or of a text, copied and assigned as a std::string is, the flag apart.
   cdata() = default;
   cdata(std::string text) : TextWrapper(std::move(text)) {}
   cdata(const cdata& other) : TextWrapper(other) {}
   ~cdata() override = default;
   cdata& operator=(const cdata& other) { return assign(other); }
   cdata& operator=(const std::string& text) { return assign(text); }
+  /// @}
 
  private:
   friend class XNMessageBase;

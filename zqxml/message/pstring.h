@@ -24,22 +24,28 @@ class ZQXML_EXPORT pstring : public bstring {
   pstring(const std::string& text) : bstring(text) {}
   /// `type` of 12 or more is stored as 1.
   pstring(const std::string& text, int type) : bstring(text), encryptionType_(type >= 12 ? 1 : type) {}
+  /// @{
+  /// Text and type are copied and moved together.
   pstring(const pstring&) = default;
   pstring(pstring&&) noexcept = default;
   ~pstring() override = default;
   pstring& operator=(const pstring&) = default;
   pstring& operator=(pstring&&) noexcept = default;
-  /// Text of `text`, type 1.
+  /// @}
+  /// @{
+  /// Takes the text, and type 1.
   pstring& operator=(const std::string& text) {
     assign(text);
     encryptionType_ = 1;
     return *this;
   }
   pstring& operator=(const bstring& text) { return *this = text.str(); }
+  /// @}
 
   /// Compares the texts, not the types.
   bool operator==(const pstring& other) const { return str() == other.str(); }
 
+  /// Annotation::PasswordEncryptType as a number, 1 (plain text) unless another was given.
   int getEncryptionType() const { return encryptionType_; }
   /// Stores the type as given, with no check.
   void setEncryptionType(int type) { encryptionType_ = type; }

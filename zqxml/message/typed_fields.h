@@ -1,9 +1,10 @@
-// What the generated message classes are made of beside XNMessageBase: views of object lists, and reads that
-// never meet a null container.
-//
-// A generated class adds no members to XNMessageBase, so a sub-object is used as an object of its class
-// though the runtime made it as an XNMessageBase. Nothing here allocates but where it says so. Threads: as
-// the message.
+/// @file
+/// What the generated message classes are made of beside XNMessageBase: views of object lists, and reads that
+/// never meet a null container.
+///
+/// A generated class adds no members to XNMessageBase, so a sub-object is used as an object of its class
+/// though the runtime made it as an XNMessageBase. Nothing here allocates but where it says so. Threads: as
+/// the message.
 #pragma once
 
 #include <zqxml/message/xn_message_base.h>
@@ -22,18 +23,27 @@ namespace zqxml {
 template <class T>
 class ObjectView {
  public:
+  /// @{
+  /// What it looks at: the vector that the message holds, and the type of its elements there.
   using Vector =
       std::conditional_t<std::is_const_v<T>, const std::vector<XNMessageBase>, std::vector<XNMessageBase>>;
   using Base = std::conditional_t<std::is_const_v<T>, const XNMessageBase, XNMessageBase>;
+  /// @}
 
+  /// Goes over the elements, forwards. Valid as the view is; a default one may only be assigned to.
   class iterator {
    public:
+    /// @{
+    /// What the standard library asks of an iterator.
     using iterator_category = std::forward_iterator_tag;
     using value_type = std::remove_const_t<T>;
     using difference_type = std::ptrdiff_t;
     using pointer = T*;
     using reference = T&;
+    /// @}
 
+    /// @{
+    /// As a pointer to an element of the vector.
     iterator() = default;
     explicit iterator(Base* at) : at_(at) {}
     T& operator*() const { return static_cast<T&>(*at_); }
@@ -44,6 +54,7 @@ class ObjectView {
     }
     iterator operator++(int) { return iterator(at_++); }
     bool operator==(const iterator& other) const { return at_ == other.at_; }
+    /// @}
 
    private:
     Base* at_ = nullptr;
@@ -52,17 +63,24 @@ class ObjectView {
   /// Null stands for an empty list.
   explicit ObjectView(Vector* list) : list_(list) {}
 
+  /// @{
+  /// Elements in the list.
   bool empty() const { return size() == 0; }
   std::size_t size() const { return list_ == nullptr ? 0 : list_->size(); }
+  /// @}
   /// REQUIRES: position < size().
   T& operator[](std::size_t position) const { return static_cast<T&>((*list_)[position]); }
+  /// @{
+  /// The elements in order: `for (auto& element : view)`.
   iterator begin() const { return iterator(list_ == nullptr ? nullptr : list_->data()); }
   iterator end() const { return iterator(list_ == nullptr ? nullptr : list_->data() + list_->size()); }
+  /// @}
 
  private:
   Vector* list_;
 };
 
+/// What the generated accessors call. Programs call the accessors.
 namespace typed {
 
 /// Whether it is a message of that class. The tag would not do: classes without an id share one.
@@ -91,6 +109,7 @@ Value& orScratch(Value* value) {
 /// A message of any class, for containers that hold messages by value.
 class AnyMessage : public XNMessageBase {
  public:
+  /// Object of a class by the indices of the catalogue; without such a record one without a class.
   AnyMessage(int subsystem, int classIndex) : XNMessageBase(subsystem, classIndex) {}
 };
 

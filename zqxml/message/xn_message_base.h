@@ -1,13 +1,4 @@
 // XNMessageBase: the one run-time class of every message.
-//
-// What an object holds is decided by its catalogue record (_ClassDef); there are no virtual operations and no
-// code per message. Values lie in an XNMessageBuffer; a message owns everything reachable from its slots.
-// Generated classes derive from this class, add no members and reach their fields through the protected
-// accessors.
-//
-// Threads: an object has no lock and belongs to one thread at a time. Static members only read the catalogue.
-// Failure: nothing throws on bad input, except getObject, assignment between classes and construction with
-// too small a block (ZqException). A field that cannot be reached is logged and left alone.
 #pragma once
 
 #include <zqxml/catalogue/records.h>
@@ -41,6 +32,31 @@ class ProcessingInstructionInfo;
 static_assert(sizeof(std::string) == 32 && sizeof(std::u16string) == 32,
               "in-place strings take four 8-byte slots");
 
+/// A message of any class: the one run-time class of every message.
+///
+/// What an object holds is decided by its catalogue record (_ClassDef); there are no virtual operations and
+/// no code per message. Values lie in an XNMessageBuffer; a message owns everything reachable from its slots.
+/// Generated classes derive from this class, add no members and reach their fields through the protected
+/// accessors.
+///
+/// Threads: an object has no lock and belongs to one thread at a time. Static members only read the
+/// catalogue. Failure: nothing throws on bad input, except getObject, assignment between classes and
+/// construction with too small a block (ZqException). A field that cannot be reached is logged and left
+/// alone.
+///
+/// ### Typed accessors
+///
+/// Every accessor is told what the caller believes: memNum (set bit), index (slot), msgTag (tag id of the
+/// object) and fieldHash (24-bit name hash). When the object has that tag, memNum and index are used as they
+/// are. When it has another one (the schema has drifted), the field is found again by its hash and its own
+/// numbers are used; that is no error.
+///
+/// Failure, always a level 0 line under the accessor's name ("XNMessageBase::setint64"), never an exception
+/// but in getObject: memNum outside the class, index outside the slots (scalar reads look at the index alone)
+/// give "Invalid member access. ..." with the schema of the object; an unknown hash, or a field that is
+/// stored otherwise than the accessor needs, gives "Message [%s] with TagID : [%u] does not contain field :
+/// [%u]. Message Received : [%u]". A failing read yields 0, null or an empty text; a failing by-reference or
+/// make form yields an object of the thread's own, emptied at each failure; a failing setter does nothing.
 class ZQXML_EXPORT XNMessageBase {
  public:
   // --- Construction
@@ -53,6 +69,7 @@ class ZQXML_EXPORT XNMessageBase {
   /// Takes everything over; `other` becomes an object without a class, to which
   /// any message can be assigned.
   XNMessageBase(XNMessageBase&& other) noexcept;
+  /// Ends everything that the slots reach. A caller's block stays the caller's.
   ~XNMessageBase();
 
   /// Deep assignment between objects of one class. QUIRK: the texts of the target stay where the source has
@@ -96,19 +113,24 @@ class ZQXML_EXPORT XNMessageBase {
 
   // --- Catalogue (see catalogue/lookup.h for what each look-up answers and logs)
 
-  /// catalogue::indicesFromTag and catalogue::tagFromIndices.
+  /// catalogue::indicesFromTag.
   static bool getIndicesFromTagID(short& msgSysIndex, int& msgIndex, std::uint32_t tagId);
+  /// catalogue::tagFromIndices.
   static bool getTagIDFromIndices(short msgSysIndex, short msgIndex, std::uint32_t& tagId);
+  /// @{
   /// catalogue::classDef.
   static const _ClassDef* GetClassDef(short msgSysIndex, int msgIndex);
   static const _ClassDef* GetClassDef(std::uint32_t tagId);
+  /// @}
   /// The object's own record, null for a null object.
   static const _ClassDef* GetClassDef(const XNMessageBase* message);
-  /// catalogue::classOfField and catalogue::classOfRef.
+  /// catalogue::classOfField.
   static const _ClassDef* GetClassDefFromClassID(const FieldDef& field);
+  /// catalogue::classOfRef.
   static const _ClassDef* GetClassDefFromClassID(const void* classRef);
-  /// catalogue::subsystemFromName, and catalogue::classIndexFromName in the subsystem `msgSysIndex`.
+  /// catalogue::subsystemFromName.
   static bool getMessageSystemIndexFromName(const char* name, short& msgSysIndex);
+  /// catalogue::classIndexFromName in the subsystem `msgSysIndex`.
   static bool getMessageIndexFromName(const char* name, short& msgSysIndex, int& msgIndex);
   /// catalogue::fieldPosition.
   static int getFieldNumberFromName(const _ClassDef* classDef, const std::string& name);
@@ -135,16 +157,19 @@ class ZQXML_EXPORT XNMessageBase {
   int getMessageIndex() const { return msgIndex_; }
   /// Subsystem and class name joined by "_"; "NoMessage" is the class part of an object without a class.
   std::string getTagName() const;
-  /// "" for an object without a class.
+  /// Name of the subsystem, constant; "" for an object without a class.
   const char* getSubsystemName() const;
-  /// 0 for an object without a class.
+  /// Fields of the class, set or not; 0 for an object without a class.
   int getNumberOfFields() const;
   /// Body size that the last size pass of the binary encoder stored here, in bytes.
   std::uint32_t GetCachedSize() const { return cachedSize_; }
+  /// For the size pass.
   void SetCachedSize(std::uint32_t size) { cachedSize_ = size; }
+  /// @{
   /// Always false; setting has no effect.
   bool getXmlWriteFlag() const { return false; }
   void setXmlWriteFlag(bool) {}
+  /// @}
 
   // --- Set bits
 
@@ -164,7 +189,9 @@ class ZQXML_EXPORT XNMessageBase {
 
   /// The last error, or an empty text. Valid until the next change.
   const char16_t* getLastErrorEnglishW() const;
+  /// A copy of that text.
   std::u16string getLastErrorEnglishStrW() const;
+  /// @{
   /// Formats (see platform/format.h) and keeps at most 8,191 units; a null format does nothing.
   template <class... Args>
   void setLastErrorEnglishA(const char* format, const Args&... args) {
@@ -176,12 +203,16 @@ class ZQXML_EXPORT XNMessageBase {
     const std::array<FormatArg, sizeof...(Args)> list{FormatArg(args)...};
     formatLastErrorW(format, list);
   }
+  /// @}
+  /// @{
   /// QUIRK: the text is a format without arguments: "%%" becomes "%", a conversion stands as it is.
   void setLastErrorEnglishStrA(const std::string& text);
   void setLastErrorEnglishStrW(const std::u16string& text);
+  /// @}
 
   /// Whether the kept text stands for the object. Nothing lowers the mark when a field changes.
   bool isSerialized() const { return serialized_; }
+  /// Sets the mark and leaves the text as it is.
   void setSerialized(bool serialized) { serialized_ = serialized; }
   /// The XML text kept with the object, or "". Does not serialize.
   const char* getSerializedXMLString() const;
@@ -189,11 +220,13 @@ class ZQXML_EXPORT XNMessageBase {
   const char* getSerializedXMLString(bool rootOnly);
   /// The kept text, made on first use.
   std::string& getSerializedXMLStringRef();
-  /// Serializes into the kept wide text and gives it, "" on failure; the first with the declaration, the last
-  /// without. QUIRK: not refreshed while isSerialized() is true.
+  /// @{
+  /// Serializes into the kept wide text and gives it, "" on failure; the first with the XML declaration, the
+  /// last without. Valid until the next change. QUIRK: not refreshed while isSerialized() is true.
   const char16_t* getSerializedXMLStringUTF16();
   const char16_t* getSerializedXMLStringUTF16(bool rootOnly);
   const char16_t* getSerializedXMLStringUnicode();
+  /// @}
   /// Keeps a copy; `markSerialized` true also marks the object as serialized, false leaves that as it was.
   void setSerializedXMLString(const std::string& text, bool markSerialized);
   /// Keeps a second text, which copies take along; nothing reads it.
@@ -201,12 +234,14 @@ class ZQXML_EXPORT XNMessageBase {
   /// Empties the kept text and clears serialized.
   void clearSerializedXMLString();
 
+  /// @{
   /// The CDATA body, which is part of no form: setting marks it as set, resetting empties and unmarks it, and
   /// it is "" when there is none.
   void setCDATABuffer(const std::string& text);
   std::string getCDATABuffer() const;
   bool isCDATABufferSet() const;
   void resetCDATABuffer();
+  /// @}
 
   /// Field 0, where the class has it: the slot when set; with `create` it is made and set; else a null slot
   /// that is the thread's own. Refused (null slot) for subsystems 18 and 27 and for classes without the
@@ -217,31 +252,39 @@ class ZQXML_EXPORT XNMessageBase {
 
   // --- Forms: XML (defined in xml/), binary (defined in binary/)
 
+  /// @{
   /// XML text, UTF-8 or UTF-16, as XMLSerializer with default flags makes it, and with its results.
   /// `rootOnly` true leaves the XML declaration out. A field that cannot be written is logged and left out.
   eXNMsgRet serialize(std::string& out, bool rootOnly = false);
   eXNMsgRet serializeUTF8(std::string& out, bool rootOnly = false);
   eXNMsgRet serializeUTF16(std::u16string& out, bool rootOnly = false);
+  /// @}
   /// serializeUTF16 without declaration.
   eXNMsgRet serializeUnicode(std::u16string& out);
   /// XML text with its declaration, empty on failure.
   std::string AsString();
+  /// @{
   /// Resets the object and fills it from XML, with the results of XMLSerializer::unserialize. On failure the
   /// object holds what was read so far. Null is an empty text.
   eXNMsgRet unserialize(std::string& xml);
   eXNMsgRet unserialize(const std::string& xml);
   eXNMsgRet unserialize(const char* xml);
+  /// @}
   /// Wide text, native byte order; the flag has no effect.
   eXNMsgRet unserialize(const char16_t* xml, bool flag = false);
+  /// @{
   /// The same into and from an open file, which stays the caller's: 0, or a number that XMLSerializer's
   /// operation of this name tells.
   int dumpXmlToFile(CUlFile* file);
   int readXmlFromFile(CUlFile* file);
+  /// @}
 
+  /// @{
   /// Binary form into `buffer`, of version 2 unless another is given; the buffer's data size, 0 on failure
   /// (see binary/binary_serializer.h).
   std::uint64_t SerializeBinary(BinaryBuffer& buffer);
   std::uint64_t SerializeBinary(BinaryBuffer& buffer, int version);
+  /// @}
   /// Fills the object; 0, or -1 on failure.
   int UnserializeBinary(BinaryBuffer& buffer);
 
@@ -254,21 +297,9 @@ class ZQXML_EXPORT XNMessageBase {
   /// left alone, and the object owns its storage.
   XNMessageBase(int msgSysIndex, int msgIndex, std::int64_t* block, int blockSize);
 
-  // --- Typed accessors
-  //
-  // Every accessor is told what the caller believes: memNum (set bit), index (slot), msgTag (tag id of the
-  // object) and fieldHash (24-bit name hash). When the object has that tag, memNum and index are used as they
-  // are. When it has another one (the schema has drifted), the field is found again by its hash and its own
-  // numbers are used; that is no error.
-  //
-  // Failure, always a level 0 line under the accessor's name ("XNMessageBase::setint64"), never an exception
-  // but in getObject: memNum outside the class, index outside the slots (scalar reads look at the index
-  // alone) give "Invalid member access. ..." with the schema of the object; an unknown hash, or a field that
-  // is stored otherwise than the accessor needs, gives "Message [%s] with TagID : [%u] does not contain field
-  // : [%u]. Message Received : [%u]". A failing read yields 0, null or an empty text; a failing by-reference
-  // or make form yields an object of the thread's own, emptied at each failure; a failing setter does
-  // nothing.
+  // --- Typed accessors: the comment of the class tells what they have in common
 
+  /// @{
   /// Scalars. Integers, booleans and enumerations are one 64-bit slot; a float lies in the low four bytes of
   /// its slot.
   std::int64_t getint64(short index, std::uint32_t msgTag, std::uint32_t fieldHash) const;
@@ -277,9 +308,11 @@ class ZQXML_EXPORT XNMessageBase {
   void setint64(short memNum, short index, std::int64_t value, std::uint32_t msgTag, std::uint32_t fieldHash);
   void setdouble(short memNum, short index, double value, std::uint32_t msgTag, std::uint32_t fieldHash);
   void setfloat(short memNum, short index, float value, std::uint32_t msgTag, std::uint32_t fieldHash);
+  /// @}
   /// Marks the bit and gives the slot.
   std::int64_t& getint64ByRef(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash);
 
+  /// @{
   /// In-place strings: copies out, assigns in, and by reference; ByRef marks the bit.
   std::string getstring(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash);
   std::string getstring_const(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash) const;
@@ -292,7 +325,9 @@ class ZQXML_EXPORT XNMessageBase {
   std::u16string& getwstringByRef(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash);
   void setwstring(short memNum, short index, const std::u16string& value, std::uint32_t msgTag,
                   std::uint32_t fieldHash);
+  /// @}
 
+  /// @{
   /// Binary strings and passwords: reads give the slot's own object without marking, ByRef marks, setters
   /// copy into the existing object and mark.
   bstring* getbstringobject(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash);
@@ -307,18 +342,23 @@ class ZQXML_EXPORT XNMessageBase {
   pstring& getpstringobjectByRef(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash);
   void setpstringobject(short memNum, short index, const bstring& value, int encryptionType,
                         std::uint32_t msgTag, std::uint32_t fieldHash);
+  /// @}
 
+  /// @{
   /// Deprecated: no effect but a log line; the getters give null.
   cdata* getcdataobject(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash);
   const cdata* getcdataobject_const(short memNum, short index, std::uint32_t msgTag,
                                     std::uint32_t fieldHash) const;
   void setcdataobject(short memNum, short index, const cdata& value, std::uint32_t msgTag,
                       std::uint32_t fieldHash);
+  /// @}
 
-  // Lists. get: the slot by reference, the vector made when there is none, the bit marked when markSet.
-  // get_const: the pointer, null when there is no vector. set: null clears the member, else the bit is marked
-  // and the vector replaced by a copy. One vector type serves all field types with its elements (list<uint>,
-  // list<bool> and enumerations alike).
+  /// @{
+  /// Lists. The getter gives the slot by reference: the vector, which the message owns, is made when there is
+  /// none, and the bit marked when `markSet`. The `_const` getter gives the vector, null when there is none,
+  /// and changes nothing. The setter marks the bit and replaces the vector by a copy; null clears the member.
+  /// One vector type serves all field types with its elements (list<uint>, list<bool> and enumerations
+  /// alike).
   std::vector<std::int32_t>*& getlistint(short memNum, short index, std::uint32_t msgTag,
                                          std::uint32_t fieldHash, bool markSet);
   const std::vector<std::int32_t>* getlistint_const(short memNum, short index, std::uint32_t msgTag,
@@ -391,8 +431,10 @@ class ZQXML_EXPORT XNMessageBase {
                                                         std::uint32_t fieldHash) const;
   void setlistobject(short memNum, short index, const std::vector<XNMessageBase>* value, std::uint32_t msgTag,
                      std::uint32_t fieldHash);
+  /// @}
 
-  // Maps: as lists. An insert leaves the first entry of a key in place.
+  /// @{
+  /// Maps, as lists: the getter makes, the `_const` getter may give null, the setter copies, null clears.
   std::map<std::int64_t, std::int64_t>*& getMapInt64AndInt64(short memNum, short index, std::uint32_t msgTag,
                                                              std::uint32_t fieldHash, bool markSet);
   const std::map<std::int64_t, std::int64_t>* getMapInt64AndInt64_const(short memNum, short index,
@@ -445,10 +487,13 @@ class ZQXML_EXPORT XNMessageBase {
                                                                             std::uint32_t fieldHash) const;
   void setMapObjectAndObject(short memNum, short index, const std::map<XNMessageBase, XNMessageBase>* value,
                              std::uint32_t msgTag, std::uint32_t fieldHash);
+  /// @}
 
   /// The slot of a sub-object by reference. QUIRK: an unknown field throws ZqException
   /// ("XNMessageBase::getObject") after the log line; a bad memNum gives the null slot of the thread.
   XNMessageBase*& getObject(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash);
+  /// The sub-object, null where there is none and on failure, which is logged and throws nothing. The message
+  /// owns it.
   const XNMessageBase* getObject_const(short memNum, short index, std::uint32_t msgTag,
                                        std::uint32_t fieldHash) const;
   /// What generated getters use: the slot, with an object of (msgSysIndex, msgIndex) made in it when it is
@@ -464,9 +509,11 @@ class ZQXML_EXPORT XNMessageBase {
   void setObjectAccessor(const void* value, short memNum, short index, std::uint32_t msgTag,
                          std::uint32_t fieldHash);
 
+  /// @{
   /// Marks or clears a bit and touches nothing else.
   void setField(short memNum, std::uint32_t msgTag, std::uint32_t fieldHash);
   void unsetField(short memNum, std::uint32_t msgTag, std::uint32_t fieldHash);
+  /// @}
 
   // --- Whole object
 

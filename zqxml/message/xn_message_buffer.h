@@ -9,12 +9,14 @@
 
 namespace zqxml {
 
-/// The store knows nothing of types: what a slot holds is constructed and destroyed by the message. Up to 24
-/// slots lie inside the object, further ones in one external block of the C++ heap, or all of them in a
-/// caller's block. Belongs to one thread at a time.
+/// The slots and set bits of a message. The store knows nothing of types: what a slot holds is constructed
+/// and destroyed by the message. Up to 24 slots lie inside the object, further ones in one external block of
+/// the C++ heap, or all of them in a caller's block. Belongs to one thread at a time.
 class ZQXML_EXPORT XNMessageBuffer {
  public:
+  /// Most slots inside the object.
   static constexpr short kMaxInlineSlots = 24;
+  /// Bytes inside the object for them and the set bits.
   static constexpr std::size_t kInlineBytes = 204;
 
   /// No storage.
@@ -24,6 +26,7 @@ class ZQXML_EXPORT XNMessageBuffer {
   /// Takes over the external block and the bytes of the inline area; `other` is left empty. In-place strings
   /// are the message's business: their bytes must not be used as they come.
   XNMessageBuffer(XNMessageBuffer&& other) noexcept;
+  /// A message is moved, never its store alone.
   XNMessageBuffer& operator=(XNMessageBuffer&&) = delete;
 
   /// Owned storage, zeroed: the first `inlineCount` slots inline, the rest external. The set bits follow the
@@ -34,7 +37,8 @@ class ZQXML_EXPORT XNMessageBuffer {
   /// The block stays the caller's and must outlive the message.
   void init(std::int64_t* block, int blockSize, short slotCount, short fieldCount);
 
-  /// Slot `index`; not checked.
+  /// @{
+  /// Slot `index`, from 0; not checked.
   std::int64_t& operator[](short index) {
     return index >= inlineCount_ ? external_[index - inlineCount_] : inlineSlots()[index];
   }
@@ -42,18 +46,26 @@ class ZQXML_EXPORT XNMessageBuffer {
   const std::int64_t& at_ref_const(short index) const {
     return index >= inlineCount_ ? external_[index - inlineCount_] : inlineSlots()[index];
   }
+  /// @}
 
+  /// @{
   /// The set bits; null for a store that was not initialised.
   unsigned char* getIsSet() { return isSet_; }
   const unsigned char* getIsSet() const { return isSet_; }
+  /// @}
 
   /// Zeroes all slots and the bits of `fieldCount` fields. REQUIRES: no live content in the slots.
   void reset(short fieldCount);
 
+  /// @{
+  /// Slots in all, those of them that lie inside the object, and fields. 0 without storage.
   short slotCount() const { return slotCount_; }
   short inlineCount() const { return inlineCount_; }
   short fieldCount() const { return fieldCount_; }
+  /// @}
+  /// Whether the caller gave the block. QUIRK: true without storage too.
   bool usesCallerBlock() const { return callerBlock_ != 0; }
+  /// Whether a block of its own lies outside the object.
   bool hasExternalBlock() const { return external_ != nullptr && callerBlock_ == 0; }
   /// Bytes that the set bits of a class take.
   static constexpr std::size_t bitBytes(short fieldCount) {

@@ -30,8 +30,11 @@ struct LogLine {
 /// file when it is destroyed. It must outlive the EvDebug objects on it.
 class ZQXML_EXPORT EvDebugFileInstance {
  public:
+  /// @{
+  /// Without a file; closes the one that it has at its end.
   EvDebugFileInstance() noexcept;
   ~EvDebugFileInstance();
+  /// @}
   EvDebugFileInstance(const EvDebugFileInstance&) = delete;
   EvDebugFileInstance& operator=(const EvDebugFileInstance&) = delete;
 
@@ -46,7 +49,9 @@ class ZQXML_EXPORT EvDebugFileInstance {
   std::unique_ptr<Impl> impl_;  // null before EvDebug::initialize or setLogFileSize
 };
 
-/// A log. Without a file instance it is the log of the process: lines go to standard error, or, as those of
+/// A log: lines with a level, to standard error, a file or a function of the host program.
+///
+/// Without a file instance it is the log of the process: lines go to standard error, or, as those of
 /// every other log, to the function that the host program has set. Each line is written if its level is not
 /// above the level of the process, which is read once and without a lock; the arguments of other lines are
 /// never formatted.
@@ -59,12 +64,17 @@ class ZQXML_EXPORT EvDebug {
   /// returns, and the last ones of its predecessor too.
   using Sink = std::function<void(const LogLine&)>;
 
+  /// @{
+  /// The log of the process, or the log of `file`, which is borrowed.
   EvDebug() = default;
   explicit EvDebug(EvDebugFileInstance* file) : file_(file) {}
+  /// @}
 
+  /// @{
   /// The level of the process: 0 at the start, so that only errors are written; below 0 nothing is.
   static int getDebugLevel() noexcept { return level_.load(std::memory_order_relaxed); }
   static void setDebugLevel(int level) noexcept { level_.store(level, std::memory_order_relaxed); }
+  /// @}
 
   /// Hands all lines to `sink` instead of standard error and files. An empty one restores these.
   static void setSink(Sink sink) noexcept;

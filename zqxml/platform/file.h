@@ -12,9 +12,13 @@ namespace zqxml {
 /// The outcome of an operation on a file: success, or one of the system's error numbers.
 class [[nodiscard]] CUlError {
  public:
+  /// @{
+  /// Success, or the error of this number (`errno`), of which 0 is success.
   CUlError() = default;
   explicit CUlError(int errorNumber) : number_(errorNumber) {}
+  /// @}
 
+  /// Whether the operation failed.
   bool IsError() const { return number_ != 0; }
   /// The error number (`errno`), 0 for success.
   int GetCode() const { return number_; }
@@ -36,20 +40,25 @@ class [[nodiscard]] CUlError {
 /// was (Seek looks afresh), and a process that was forked meanwhile finds the common position further on.
 class ZQXML_EXPORT CUlFile {
  public:
+  /// How a file is opened.
   enum class Mode {
     kRead,       ///< read an existing file
     kWrite,      ///< write a new file, or an existing one from its start, emptied
     kReadWrite,  ///< read and write a file, which is made when it is not there
   };
 
+  /// No file.
   CUlFile() = default;
   /// Opens the file; whether that worked tells IsValid.
   explicit CUlFile(const std::string& name, Mode mode = Mode::kRead) { (void)Open(name, mode); }
   ~CUlFile() { (void)Close(); }
   CUlFile(const CUlFile&) = delete;
   CUlFile& operator=(const CUlFile&) = delete;
+  /// @{
+  /// The file goes over; `other` has none then. What was open before is closed.
   CUlFile(CUlFile&& other) noexcept;
   CUlFile& operator=(CUlFile&& other) noexcept;
+  /// @}
 
   /// Closes what is open, and opens `name`. A new file has mode 0666 less the umask. Not inherited by other
   /// programs (O_CLOEXEC).
@@ -57,9 +66,11 @@ class ZQXML_EXPORT CUlFile {
   /// Takes an open descriptor over, which Close will close. Nothing is read ahead: others may read on from
   /// its position.
   void Attach(int descriptor, std::string name);
-  /// Closes the file also when it gives an error, which is that of what Append held back, or the system's.
+  /// Closes the file, if one is open: success when none is. It is closed also when it gives an error, which is
+  /// that of what Append held back, or the system's; what was written may be lost then.
   CUlError Close();
 
+  /// Whether a file is open.
   bool IsValid() const { return descriptor_ >= 0; }
   /// The name given to Open, also after Close.
   const std::string& GetName() const { return name_; }
@@ -86,9 +97,12 @@ class ZQXML_EXPORT CUlFile {
   /// do so too, but cannot report it: call Close. Each Append is held back whole, or written whole when it is
   /// larger than the area, so that nothing is ever between its two parts. ENOMEM without memory for the area.
   CUlError SetAppendBuffer(unsigned bytes);
-  /// `origin` is 0 for the start of the file, 1 for the present position, 2 for the end.
+  /// Moves to `offset` bytes from `origin`: 0 is the start of the file, 1 the present position, 2 the end.
+  /// `*newPosition` (null: not wanted) is counted from the start.
   CUlError Seek(std::int64_t offset, int origin, std::int64_t* newPosition);
+  /// The present position, in bytes from the start. Not for pipes (ESPIPE).
   CUlError Tell(std::int64_t& position);
+  /// The size of the file in bytes; 0 for a pipe.
   CUlError Size(std::uint64_t& size);
   /// Whether the position is at or behind the end. Not for pipes (ESPIPE).
   CUlError IsEOF(bool& atEnd);
@@ -131,14 +145,19 @@ class ZQXML_EXPORT CUlFile {
 /// was written, and the target stays as it was. Nothing throws.
 class ZQXML_EXPORT AtomicFile {
  public:
+  /// Without a target.
   AtomicFile() = default;
   ~AtomicFile() { discard(); }
   AtomicFile(const AtomicFile&) = delete;
   AtomicFile& operator=(const AtomicFile&) = delete;
 
+  /// Begins to write a target; one that was not committed is given up. EACCES and the like when the target is
+  /// there and may not be written.
   CUlError Open(const std::string& target);
+  /// Puts the bytes at the end.
   CUlError Write(std::string_view bytes);
-  /// Writes the data out to the disk, closes the file and renames it.
+  /// Writes the data out to the disk, closes the file and puts it in the place of the target. After an error
+  /// the target is as it was, unless it is no regular file.
   CUlError Commit();
 
   /// The file that is written, for those who need more than Write. Valid between Open and Commit.

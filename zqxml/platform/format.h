@@ -18,8 +18,11 @@ namespace zqxml {
 /// Texts are referenced, not copied: they must outlive the call. A null `const char*` is a null text.
 class FormatArg {
  public:
+  /// Which of the values it holds.
   enum class Kind : std::uint8_t { kSigned, kUnsigned, kDouble, kText, kWideText, kPointer };
 
+  /// @{
+  /// Of any value that a text can show; an enumerator is its number.
   template <std::signed_integral T>
   FormatArg(T value) : kind_(Kind::kSigned), number_(static_cast<std::uint64_t>(std::int64_t{value})) {}
   template <std::unsigned_integral T>
@@ -41,16 +44,24 @@ class FormatArg {
   FormatArg(const std::u16string& text) : FormatArg(std::u16string_view(text)) {}
   FormatArg(std::nullptr_t) : FormatArg(static_cast<const char*>(nullptr)) {}
   FormatArg(const void* value) : kind_(Kind::kPointer), pointer_(value) {}
+  /// @}
 
+  /// Which of the values counts.
   Kind kind() const { return kind_; }
   /// Integers: the value, sign-extended to 64 bits.
   std::uint64_t number() const { return number_; }
+  /// @{
+  /// The value of kDouble, and the address of kPointer.
   double floating() const { return double_; }
   const void* pointer() const { return pointer_; }
+  /// @}
   /// Texts: whether the argument was a null pointer.
   bool isNull() const { return kind_ == Kind::kWideText ? wide_ == nullptr : text_ == nullptr; }
+  /// @{
+  /// The text of kText, and of kWideText; empty for a null one.
   std::string_view text() const { return {text_, size_}; }
   std::u16string_view wideText() const { return {wide_, size_}; }
+  /// @}
 
  private:
   template <typename T>
@@ -75,14 +86,12 @@ class FormatArg {
 /// `ll`,
 ///   `j`, `z`, `t` or `I64` as 64.
 /// - `%s`, `%ls` and `%S` take narrow text (written as it is) and wide text (written as UTF-8) alike; a null
-/// text is
-///   "(null)". `%c` and `%lc` take a character's number; a `char16_t` is written as UTF-8.
+///   text is "(null)". `%c` and `%lc` take a character's number; a `char16_t` is written as UTF-8.
 /// - An argument whose type does not fit its conversion is written in its own natural form.
 /// - A conversion without an argument, and one that is not known, stands in the result as it stands in the
 ///   format. `%n` writes nothing and takes no argument.
 /// - Width, and the precision of a number, end at 1024: a format cannot make the result much longer than that
-/// for
-///   each of its conversions.
+///   for each of its conversions.
 /// - `*` takes the next argument.
 ///
 /// Throws nothing but std::bad_alloc.

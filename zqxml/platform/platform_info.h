@@ -28,8 +28,11 @@ class ZQXML_EXPORT ZQPlatformInfo {
   using Source = std::function<std::optional<std::string>(std::string_view focus, std::string_view section,
                                                           std::string_view key)>;
 
+  /// @{
+  /// The configuration without a focus, or as seen by one.
   ZQPlatformInfo() = default;
   explicit ZQPlatformInfo(std::string focus) : focus_(std::move(focus)) {}
+  /// @}
 
   /// Asks `source`, and nothing else, from now on. An empty one restores the file.
   static void setSource(Source source) noexcept;

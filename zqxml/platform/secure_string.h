@@ -14,13 +14,19 @@ namespace zqxml {
 ZQXML_EXPORT void cleanse(void* data, std::size_t size) noexcept;
 
 /// A text that leaves no trace in memory: its block, the whole capacity, is overwritten before it is freed,
-/// also when the text grows, is replaced or is moved from.
+/// also when the text grows, is replaced or is moved from. Throws nothing but std::bad_alloc; the text is
+/// then as it was. Threads: as a std::string.
 template <typename CharT>
 class secure_basic_string {
  public:
+  /// @{
+  /// What holds it, and what shows it.
   using String = std::basic_string<CharT>;
   using View = std::basic_string_view<CharT>;
+  /// @}
 
+  /// @{
+  /// Empty, or a copy of a text; null is an empty one. Moving leaves `other` empty, and copies nothing.
   secure_basic_string() = default;
   explicit secure_basic_string(View text) { assign(text); }
   explicit secure_basic_string(const CharT* text)
@@ -38,8 +44,12 @@ class secure_basic_string {
     }
     return *this;
   }
+  /// @}
+  /// Overwrites the text.
   ~secure_basic_string() { reset(); }
 
+  /// @{
+  /// The text, valid until it changes; a pointer to it ends in a NUL, and is never null.
   View view() const { return text_ ? View(*text_) : View(); }
   operator View() const { return view(); }
   const CharT* c_str() const {
@@ -47,17 +57,23 @@ class secure_basic_string {
     return text_ ? text_->c_str() : kEmpty;
   }
   const CharT* data() const { return c_str(); }
+  /// @}
   /// The block of `size()` units, to write to. Null for an empty text.
   CharT* mutableData() { return text_ ? text_->data() : nullptr; }
+  /// @{
+  /// Units in the text.
   std::size_t size() const { return text_ ? text_->size() : 0; }
   std::size_t length() const { return size(); }
   bool empty() const { return size() == 0; }
+  /// @}
 
+  /// Replaces the text. `text` may be a part of it.
   void assign(View text) {
     auto fresh = std::make_unique<String>(text);
     reset();
     text_ = std::move(fresh);
   }
+  /// Puts the units at the end. `text` may be a part of it.
   void append(View text) {
     auto fresh = std::make_unique<String>();
     fresh->reserve(size() + text.size());
@@ -65,6 +81,7 @@ class secure_basic_string {
     reset();
     text_ = std::move(fresh);
   }
+  /// Cuts the text, or fills it up with NUL units.
   void resize(std::size_t size) {
     auto fresh = std::make_unique<String>(size, CharT());
     const View old = view().substr(0, size);
@@ -79,6 +96,7 @@ class secure_basic_string {
     text_.reset();
   }
 
+  /// Unit by unit; takes longer the more of them agree.
   friend bool operator==(const secure_basic_string& a, const secure_basic_string& b) {
     return a.view() == b.view();
   }
@@ -87,6 +105,7 @@ class secure_basic_string {
   std::unique_ptr<String> text_;
 };
 
+/// A secure text in UTF-8.
 using secure_string = secure_basic_string<char>;
 
 }  // namespace zqxml

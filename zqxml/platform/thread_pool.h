@@ -21,6 +21,7 @@ class ZQXML_EXPORT ZqThreadPool {
   /// The answer of doWork when it did not take the job.
   static constexpr unsigned kRefused = 0xFFFFFFFF;
 
+  /// Not prepared yet: it refuses every job until initThreadPool.
   ZqThreadPool();
   /// Waits for the jobs that run. Not to be called from a job.
   virtual ~ZqThreadPool();

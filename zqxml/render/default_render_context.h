@@ -11,7 +11,7 @@ namespace zqxml {
 
 /// Writes a message as one line of text: items joined by commas, without blanks or line ends.
 ///
-///   id:[5],name:[x],state:[RUNNING],ids[1,2]
+///     id:[5],name:[x],state:[RUNNING],ids[1,2]
 ///
 /// A single value has the field's name, an enumeration and a list (which has no colon) the field's label. The
 /// fields of sub-objects follow in the order of the walk, without a mark of their own. Fields that the
@@ -31,19 +31,25 @@ class ZQXML_EXPORT DefaultRenderContext : public ZqXMLRenderContext {
   /// Replaces `text` by all that the stream holds.
   void DumpToString(std::string& text) const { text = stream.str(); }
 
-  // Structure leaves no trace, but a header begins a new line of items.
+  /// @{
+  /// Structure leaves no trace, but a header begins a new line of items.
   void startHeader(std::string name) override;
   void writeHeader(std::string name) override;
   void endHeader(std::string name) override;
   void startSubHeader(MsgFieldContext& context) override;
   void writeSubHeader(std::string name) override;
   void endSubHeader(MsgFieldContext& context) override;
+  /// @}
 
+  /// @{
+  /// One field of the walk, if it is set and may be shown.
   void writeAttribute(MsgFieldContext& context) override;
   void writeList(MsgFieldContext& context) override;
   void writeEnum(MsgFieldContext& context) override;
+  /// @}
 
-  // One item: "name:[value]".
+  /// @{
+  /// One item: "name:[value]". Null is an empty text.
   void writeAttribute(const std::string& name, const std::string& value);
   void writeAttribute(const std::string& name, const char* value);
   void writeAttribute(const std::string& name, int value);
@@ -52,10 +58,12 @@ class ZQXML_EXPORT DefaultRenderContext : public ZqXMLRenderContext {
   void writeAttribute(const std::string& name, unsigned long value);
   void writeAttribute(const std::string& name, float value);
   void writeAttribute(const std::string& name, double value);
+  /// @}
   /// As UTF-8. An empty text writes no item, but the comma before it.
   void writeAttribute(const std::string& name, const std::u16string& value);
   /// The bytes as they stand.
   void writeAttribute(const std::string& name, const bstring& value);
+  /// In decimal.
   void writeAttribute(const std::string& name, long long value);
   /// "true" or "false".
   void writeAttribute(const std::string& name, bool value);

@@ -10,9 +10,9 @@ namespace zqxml {
 
 /// Writes a message as a compact paragraph in HTML, for the summary pane of a console.
 ///
-///   <p> Summary<BR>&nbsp;id&nbsp;:&nbsp;5<br><B>client </B><p>&nbsp;name&nbsp;:&nbsp;c1</p></div>
+///     <p> Summary<BR>&nbsp;id&nbsp;:&nbsp;5<br><B>client </B><p>&nbsp;name&nbsp;:&nbsp;c1</p></div>
 ///
-/// It is a fragment, whose closing "</div>" is opened by the page around it. Nothing is escaped, and nothing
+/// It is a fragment, whose closing `</div>` is opened by the page around it. Nothing is escaped, and nothing
 /// is left out but what has no form: who fills the context decides what is shown (DefaultSummaryTraverse
 /// does). Dates are plain numbers; enumerations are written by their names.
 class ZQXML_EXPORT HTMLGuiSummaryRenderContext : public HTMLValueContext {
@@ -27,12 +27,21 @@ class ZQXML_EXPORT HTMLGuiSummaryRenderContext : public HTMLValueContext {
   /// One line. QUIRK: an empty value is written too.
   void addToOutPut(const std::string& name, const std::string& value) override;
 
+  /// @{
+  /// The frame of the paragraph.
   void startHeader(std::string name) override;
   void endHeader(std::string name) override;
+  /// @}
+  /// @{
+  /// A sub-object: its label in bold, and a paragraph that nothing ends.
   void startSubHeader(MsgFieldContext& context) override;
   void endSubHeader(MsgFieldContext& context) override;
+  /// @}
+  /// @{
+  /// One field of the walk that is set, under its label.
   void writeAttribute(MsgFieldContext& context) override;
   void writeEnum(MsgFieldContext& context) override;
+  /// @}
 
  private:
   std::string output;

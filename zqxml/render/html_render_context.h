@@ -11,11 +11,11 @@ namespace zqxml {
 
 /// Writes a message as an indented outline in HTML: one line per value, a bold label over each sub-object.
 ///
-///   Job Options:<br>&nbsp;id&nbsp;:&nbsp;5<br><B>client</B><br>&nbsp; ... &nbsp;name&nbsp;:&nbsp;c1</div>
+///     Job Options:<br>&nbsp;id&nbsp;:&nbsp;5<br><B>client</B><br>&nbsp; ... &nbsp;name&nbsp;:&nbsp;c1</div>
 ///
 /// It is a fragment. When the options say so the outline is in a block that opens with a click: then the page
 /// around it must define the script function showdiv(id), which shows the element of that id. The fragment
-/// ends with a "</div>" in any case. Nothing is escaped: a page that shows what it does not trust must render
+/// ends with a `</div>` in any case. Nothing is escaped: a page that shows what it does not trust must render
 /// an escaped copy of the message.
 ///
 /// Left out are fields that the catalogue annotates as Suppress, HideInReports or Password, ulonglong,
@@ -36,15 +36,21 @@ class ZQXML_EXPORT HTMLRenderContext : public HTMLValueContext {
   /// One line, or what follows on the line of a reference. An empty value writes nothing.
   void addToOutPut(const std::string& name, const std::string& value) override;
 
+  /// @{
+  /// The frame of the outline, closed until a click when the options say so.
   void startHeader(std::string name) override;
   void endHeader(std::string name) override;
+  /// @}
   /// Opens a level under the field's label. Elements of one list whose sub-objects have labels of their own
   /// share one label.
   void startSubHeader(MsgFieldContext& context) override;
   /// Closes the level. One that got no items leaves its label behind, but does not count in the level around.
   void endSubHeader(MsgFieldContext& context) override;
+  /// @{
+  /// One field of the walk, if it may be shown, under its label.
   void writeAttribute(MsgFieldContext& context) override;
   void writeEnum(MsgFieldContext& context) override;
+  /// @}
 
  private:
   static void appendIndent(std::string& line, int units);

@@ -21,26 +21,33 @@ class ZQXML_EXPORT HTMLValueContext : public ZqXMLRenderContext {
   /// Replaces `text` by the mark-up so far.
   virtual void DumpToString(std::string& text) const = 0;
 
-  // These leave no trace.
+  /// @{
+  /// These leave no trace.
   void writeHeader(std::string name) override;
   void writeSubHeader(std::string name) override;
+  /// @}
   /// "(v1,v2)"; an empty list writes nothing. QUIRK: elements that are enumerations or objects have no text.
   void writeList(MsgFieldContext& context) override;
 
-  // Each makes the value's text and calls addToOutPut with it.
+  /// @{
+  /// Makes the value's text and calls addToOutPut with it. Null is an empty text.
   void writeAttribute(const std::string& name, const std::string& value);
-  void writeAttribute(const std::string& name, const char* value);
-  void writeAttribute(const std::string& name, int value);
-  void writeAttribute(const std::string& name, unsigned int value);
-  void writeAttribute(const std::string& name, long value);
-  void writeAttribute(const std::string& name, unsigned long value);
+  void writeAttribute(const std::string& name, const char* value);    ///< likewise
+  void writeAttribute(const std::string& name, int value);            ///< likewise
+  void writeAttribute(const std::string& name, unsigned int value);   ///< likewise
+  void writeAttribute(const std::string& name, long value);           ///< likewise
+  void writeAttribute(const std::string& name, unsigned long value);  ///< likewise
+  /// @}
+  /// @{
   /// Six decimals, whatever the locale.
   void writeAttribute(const std::string& name, float value);
-  void writeAttribute(const std::string& name, double value);
+  void writeAttribute(const std::string& name, double value);  ///< likewise
+  /// @}
   /// As UTF-8; an empty text writes nothing.
   void writeAttribute(const std::string& name, const std::u16string& value);
   /// "****", never the bytes.
   void writeAttribute(const std::string& name, const bstring& value);
+  /// In decimal.
   void writeAttribute(const std::string& name, long long value);
   /// Text of message 0x3D000552 for true and 0x3D000553 for false in the context's locale; without one "true"
   /// or "false".

@@ -1,4 +1,5 @@
-// The handlers that join a walk to a render context: they decide which fields reach the context.
+/// @file
+/// The handlers that join a walk to a render context: they decide which fields reach the context.
 #pragma once
 
 #include <zqxml/platform/export.h>
@@ -24,11 +25,13 @@ class ZQXML_EXPORT SummaryTraverse : public XmlTraverseHandler {
   void endTraverse(std::string rootName) override;
 
  protected:
+  /// Borrowed; may be null.
   ZqXMLRenderContext* context;
 };
 
-/// Also hands over single enumerations; leaves out unset sub-objects with what is in them, values that do not
-/// exist, and fields that the catalogue annotates as Suppress or HideInReports.
+/// The same, and what summaries are made with: also hands over single enumerations; leaves out unset
+/// sub-objects with what is in them, values that do not exist, and fields that the catalogue annotates as
+/// Suppress or HideInReports.
 class ZQXML_EXPORT DefaultSummaryTraverse : public SummaryTraverse {
  public:
   using SummaryTraverse::SummaryTraverse;

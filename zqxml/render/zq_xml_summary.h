@@ -1,4 +1,5 @@
-// ZqXMLSummary: a message, or its XML text, as something that people can read.
+/// @file
+/// ZqXMLSummary: a message, or its XML text, as something that people can read.
 #pragma once
 
 #include <zqxml/catalogue/result.h>
@@ -15,12 +16,13 @@ class ZqXMLRenderContext;
 
 /// Kept for callers; nothing reads it.
 struct ZqXMLFormatOptions {
-  std::uint32_t options = 0;
+  std::uint32_t options = 0;  ///< not used
 };
 
-/// No state: each call has a walker and a handler of its own, so any threads may call at once, each with
-/// messages and contexts of its own. Messages are not changed. A message without a class gives XN_MSG_OK and
-/// an empty summary. Failures are XN_MSG_FAILED; nothing is logged but what reading XML logs.
+/// Summaries of messages. No state: each call has a walker and a handler of its own, so any threads may call
+/// at once, each with messages and contexts of its own. Messages are not changed. A message without a class
+/// gives XN_MSG_OK and an empty summary. Failures are XN_MSG_FAILED; nothing is logged but what reading XML
+/// logs.
 class ZQXML_EXPORT ZqXMLSummary {
  public:
   /// Writes the message as one line of text (DefaultRenderContext) to `out`, which is not emptied. Fails for

@@ -1,4 +1,5 @@
-// EntityTypeHandler: gives the enumerations of a message the defaults that command parameters declare.
+/// @file
+/// EntityTypeHandler: gives the enumerations of a message the defaults that command parameters declare.
 #pragma once
 
 #include <zqxml/platform/export.h>

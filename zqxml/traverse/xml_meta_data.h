@@ -1,9 +1,10 @@
-// XMLMetaData: the values of a message as a flat list of paths and texts, and a message from such a list.
-//
-// catalogue/xpath_data.h tells what a path is; only subsystems whose schema names roots have any. The list
-// stands for the objects below the fields of a root; values in the root itself have no path. Nothing throws
-// but std::bad_alloc; what fails is told by the result and a line of the message log, of level 0 unless it
-// says otherwise.
+/// @file
+/// XMLMetaData: the values of a message as a flat list of paths and texts, and a message from such a list.
+///
+/// catalogue/xpath_data.h tells what a path is; only subsystems whose schema names roots have any. The list
+/// stands for the objects below the fields of a root; values in the root itself have no path. Nothing throws
+/// but std::bad_alloc; what fails is told by the result and a line of the message log, of level 0 unless it
+/// says otherwise.
 #pragma once
 
 #include <zqxml/catalogue/xpath_data.h>
@@ -19,22 +20,24 @@ class FieldDef;
 
 /// Result of XMLMetaData's two main operations.
 enum XMLSubsystemStatus : int {
-  XML_SUBSYSTEM_OK = 0,
-  XML_SUBSYSTEM_FAILED = 1,
+  XML_SUBSYSTEM_OK = 0,      ///< done
+  XML_SUBSYSTEM_FAILED = 1,  ///< not, or not all; the log tells why
 };
 
 /// One value of a message.
 struct XPathMetaData {
   int id = 0;         ///< id of the path
   std::string xpath;  ///< the path; not looked at when a message is made
-  std::string
-      value;     ///< as getStringFromFld gives it: numbers in decimal, byte strings and passwords in Base64
+  /// As getStringFromFld gives it: numbers in decimal, byte strings and passwords in Base64.
+  std::string value;
   int type = 0;  ///< 10,000 and a number for the kind of the value; not looked at either
   /// The field has the annotation SingleInstanced; false for an element of a list.
   bool singleInstanced = false;
   bool reserved = false;  ///< false
 };
 
+/// The list of a message's values, and back.
+///
 /// QUIRK: an object keeps the paths of the subsystem that it first worked with, so that it serves one:
 /// another subsystem's messages are then read and filled by the paths of the first. It belongs to one thread;
 /// the static operations serve any.

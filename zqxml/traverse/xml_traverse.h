@@ -1,16 +1,17 @@
-// XmlTraverse: walks a message with a handler, and merges messages.
-//
-// A walk takes the fields that have a name hash, one by one, through the handler (xml_traverse_handler.h),
-// and descends into sub-objects and lists of them. Maps are fields like any other: what is in them is not
-// walked. A walk by itself changes nothing; the handler may.
-//
-// The handler may change the message while it is walked. Elements that it appends to a list being walked are
-// walked too; where it takes away what is being walked, the walk goes on behind it, and the context of
-// endSubObject may have no message.
-//
-// Failure: what cannot be walked is logged (level 0, under "XmlTraverse::traverseHelpers" in plain mode and
-// "XmlTraverse::traverseByOrderHelper" in order mode) and passed over. Threads: a walker, its handler and the
-// message belong to one thread; two threads walk two messages with two walkers.
+/// @file
+/// XmlTraverse: walks a message with a handler, and merges messages.
+///
+/// A walk takes the fields that have a name hash, one by one, through the handler (xml_traverse_handler.h),
+/// and descends into sub-objects and lists of them. Maps are fields like any other: what is in them is not
+/// walked. A walk by itself changes nothing; the handler may.
+///
+/// The handler may change the message while it is walked. Elements that it appends to a list being walked are
+/// walked too; where it takes away what is being walked, the walk goes on behind it, and the context of
+/// endSubObject may have no message.
+///
+/// Failure: what cannot be walked is logged (level 0, under "XmlTraverse::traverseHelpers" in plain mode and
+/// "XmlTraverse::traverseByOrderHelper" in order mode) and passed over. Threads: a walker, its handler and
+/// the message belong to one thread; two threads walk two messages with two walkers.
 #pragma once
 
 #include <zqxml/catalogue/records.h>
@@ -26,11 +27,11 @@ class ZqXMLContextInfo;
 
 /// A class that is being walked in plain mode; the walk keeps these on its own stack.
 struct ProcessedClass {
-  const char* name;
-  const ProcessedClass* outer;
+  const char* name;             ///< of the class
+  const ProcessedClass* outer;  ///< the one around it; null at the root
 };
 
-/// Copies walk by themselves. As a handler it does nothing.
+/// Walks messages with a handler, and merges them. Copies walk by themselves. As a handler it does nothing.
 class ZQXML_EXPORT XmlTraverse : public XmlTraverseHandler {
  public:
   /// Walks `msg`, in the mode that the handler's getOrder asks for. Nothing happens, and the handler is not

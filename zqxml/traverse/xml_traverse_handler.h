@@ -1,5 +1,6 @@
-// XmlTraverseHandler: what a walk over a message calls. Derive from it to read or change a message field by
-// field; traverse/xml_traverse.h walks.
+/// @file
+/// XmlTraverseHandler: what a walk over a message calls. Derive from it to read or change a message field by
+/// field; traverse/xml_traverse.h walks.
 #pragma once
 
 #include <zqxml/platform/export.h>
@@ -15,12 +16,16 @@ class ZQXML_EXPORT XmlTraverseHandler {
  public:
   /// Locale 0, plain mode.
   XmlTraverseHandler() = default;
+  /// A locale (see EvGetLocText), and whether getOrder is true.
   XmlTraverseHandler(int initialLocaleId, bool inOrder) : localeId(initialLocaleId), order(inOrder) {}
+  /// @{
+  /// For derived classes, whose copies go on by themselves.
   XmlTraverseHandler(const XmlTraverseHandler&) = default;
-  XmlTraverseHandler(XmlTraverseHandler&&) = default;
+  XmlTraverseHandler(XmlTraverseHandler&&) = default;  ///< likewise
   XmlTraverseHandler& operator=(const XmlTraverseHandler&) = default;
   XmlTraverseHandler& operator=(XmlTraverseHandler&&) = default;
   virtual ~XmlTraverseHandler() = default;
+  /// @}
 
   /// Start of the walk; `rootName` is the name of the root's class behind its first '_', all of it when there
   /// is none.
@@ -42,8 +47,8 @@ class ZQXML_EXPORT XmlTraverseHandler {
   bool getOrder() const { return order; }
 
  protected:
-  int localeId = 0;
-  bool order = false;
+  int localeId = 0;    ///< getLocaleId
+  bool order = false;  ///< getOrder
 };
 
 }  // namespace zqxml

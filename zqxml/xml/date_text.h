@@ -1,10 +1,11 @@
-// Text forms of dates and times, which are stored as plain integers: seconds since the epoch, or seconds in a
-// day.
-//
-// A field is a date or a time by its annotation (annotation_record.h). Conversions use the process's local
-// time zone (TZ), so one text can mean two numbers on two machines. Free functions without state; nothing
-// throws. Two pairs of readers exist on purpose: the exported read...Annotation are lenient, the process...
-// pair that the XML reader uses is strict.
+/// @file
+/// Text forms of dates and times, which are stored as plain integers: seconds since the epoch, or seconds in
+/// a day.
+///
+/// A field is a date or a time by its annotation (annotation_record.h). Conversions use the process's local
+/// time zone (TZ), so one text can mean two numbers on two machines. Free functions without state; nothing
+/// throws. Two pairs of readers exist on purpose: the exported read...Annotation are lenient, the process...
+/// pair that the XML reader uses is strict.
 #pragma once
 
 #include <zqxml/platform/export.h>
@@ -24,8 +25,9 @@ enum DateTextError : int {
   kDateFormatMismatch = 2345,
 };
 
-/// Values of Annotation::DateType as the functions below take them.
+/// Annotation::DateType of a date with a time, as the functions below take it.
 inline constexpr unsigned kDateTypeDateTime = 1;
+/// Annotation::DateType of a date alone.
 inline constexpr unsigned kDateTypeDate = 2;
 
 /// Reads a date text into `size` bytes (0 to 8) at `out`, machine byte order: "2020-01-31", "2020-01-31

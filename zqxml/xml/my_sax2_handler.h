@@ -13,8 +13,9 @@ namespace zqxml {
 class XNMessageBase;
 class ZqXMLContextInfo;
 
-/// Content and error handler of one parse; not reset for another, used by one thread. All other operations
-/// are those of DefaultHandler, so a text that is not well formed ends in a SAXParseException.
+/// Makes a message of the events of an XML parser: content and error handler of one parse; not reset for
+/// another, used by one thread. All other operations are those of DefaultHandler, so a text that is not well
+/// formed ends in a SAXParseException.
 ///
 /// Names are looked up in the catalogue; what is not there is skipped and logged (level 10 and 15). With
 /// namespaces on, local names count, otherwise qualified ones. A root element without a class, and objects
@@ -38,17 +39,22 @@ class ZQXML_EXPORT MySAX2Handler : public xercesc::DefaultHandler {
   XNMessageBase* getMainObject();
   /// Ends what the parse has left unfinished and gives the main object. No event may follow.
   XNMessageBase* finish();
+  /// @{
   /// For passwords. The context is borrowed, the flags are copied.
   void setContextInfo(ZqXMLContextInfo* context);
   void setEncodingFlags(EncodingFlags& flags);
+  /// @}
   /// Notes that the object keeps its values, which is the doing of whoever starts the parse. Nothing reads
   /// it.
   void setDefaultsWhileUnserialization() { defaultsWhileUnserialization_ = true; }
 
+  /// @{
+  /// The events of the parser, which nobody else sends. What they throw is what the class tells.
   void startElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname,
                     const xercesc::Attributes& attributes) override;
   void endElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname) override;
   void characters(const XMLCh* chars, XMLSize_t length) override;
+  /// @}
   /// Throws the exception as DefaultHandler does, but in memory that does not end with the parser.
   void fatalError(const xercesc::SAXParseException& error) override;
 

@@ -1,7 +1,8 @@
-// Text forms of single values: plain decimal numbers, default-formatted floating point, Base64 for byte
-// strings.
-//
-// Every form is independent of the process's locale. Dates and times have their forms in date_text.h.
+/// @file
+/// Text forms of single values: plain decimal numbers, default-formatted floating point, Base64 for byte
+/// strings.
+///
+/// Every form is independent of the process's locale. Dates and times have their forms in date_text.h.
 #pragma once
 
 #include <zqxml/catalogue/lookup.h>
@@ -36,13 +37,15 @@ ZQXML_EXPORT std::size_t printFloating(NumberBuffer& buffer, double value);
 template <class Char>
 class BasicNumberText {
  public:
-  /// Decimal.
+  /// @{
+  /// A whole number in decimal.
   static BasicNumberText ofSigned(std::int64_t value) {
     return BasicNumberText([value](auto& buffer) { return internal::printSigned(buffer, value); });
   }
   static BasicNumberText ofUnsigned(std::uint64_t value) {
     return BasicNumberText([value](auto& buffer) { return internal::printUnsigned(buffer, value); });
   }
+  /// @}
   /// What a default-formatted stream prints in the classic locale: six significant digits, the shorter of
   /// fixed and scientific form ("0.1", "1e+06", "-inf", "nan"). A float prints as its double. Digits beyond
   /// the sixth are lost; the form requires it.
@@ -50,9 +53,11 @@ class BasicNumberText {
     return BasicNumberText([value](auto& buffer) { return internal::printFloating(buffer, value); });
   }
 
+  /// The text, valid as long as this object.
   std::basic_string_view<Char> view() const { return {text_.data(), size_}; }
   /// NUL-terminated, like every c_str().
   const Char* c_str() const { return text_.data(); }
+  /// view().
   operator std::basic_string_view<Char>() const { return view(); }
 
  private:
@@ -68,7 +73,9 @@ class BasicNumberText {
   std::size_t size_ = 0;
 };
 
+/// The text of a number in UTF-8.
 using NumberText = BasicNumberText<char>;
+/// The text of a number in UTF-16.
 using WideNumberText = BasicNumberText<char16_t>;
 
 }  // namespace zqxml

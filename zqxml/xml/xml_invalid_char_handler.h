@@ -1,8 +1,9 @@
-// XmlInvalidCharHandler: carries text that XML 1.0 cannot hold through XML and back.
-//
-// Escape form: one "|", then the text, each illegal UTF-16 unit as "|#" HEX "!" (upper case, no leading
-// zeros): A, U+0001, B is "|A|#1!B". A text without illegal units stands as it is. Legal units are 9, 10, 13,
-// 0x20 to 0xD7FF and 0xE000 to 0xFFFD; surrogates are illegal, each unit by itself.
+/// @file
+/// XmlInvalidCharHandler: carries text that XML 1.0 cannot hold through XML and back.
+///
+/// Escape form: one "|", then the text, each illegal UTF-16 unit as "|#" HEX "!" (upper case, no leading
+/// zeros): A, U+0001, B is "|A|#1!B". A text without illegal units stands as it is. Legal units are 9, 10,
+/// 13, 0x20 to 0xD7FF and 0xE000 to 0xFFFD; surrogates are illegal, each unit by itself.
 #pragma once
 
 #include <zqxml/platform/export.h>
@@ -13,8 +14,8 @@
 
 namespace zqxml {
 
-/// A handler encodes or decodes one text in its life; a fresh one is taken for the next. It belongs to one
-/// thread. The static members have no state.
+/// Carries text that XML 1.0 cannot hold through XML and back. A handler encodes or decodes one text in its
+/// life; a fresh one is taken for the next. It belongs to one thread. The static members have no state.
 class ZQXML_EXPORT XmlInvalidCharHandler {
  public:
   XmlInvalidCharHandler() = default;
@@ -30,6 +31,7 @@ class ZQXML_EXPORT XmlInvalidCharHandler {
 
   // The same for the codecs, without a copy where there is nothing to do.
 
+  /// Whether XML 1.0 can hold the UTF-16 unit by itself; no surrogate is.
   static constexpr bool isLegal(char16_t unit) {
     return unit >= 0x20 ? unit < 0xd800 || (unit >= 0xe000 && unit <= 0xfffd)
                         : unit == 9 || unit == 10 || unit == 13;

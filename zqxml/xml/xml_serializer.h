@@ -1,12 +1,4 @@
 // XMLSerializer: the XML codec, one object per call.
-//
-// Writing walks the fields of a message through the catalogue into a Xerces-C DOM document and lets a DOM
-// writer turn it into text. Reading drives a SAX2 reader that never validates, loads nothing from outside and
-// expands no entity. docs/xml-form.md tells the form.
-//
-// Failure: results are eXNMsgRet with a log line; nothing throws. A field that cannot be written is logged
-// and left out, and the call still answers XN_MSG_OK. Threads: an object belongs to one call; the start-up of
-// Xerces-C is shared and guarded, the listener registry is shared and not locked.
 #pragma once
 
 #include <zqxml/annotation/xml_serialization_support.h>
@@ -35,20 +27,32 @@ class ZqXMLContextInfo;
 /// What writes a DOM tree as text; its encoding is chosen by the output that it writes to.
 using DOMWriter = xercesc::DOMLSSerializer;
 
+/// The XML codec, one object per call.
+///
+/// Writing walks the fields of a message through the catalogue into a Xerces-C DOM document and lets a DOM
+/// writer turn it into text. Reading drives a SAX2 reader that never validates, loads nothing from outside
+/// and expands no entity. docs/xml-form.md tells the form.
+///
+/// Failure: results are eXNMsgRet with a log line; nothing throws. A field that cannot be written is logged
+/// and left out, and the call still answers XN_MSG_OK. Threads: an object belongs to one call; the start-up
+/// of Xerces-C is shared and guarded, the listener registry is shared and not locked.
 class ZQXML_EXPORT XMLSerializer : public XMLSerializationSupport {
  public:
   /// Default flags, no context.
   XMLSerializer() = default;
   /// The context is borrowed; null for none.
   explicit XMLSerializer(ZqXMLContextInfo* context) : context_(context) {}
+  /// With flags; the context as above.
   XMLSerializer(EncodingFlags flags, ZqXMLContextInfo* context) : context_(context), flags_(flags) {}
 
-  // --- Writing. `out` is replaced on success. XN_MSG_FAILED: no DOM implementation, or the document could
-  // not be built (`msg` without a class, an exception of a listener). XN_MSG_XML_LIBRARY_ERROR: Xerces-C did
-  // not start. QUIRK: when the finished document cannot be dumped as text the answer is XN_MSG_OK all the
-  // same, and `out` keeps what it held. Missing lists of old-way objects are made and marked on the way.
+  // --- Writing
 
-  /// UTF-8 with an XML declaration, form version 2.
+  /// UTF-8 with an XML declaration, form version 2. This holds for all of these operations:
+  ///
+  /// `out` is replaced on success. XN_MSG_FAILED: no DOM implementation, or the document could not be built
+  /// (`msg` without a class, an exception of a listener). XN_MSG_XML_LIBRARY_ERROR: Xerces-C did not start.
+  /// QUIRK: when the finished document cannot be dumped as text the answer is XN_MSG_OK all the same, and
+  /// `out` keeps what it held. Missing lists of old-way objects are made and marked on the way.
   eXNMsgRet serialize(XNMessageBase& msg, std::string& out);
   /// UTF-8 with an XML declaration. Below version 2 passwords are plain Base64, cut at their first NUL.
   eXNMsgRet serialize(XNMessageBase& msg, std::string& out, int version);
@@ -57,23 +61,29 @@ class ZQXML_EXPORT XMLSerializer : public XMLSerializationSupport {
   /// UTF-16 in native byte order, without a byte order mark; `rootOnly` leaves the declaration out.
   eXNMsgRet serializeUTF16(XNMessageBase& msg, std::u16string& out, bool rootOnly);
 
-  // --- Reading. XN_MSG_FAILED for an empty text, XN_MSG_PARSE_ERROR for one that is not well formed,
-  // XN_MSG_XML_LIBRARY_ERROR for any other exception.
+  // --- Reading
 
+  /// @{
   /// Fills `msg`; unless `keepExisting`, it is reset first, whatever the text turns out to be. On failure it
-  /// holds what was read so far.
+  /// holds what was read so far. XN_MSG_FAILED for an empty text, XN_MSG_PARSE_ERROR for one that is not well
+  /// formed, XN_MSG_XML_LIBRARY_ERROR for any other exception; each with a line.
   eXNMsgRet unserialize(XNMessageBase& msg, const std::string& xml, bool keepExisting);
   eXNMsgRet unserialize(XNMessageBase& msg, std::string& xml, bool keepExisting);
+  /// @}
   /// Wide text in native byte order. `ignored` has no effect.
   eXNMsgRet unserialize(XNMessageBase& msg, const char16_t* xml, bool ignored, bool keepExisting);
+  /// @{
   /// New object of the root tag's class, or null; the caller owns it.
   XNMessageBase* unserialize(const std::string& xml, bool keepExisting);
   XNMessageBase* unserialize(std::string& xml, bool keepExisting);
+  /// @}
 
+  /// @{
   /// Tag name and tag id of the root tag's class, from the start of the text alone. On false both are cleared
   /// when the text was looked at.
   static bool GetTagAndTagIDFromXML(std::string& xml, std::string& tag, unsigned& tagId);
   static bool GetTagAndTagIDFromXML(std::u16string& xml, std::string& tag, unsigned& tagId);
+  /// @}
 
   // --- Files, by default flags. The file is open and stays the caller's.
 
@@ -86,8 +96,11 @@ class ZQXML_EXPORT XMLSerializer : public XMLSerializationSupport {
   /// The object that a handler reads into or has made.
   static XNMessageBase* getSAXHandlerMessageObject(MySAX2Handler& handler);
 
+  /// @{
+  /// What it was made with.
   const EncodingFlags& flags() const { return flags_; }
   ZqXMLContextInfo* context() const { return context_; }
+  /// @}
 
   /// True once Xerces-C runs in this process; it is never terminated.
   static std::atomic<bool> isXercesInitialized;
