@@ -101,7 +101,7 @@ def finish_page(path, addresses, is_guide):
                   lambda match: f'<div class="title">{match[1]} <small>{match[2].lower()}</small>', text)
     text = re.sub(r'<img src="closed\.png"[^>]*>\s*(?:&#160;)?', '', text)
     text = re.sub(r' onclick="[^"]*"', '', text)
-    text = re.sub(r'<p ?><a class="anchor" id="md_[^"]*"></a></p>\n', '', text)  # holds the path of the build
+    text = re.sub(r'<a class="anchor" id="md_[^"]*"></a>\s*', '', text).replace('<p ></p>', '')  # has the path of the build
     text = re.sub(r'<script type="text/javascript">.*?</script>', '', text, flags=re.S)
     if path.name != 'annotated.html':
         text = re.sub(rf'(?<!"bottom">)<a class="el" href="structzqxml_1_1({WORDS})\.html"[^>]*>\1</a>', r'\1', text)

@@ -131,7 +131,8 @@ class BuildTest(Scratch):
         done = self.build('/// Shown.\nint shown();')
         self.assertEqual((done.returncode, done.stderr), (0, ''))
         page = (self.root / 'out/html/guide_guide.html').read_text(encoding='utf-8')
-        self.assertRegex(page, r'<a class="el" href="namespacezqxml.html#\w+"><code>shown\(\)</code></a>')
+        self.assertRegex(page, r'<code><a class="el" href="namespacezqxml.html#\w+" title="Shown.">shown\(\)</a></code>')
+        self.assertNotIn(str(self.root), page)
         self.assertIn('["shown","function",', (self.root / 'out/html/search_index.js').read_text(encoding='utf-8'))
         self.assertEqual(self.run_build().returncode, 0)
 
