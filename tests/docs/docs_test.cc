@@ -122,6 +122,15 @@ TEST(Readme, CodeIsThatOfTheExample) {
   EXPECT_TRUE(found) << "README.md does not show\n" << code;
 }
 
+TEST(Readme, LeadsToEveryPage) {
+  const std::string readme = contentOf(kSource / "README.md");
+  for (const fs::path& document : documents()) {
+    const std::string name = document.filename().string();
+    EXPECT_TRUE(name == "README.md" || readme.find("](docs/" + name + ")") != std::string::npos)
+        << "README.md has no link to docs/" << name << " in its order of reading";
+  }
+}
+
 TEST(Readme, FitsAScreen) {
   EXPECT_LE(linesOf(contentOf(kSource / "README.md")).size(), 100u);
 }

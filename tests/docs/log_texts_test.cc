@@ -110,7 +110,8 @@ TEST(LogTexts, NoCallIsMissed) {
 TEST(LogTexts, EveryTextIsInTheIndex) {
   const auto rows = index();
   for (const LogText& text : allTexts().texts) {
-    const auto [first, last] = rows.equal_range(keyOf(text.text, text.level));
+    const auto range = rows.equal_range(keyOf(text.text, text.level));
+    const auto first = range.first, last = range.second;
     EXPECT_NE(first, last) << text.place << " writes a line of level " << text.level
                            << " which docs/log-texts.md lacks: " << text.text;
     if (first == last) continue;
