@@ -88,6 +88,13 @@ def begin_with_description(text):
     return BRIEF.sub(lambda brief: '<a id="details"></a>' + found[1], text, count=1)
 
 
+def drop_empty_places(text):
+    """The line of places under the title names nested classes even when all of them are private."""
+    def keep(link):
+        return link[0] if re.search(rf'(id|name)="{link[1]}"', text) else ''
+    return re.sub(r'<a href="#([\w-]+)">[^<]*</a> &#124;\n', keep, text)
+
+
 def finish_page(path, addresses, is_guide):
     """Marks the page in the navigation, and ends what needs doxygen's scripts or links to the wrong place."""
     text = path.read_text(encoding='utf-8')
@@ -96,9 +103,11 @@ def finish_page(path, addresses, is_guide):
     if '<main' not in text:
         text = text.replace('<div class="contents">', '<main id="main">\n<div class="contents">', 1)
     text = text.replace('<footer>', '</main>\n<footer>', 1)
-    text = begin_with_description(text)
+    text = drop_empty_places(begin_with_description(text))
     text = re.sub(r'<div class="title">([^<]*?) (Class|Struct|Namespace|File|Concept)( Template)? Reference',
                   lambda match: f'<div class="title">{match[1]} <small>{match[2].lower()}</small>', text)
+    # Folders have pages whose names hold the path of the build; the list of headers says all that they say.
+    text = re.sub(r'<a class="el" href="dir_[^"]*"[^>]*>(.*?)</a>', r'\1', text)
     text = re.sub(r'<img src="closed\.png"[^>]*>\s*(?:&#160;)?', '', text)
     text = re.sub(r' onclick="[^"]*"', '', text)
     text = re.sub(r'<a class="anchor" id="md_[^"]*"></a>\s*', '', text).replace('<p ></p>', '')  # has the path of the build

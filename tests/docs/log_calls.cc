@@ -173,6 +173,7 @@ class Collector {
 
 const std::vector<LogFunction>& logFunctions() {
   static constexpr char kBinary[] = "BinarySerializer::unserializeBinaryRecur";
+  static constexpr char kXml[] = "XMLSerializer::serializeXMLRecur";
   static const std::vector<LogFunction> functions = {
       {"logError", "", 0, "", -1, 0, 1},
       {"logDebug", "", 0, "", 1, 0, 2},
@@ -184,6 +185,8 @@ const std::vector<LogFunction>& logFunctions() {
       // What passes a text on.
       {"report", "zqxml/binary/internal/", -1, kBinary, -1, 0, 0},
       {"fail", "zqxml/binary/internal/", -1, kBinary, -1, 0, 0},
+      {"report", "zqxml/xml/internal/xml_walk.h", -1, kXml, -1, 0, 0},
+      {"trace", "zqxml/xml/internal/xml_walk.h", -1, kXml, -1, 15, 0},
       {"object", "zqxml/binary/internal/map_reader.h", -1, kBinary, -1, 0, 1},
       {"follow", "zqxml/catalogue/lookup.cc", -1, "XNMessageBase::GetClassDefFromPtrToClassID", -1, 0, 1},
       {"refuse", "zqxml/platform/zq_password.cc", 0, "", -1, 0, 1},
@@ -198,6 +201,7 @@ const std::vector<TextSource>& textSources() {
       {"zqxml/binary/internal/wire_reader.h", "format", "", ""},
       {"zqxml/binary/internal/map_reader.h", "failure", "", ""},
       {"zqxml/catalogue/lookup.cc", "text", "", ""},
+      {"zqxml/xml/internal/xml_walk.h", "format", "", ""},
       {"zqxml/xml/xml_serializer_write.cc", "failure", "", ""},
       // The log itself, and lines of the program's own.
       {"zqxml/logging/xml_log_context.h", "format", "", ""},
