@@ -66,8 +66,8 @@ class ZQXML_EXPORT CUlFile {
   /// Takes an open descriptor over, which Close will close. Nothing is read ahead: others may read on from
   /// its position.
   void Attach(int descriptor, std::string name);
-  /// Closes the file, if one is open: success when none is. It is closed also when it gives an error, which is
-  /// that of what Append held back, or the system's; what was written may be lost then.
+  /// Closes the file, if one is open: success when none is. It is closed also when it gives an error, which
+  /// is that of what Append held back, or the system's; what was written may be lost then.
   CUlError Close();
 
   /// Whether a file is open.
