@@ -122,6 +122,17 @@ class Packages(unittest.TestCase):
         # Pages of manuals are compressed in packages.
         self.assertEqual(sorted(path for path in installed if path not in packed and path + '.gz' not in packed), [])
 
+    def test_A_tree_below_any_folder_works_as_well(self):
+        prefix = scratch / 'below'
+        run('cmake', '--install', str(arguments.build), '--prefix', str(prefix))
+        self.assertIn('Anmeldename', run(str(prefix / 'bin/zqmsg'), 'summary', '--html', '--locale', '1031',
+                                         str(ROOT / 'examples/save_alert.xml')))
+        pc, = prefix.glob('lib/*/pkgconfig')
+        include, library = run('pkg-config', '--cflags-only-I', '--libs-only-L', 'zqxmlmsgsbase',
+                               env={**os.environ, 'PKG_CONFIG_PATH': str(pc)}).split()
+        self.assertTrue((pathlib.Path(include.removeprefix('-I')) / 'zqxml/zqxml.h').is_file(), include)
+        self.assertTrue((pathlib.Path(library.removeprefix('-L')) / 'libZqXMLMsgsBase.so').is_file(), library)
+
     def test_Each_declares_what_it_depends_on(self):
         for name in CONTENTS:
             with self.subTest(package=name):
