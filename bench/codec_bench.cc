@@ -4,8 +4,8 @@
 // thousand sub-objects. Every call makes its output anew, ours and the peer's alike.
 #include <bench/job_data.h>
 #include <bench/measurements.h>
-#include <bench/our_messages.h>
 #include <bench/protobuf_peer.h>
+#include <bench/subject.h>
 #include <bench/xerces_peer.h>
 #include <benchmark/benchmark.h>
 #include <zqxml/binary/binary_buffer.h>
@@ -24,10 +24,9 @@ namespace {
 using google::protobuf::Message;
 
 /// One message in every shape that a measurement starts from.
-struct Subject {
-  std::string name;
-  std::unique_ptr<XNMessageBase> ours;
-  std::unique_ptr<Message> generated;
+struct CodecSubject : Subject {
+  using Subject::Subject;
+
   std::unique_ptr<Message> dynamic;
   std::function<std::string()> writeByHand;
   std::string xml;
@@ -36,11 +35,8 @@ struct Subject {
 };
 
 template <class Data>
-std::unique_ptr<Subject> subject(std::string name, std::shared_ptr<const Data> data) {
-  auto result = std::make_unique<Subject>();
-  result->name = std::move(name);
-  result->ours = ourMessage(*data);
-  result->generated = generatedMessage(*data);
+std::unique_ptr<CodecSubject> subject(std::string name, std::shared_ptr<const Data> data) {
+  auto result = std::make_unique<CodecSubject>(std::move(name), *data);
   result->dynamic.reset(dynamicPrototype(*result->generated).New());
   result->writeByHand = [data] { return writtenByHand(*data); };
 
@@ -59,7 +55,7 @@ std::unique_ptr<Subject> subject(std::string name, std::shared_ptr<const Data> d
   return result;
 }
 
-void measureBinary(Subject& s) {
+void measureBinary(CodecSubject& s) {
   measure("encode/ours/" + s.name, [&s] {
     BinaryBuffer buffer;
     benchmark::DoNotOptimize(BinarySerializer::serialize(*s.ours, buffer));
@@ -82,7 +78,7 @@ void measureBinary(Subject& s) {
   }
 }
 
-void measureXml(Subject& s) {
+void measureXml(CodecSubject& s) {
   measure("write/ours/" + s.name, [&s] {
     std::string out;
     benchmark::DoNotOptimize(s.ours->serialize(out));
@@ -98,7 +94,7 @@ void measureXml(Subject& s) {
   measure("read/bare/" + s.name, [&s] { parseBare(s.xml); });
 }
 
-std::vector<Comparison> comparisons(const std::vector<std::unique_ptr<Subject>>& subjects) {
+std::vector<Comparison> comparisons(const std::vector<std::unique_ptr<CodecSubject>>& subjects) {
   std::vector<Comparison> rows;
   for (const auto& s : subjects) {
     const std::string& name = s->name;
@@ -118,7 +114,7 @@ std::vector<Comparison> comparisons(const std::vector<std::unique_ptr<Subject>>&
 }
 
 int run(int argc, char** argv) {
-  std::vector<std::unique_ptr<Subject>> subjects;
+  std::vector<std::unique_ptr<CodecSubject>> subjects;
   subjects.push_back(subject("small", std::make_shared<const JobEntry>(soleEntry())));
   subjects.push_back(subject("medium", std::make_shared<const JobReport>(jobReport(20))));
   subjects.push_back(subject("large", std::make_shared<const JobReport>(jobReport(5000))));

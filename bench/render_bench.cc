@@ -3,8 +3,7 @@
 // The messages are those of codec_bench.
 #include <bench/job_data.h>
 #include <bench/measurements.h>
-#include <bench/our_messages.h>
-#include <bench/protobuf_peer.h>
+#include <bench/subject.h>
 #include <google/protobuf/text_format.h>
 #include <zqxml/render/default_render_context.h>
 #include <zqxml/render/html_gui_summary_render_context.h>
@@ -22,12 +21,6 @@ namespace zqxml::bench {
 namespace {
 
 using google::protobuf::Message;
-
-struct Subject {
-  std::string name;
-  std::unique_ptr<XNMessageBase> ours;
-  std::unique_ptr<Message> generated;
-};
 
 template <class Context>
 std::string rendered(XNMessageBase& message, Context context) {
@@ -56,10 +49,7 @@ std::string peerText(const Message& message) {
 
 template <class Data>
 std::unique_ptr<Subject> subject(std::string name, const Data& data) {
-  auto result = std::make_unique<Subject>();
-  result->name = std::move(name);
-  result->ours = ourMessage(data);
-  result->generated = generatedMessage(data);
+  auto result = std::make_unique<Subject>(std::move(name), data);
   std::printf("%-6s  %8zu bytes of text, %8zu of outline, %8zu of paragraph, %8zu of the peer's text\n",
               result->name.c_str(), text(*result->ours).size(), outline(*result->ours).size(),
               paragraph(*result->ours).size(), peerText(*result->generated).size());

@@ -4,8 +4,7 @@
 // peer's asks every message for its set fields (ListFields), down to the last.
 #include <bench/job_data.h>
 #include <bench/measurements.h>
-#include <bench/our_messages.h>
-#include <bench/protobuf_peer.h>
+#include <bench/subject.h>
 #include <zqxml/traverse/xml_traverse.h>
 
 #include <cstddef>
@@ -19,12 +18,6 @@ namespace {
 using google::protobuf::FieldDescriptor;
 using google::protobuf::Message;
 using google::protobuf::Reflection;
-
-struct Subject {
-  std::string name;
-  std::unique_ptr<XNMessageBase> ours;
-  std::unique_ptr<Message> generated;
-};
 
 class EmptyHandler : public XmlTraverseHandler {
  public:
@@ -62,10 +55,7 @@ std::size_t walkReflected(const Message& message) {
 
 template <class Data>
 std::unique_ptr<Subject> subject(std::string name, const Data& data) {
-  auto result = std::make_unique<Subject>();
-  result->name = std::move(name);
-  result->ours = ourMessage(data);
-  result->generated = generatedMessage(data);
+  auto result = std::make_unique<Subject>(std::move(name), data);
   CountingHandler counter;
   walk(*result->ours, counter);
   require(counter.count == walkReflected(*result->generated), "the two messages have not the same fields");
