@@ -113,6 +113,14 @@ TEST_F(LintTest, NamesOneTypoApartAreFoundInTheirClassOnly) {
               IsEmpty());
 }
 
+TEST_F(LintTest, EnumeratorsOneTypoApartAreFound) {
+  EXPECT_THAT(lint("<enum name=\"E\" index=\"0\">\n<value name=\"STARTED\" value=\"1\"/>\n"
+                   "<value name=\"STATED\" value=\"2\"/>\n<value name=\"DONE\" value=\"3\"/>\n</enum>"),
+              ElementsAre("4:8 names-one-typo-apart"));
+  EXPECT_THAT(findings[0].text,
+              HasSubstr("enumerator 'STATED' of T_E is one typing error away from 'STARTED' at line 3"));
+}
+
 TEST(NameTyposTest, OneCharacterPutInLeftOutOrReplaced) {
   EXPECT_THAT(findNameTypos({"color", "colour"}), ElementsAre(Pair(1, 0)));
   EXPECT_THAT(findNameTypos({"colour", "color"}), ElementsAre(Pair(1, 0)));

@@ -4,6 +4,7 @@
 
 #include "diff_change.h"
 #include "diff_fields.h"
+#include "field_forms.h"
 
 namespace zqxml::zqcatc {
 
@@ -50,9 +51,6 @@ std::string flagChanges(const AnnotationRecord& before, const AnnotationRecord& 
   return text.empty() ? "what they say" : text;
 }
 
-constexpr FieldTypeSet kPasswordTypes = FieldTypeSet::ofStorage(
-    Overloaded{[](Owned<element::PStr>) { return true; }, [](auto) { return false; }});
-
 /// What a password field's record is to the codecs.
 void comparePassword(bool hadRecord, bool hasRecord, const AnnotationRecord& before,
                      const AnnotationRecord& after, Change& change) {
@@ -76,7 +74,7 @@ void compareAnnotations(const std::optional<std::string>& before, const std::opt
   const AnnotationRecord old(before.has_value() ? std::string_view(*before) : std::string_view());
   const AnnotationRecord now(after.has_value() ? std::string_view(*after) : std::string_view());
   Change change("annotation", place, cat("annotations of ", what, " changed (", flagChanges(old, now), ")"));
-  if (kPasswordTypes.contains(type)) comparePassword(before.has_value(), after.has_value(), old, now, change);
+  if (isPassword(type)) comparePassword(before.has_value(), after.has_value(), old, now, change);
   if (kNumberTypes.contains(type) && (old.dateType() != now.dateType() || old.isTime() != now.isTime()))
     change.xml(
         "a readable text holds a date, a time or a number, and only a reader that expects it reads it");

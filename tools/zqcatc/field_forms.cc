@@ -127,6 +127,12 @@ bool isLostInBinary(unsigned type) {
   return kLostInBinary.contains(type);
 }
 
+bool isPassword(unsigned type) {
+  constexpr FieldTypeSet kPasswordTypes = FieldTypeSet::ofStorage(
+      Overloaded{[](Owned<element::PStr>) { return true; }, [](auto) { return false; }});
+  return kPasswordTypes.contains(type);
+}
+
 std::string typeText(unsigned type) {
   return type < kFieldTypeCount ? typeName(static_cast<FieldDataType>(type)) : cat("type ", type);
 }

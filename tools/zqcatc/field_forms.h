@@ -15,6 +15,9 @@ std::string storageForm(unsigned type);
 /// True for the two types whose record in the binary form leads every reader astray.
 bool isLostInBinary(unsigned type);
 
+/// True for types whose values are passwords.
+bool isPassword(unsigned type);
+
 /// Name in schema files, or "type 77" for an unknown one.
 std::string typeText(unsigned type);
 

@@ -18,15 +18,14 @@ constexpr std::array<std::string_view, 6> kRules{"sensitive-in-clear", "password
                                                  "lost-in-binary",     "map-in-sub-object",
                                                  "closes-sub-object",  "names-one-typo-apart"};
 
-constexpr FieldTypeSet kPasswordTypes = FieldTypeSet::ofStorage(
-    Overloaded{[](Owned<element::PStr>) { return true; }, [](auto) { return false; }});
 /// Maps with a side that is a number or a text.
 constexpr FieldTypeSet kMapsOfValues = FieldTypeSet::ofStorage(
     Overloaded{[](Map<element::Obj, element::Obj>) { return false; },
                []<class K, class V>(Map<K, V>) { return true; }, [](auto) { return false; }});
 
 std::string nameOf(const Member& member) {
-  return cat("field '", member.field->name, "' of ", member.owner->fullName);
+  return cat(member.owner->isEnumeration ? "enumerator '" : "field '", member.field->name, "' of ",
+             member.owner->fullName);
 }
 
 class Linter {
@@ -36,9 +35,9 @@ class Linter {
   std::vector<Finding> run() {
     for (const SubsystemShot& subsystem : catalogue_.subsystems) {
       for (const ClassShot& record : subsystem.classes) {
+        checkNames(record);
         if (record.isEnumeration) continue;
         for (const FieldShot& field : record.fields) checkField({&record, &field});
-        checkNames(record);
       }
     }
     for (const EarlyEnd& end : earlyEnds(catalogue_)) {
@@ -69,7 +68,7 @@ class Linter {
                  "': masked texts show it in clear, since single values alone are masked; mark the fields of "
                  "its class, or keep it out of what is logged"));
     }
-    if (kPasswordTypes.contains(field.type) && record.passwordType() == 0) checkPassword(member);
+    if (isPassword(field.type) && record.passwordType() == 0) checkPassword(member);
     if (isLostInBinary(field.type)) {
       report(
           "lost-in-binary", member,
