@@ -96,6 +96,7 @@ class Narrator {
  public:
   static constexpr bool kTraces = false;
   static constexpr bool kDecrypts = false;
+  static constexpr bool kWatches = true;
 
   Narrator(std::string_view bytes, const std::function<void(const BinaryNote&)>& sink)
       : bytes_(bytes), sink_(sink) {}

@@ -10,6 +10,7 @@
 #include <zqxml/xml/xml_decoder.h>
 
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -276,6 +277,12 @@ class BodyReader : public WireReader<Observer> {
     const std::uint64_t count = frame.collectionCount;
     if (!in.fits(count * wire::kLeastSize<E>)) return overrun(in);
     values.resize(count);
+    if constexpr (wire::kCopied<E> && !Observer::kWatches) {
+      const std::uint64_t size = count * wire::kLeastSize<E>;
+      if (size != 0) std::memcpy(values.data(), in.buffer() + in.position(), size);
+      in.skip(size);
+      return true;
+    }
     for (std::uint32_t i = 0; i < count; ++i) {
       element(i, "");
       if (!this->template number<E>(in, WirePart::kNumber, values[i])) {

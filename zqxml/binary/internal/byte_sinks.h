@@ -140,7 +140,8 @@ class ExactWriter {
     return nested(at);
   }
   template <element::Number E>
-  Position numbers(Position at, std::uint64_t, const std::vector<typename E::Value>& values) const {
+  Position numbers(Position at, std::uint64_t size, const std::vector<typename E::Value>& values) const {
+    if constexpr (wire::kCopied<E>) return bytes(at, {reinterpret_cast<const char*>(values.data()), size});
     for (const auto value : values) {
       if constexpr (wire::kCoding<E> == wire::NumberCoding::kZigzag) {
         at = varint(at, BinaryStream::zigzag(value));

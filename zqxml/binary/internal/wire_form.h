@@ -15,6 +15,7 @@
 #include <zqxml/catalogue/field_types.h>
 #include <zqxml/catalogue/records.h>
 
+#include <bit>
 #include <concepts>
 #include <cstdint>
 #include <cstring>
@@ -105,6 +106,12 @@ template <element::Number E>
 inline constexpr unsigned kLeastSize<E> = kCoding<E> == NumberCoding::kFixed64   ? 8
                                           : kCoding<E> == NumberCoding::kFixed32 ? 4
                                                                                  : 1;
+
+/// Whether the bytes of a packed list are those of its vector.
+template <element::Number E>
+inline constexpr bool kCopied = std::endian::native == std::endian::little&& kLeastSize<E> ==
+                                    sizeof(typename E::Value) &&
+                                kLeastSize<E> != 1;
 
 /// Encoding that a map states for one of its sides.
 template <class E>

@@ -39,6 +39,7 @@ class SilentObserver {
  public:
   static constexpr bool kTraces = true;
   static constexpr bool kDecrypts = true;
+  static constexpr bool kWatches = false;
 
   template <class... Args>
   void report(const char* format, const Args&... args) {
