@@ -31,9 +31,8 @@ bool isAttribute(const FieldDef& field) {
 bool isPlainName(std::string_view name) {
   const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
   const auto isInner = [&](char c) { return isLetter(c) || (c >= '0' && c <= '9') || c == '.' || c == '-'; };
-  if (name.empty() || !isLetter(name.front()) || !std::all_of(name.begin(), name.end(), isInner))
-    return false;
-  return name.size() < 3 || !((name[0] | 0x20) == 'x' && (name[1] | 0x20) == 'm' && (name[2] | 0x20) == 'l');
+  return !name.empty() && isLetter(name.front()) && std::all_of(name.begin(), name.end(), isInner) &&
+         !name.starts_with("xml");
 }
 
 std::string_view textOf(PlannedName name) {

@@ -42,7 +42,10 @@ class ZQXML_EXPORT XmlInvalidCharHandler {
   /// one).
   static void appendEncoded(std::u16string& out, std::u16string_view text);
   /// True when decoding may change the text.
-  static constexpr bool isEscaped(std::u16string_view text) { return !text.empty() && text.front() == u'|'; }
+  template <class Text>
+  static constexpr bool isEscaped(const Text& text) {
+    return !text.empty() && text.front() == '|';
+  }
   /// Appends what a reader of decodeInvalidChars's result sees: the text up to its first NUL, be it one that
   /// an escape sequence stood for.
   static void appendDecoded(std::u16string& out, std::u16string_view text);

@@ -1,13 +1,19 @@
 // The reading side of XMLSerializer: the parser drivers and what starts a parse.
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/internal/message_access.h>
+#include <zqxml/message/internal/nesting_limit.h>
 #include <zqxml/platform/internal/xerces_ptr.h>
+#include <zqxml/xml/internal/message_reader.h>
 #include <zqxml/xml/internal/sax_parse.h>
+#include <zqxml/xml/internal/xml_scanner.h>
+#include <zqxml/xml/internal/xml_start_up_once.h>
 #include <zqxml/xml/my_sax2_handler.h>
 #include <zqxml/xml/xml_serializer.h>
 
 #include <exception>
 #include <memory>
+#include <new>
+#include <optional>
 #include <string_view>
 #include <xercesc/framework/XMLPScanToken.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
@@ -25,16 +31,68 @@ constexpr char kParseWide[] = "XMLSerializer::parserHelperWideChar";
 constexpr char kTag[] = "XMLSerializer::GetTagAndTagIDFromXML";
 constexpr char kTagStart[] = "XMLSerializer::_GetTagAndTagIDFromXML";
 
-/// Reads into `msg` by `parse`, which runs a handler over a text that is not empty.
+/// How the parse of one kind of text says what it failed of.
+struct ParseTexts {
+  const char* function;
+  const char* xmlException;
+  const char* parseException;
+  /// Null: QUIRK: standard exceptions end as unknown ones, without their text.
+  const char* standardException;
+};
+constexpr ParseTexts kNarrow{kParse, "XMLException: %s", "SAXParseException: %s", "Encountered error : [%s]"};
+constexpr ParseTexts kWide{kParseWide, "XMLException : [%s]", "SAXParseException: [%s]", nullptr};
+
+template <class Char>
+constexpr const ParseTexts& kTextsOf = sizeof(Char) == 1 ? kNarrow : kWide;
+
+/// Runs a parse, logs what it throws, and gives the result.
 template <class Parse>
-eXNMsgRet readInto(XNMessageBase& msg, bool keepExisting, Parse parse) {
-  MySAX2Handler handler(&msg);
-  if (keepExisting) {
-    handler.setDefaultsWhileUnserialization();
-  } else {
-    MessageAccess::resetAndWipe(msg);
+eXNMsgRet guardParse(const ParseTexts& texts, Parse parse) {
+  try {
+    parse();
+    return XN_MSG_OK;
+  } catch (const xercesc::XMLException& error) {
+    logError(texts.function, texts.xmlException, viewOf(error.getMessage()));
+  } catch (const xercesc::SAXParseException& error) {
+    logError(texts.function, texts.parseException, viewOf(error.getMessage()));
+    return XN_MSG_PARSE_ERROR;
+  } catch (const std::exception& error) {
+    if (texts.standardException != nullptr)
+      logError(texts.function, texts.standardException, error.what());
+    else
+      logError(texts.function, "Unknown Exception!");
+  } catch (...) {
+    logError(texts.function, "Unknown Exception!");
   }
-  return parse(handler);
+  return XN_MSG_XML_LIBRARY_ERROR;
+}
+
+/// Whether the text is plain, so that a scanner can take the place of the parser.
+template <class Char>
+bool scans(XmlScanner<Char>& scanner, std::basic_string_view<Char> xml) {
+  const XmlStartUp& startUp = XmlStartUp::process();
+  if (!startUp.isStarted() || !startUp.fastXml()) return false;
+  try {
+    return scanner.scan(xml);
+  } catch (const std::bad_alloc&) {
+    return false;  // the parser may do with less
+  }
+}
+
+/// Reads plain text into `root`, or into a new object that is put there. Nothing when the text is for the
+/// parser.
+template <class Char>
+std::optional<eXNMsgRet> readPlain(XNMessageBase*& root, std::basic_string_view<Char> xml,
+                                   const EncodingFlags& flags, ZqXMLContextInfo* context) {
+  XmlScanner<Char> scanner;
+  if (!scans(scanner, xml)) return std::nullopt;
+  BasicMessageReader<Char> reader(root, static_cast<std::size_t>(NestingLimit::get()));
+  reader.setContextInfo(context);
+  reader.setEncodingFlags(flags);
+  const eXNMsgRet result = guardParse(kTextsOf<Char>, [&] { scanner.drive(reader); });
+  reader.finish();
+  root = reader.root();
+  return result;
 }
 
 /// Ends the object that a handler has made, whatever became of the parse.
@@ -52,7 +110,12 @@ bool refuseEmpty(bool empty) {
 
 eXNMsgRet XMLSerializer::unserialize(XNMessageBase& msg, const std::string& xml, bool keepExisting) {
   if (refuseEmpty(xml.empty())) return XN_MSG_FAILED;
-  return readInto(msg, keepExisting, [&](MySAX2Handler& handler) { return parserHelper(&handler, xml); });
+  if (!keepExisting) MessageAccess::resetAndWipe(msg);
+  XNMessageBase* root = &msg;
+  if (const auto result = readPlain<char>(root, xml, flags_, context_)) return *result;
+  MySAX2Handler handler(&msg);
+  if (keepExisting) handler.setDefaultsWhileUnserialization();
+  return parserHelper(&handler, xml);
 }
 
 eXNMsgRet XMLSerializer::unserialize(XNMessageBase& msg, std::string& xml, bool keepExisting) {
@@ -62,17 +125,25 @@ eXNMsgRet XMLSerializer::unserialize(XNMessageBase& msg, std::string& xml, bool 
 eXNMsgRet XMLSerializer::unserialize(XNMessageBase& msg, const char16_t* xml, bool ignored,
                                      bool keepExisting) {
   if (refuseEmpty(xml == nullptr || *xml == 0)) return XN_MSG_FAILED;
-  return readInto(msg, keepExisting,
-                  [&](MySAX2Handler& handler) { return parserHelperWideChar(&handler, xml, ignored); });
+  if (!keepExisting) MessageAccess::resetAndWipe(msg);
+  XNMessageBase* root = &msg;
+  if (const auto result = readPlain<char16_t>(root, xml, flags_, context_)) return *result;
+  MySAX2Handler handler(&msg);
+  if (keepExisting) handler.setDefaultsWhileUnserialization();
+  return parserHelperWideChar(&handler, xml, ignored);
 }
 
 XNMessageBase* XMLSerializer::unserialize(const std::string& xml, bool keepExisting) {
   if (refuseEmpty(xml.empty())) return nullptr;
-  MySAX2Handler handler;
-  if (keepExisting) handler.setDefaultsWhileUnserialization();
-  const eXNMsgRet result = parserHelper(&handler, xml);
-  XNMessageBase* made = handler.finish();
-  if (result == XN_MSG_OK) return made;
+  XNMessageBase* made = nullptr;
+  std::optional<eXNMsgRet> result = readPlain<char>(made, xml, flags_, context_);
+  if (!result.has_value()) {
+    MySAX2Handler handler;
+    if (keepExisting) handler.setDefaultsWhileUnserialization();
+    result = parserHelper(&handler, xml);
+    made = handler.finish();
+  }
+  if (*result == XN_MSG_OK) return made;
   delete made;
   return nullptr;
 }
@@ -88,21 +159,10 @@ eXNMsgRet XMLSerializer::parserHelper(MySAX2Handler* handler, const std::string&
   }
   handler->setContextInfo(context_);
   handler->setEncodingFlags(flags_);
-  try {
+  return guardParse(kNarrow, [&] {
     const TextSource source{std::string_view(xml)};
     SaxParse(*handler, xml.size()).reader().parse(source);
-    return XN_MSG_OK;
-  } catch (const xercesc::XMLException& error) {
-    logError(kParse, "XMLException: %s", viewOf(error.getMessage()));
-  } catch (const xercesc::SAXParseException& error) {
-    logError(kParse, "SAXParseException: %s", viewOf(error.getMessage()));
-    return XN_MSG_PARSE_ERROR;
-  } catch (const std::exception& error) {
-    logError(kParse, "Encountered error : [%s]", error.what());
-  } catch (...) {
-    logError(kParse, "Unknown Exception!");
-  }
-  return XN_MSG_XML_LIBRARY_ERROR;
+  });
 }
 
 eXNMsgRet XMLSerializer::parserHelperWideChar(MySAX2Handler* handler, const char16_t* xml, bool) {
@@ -112,23 +172,13 @@ eXNMsgRet XMLSerializer::parserHelperWideChar(MySAX2Handler* handler, const char
   }
   handler->setContextInfo(context_);
   handler->setEncodingFlags(flags_);
-  try {
+  return guardParse(kWide, [&] {
     const std::u16string_view text(xml);
     TextSource source(text);
     // A text with a declaration says its encoding itself.
     if (!text.starts_with(u"<?xml ")) source.setEncoding(xercesc::XMLUni::fgUTF16LEncodingString);
     SaxParse(*handler, text.size() * sizeof(char16_t)).reader().parse(source);
-    return XN_MSG_OK;
-  } catch (const xercesc::XMLException& error) {
-    logError(kParseWide, "XMLException : [%s]", viewOf(error.getMessage()));
-  } catch (const xercesc::SAXParseException& error) {
-    logError(kParseWide, "SAXParseException: [%s]", viewOf(error.getMessage()));
-    return XN_MSG_PARSE_ERROR;
-  } catch (...) {
-    // QUIRK: standard exceptions end here too, without their text.
-    logError(kParseWide, "Unknown Exception!");
-  }
-  return XN_MSG_XML_LIBRARY_ERROR;
+  });
 }
 
 XNMessageBase* XMLSerializer::getSAXHandlerMessageObject(MySAX2Handler& handler) {

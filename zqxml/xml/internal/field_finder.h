@@ -1,26 +1,13 @@
-// From a name of the text to a field of a class, by the 24-bit name hash.
+// From a name of the text to a field of a class, by the 24-bit name hash. Not installed.
 #pragma once
 
-#include <zqxml/catalogue/name_hash.h>
 #include <zqxml/catalogue/records.h>
-#include <zqxml/platform/text.h>
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 
 namespace zqxml {
-
-/// The name hash of UTF-16 text: that of its UTF-8 bytes, taken without a conversion where it is ASCII.
-constexpr std::uint32_t nameHash(std::u16string_view name) {
-  std::uint32_t hash = 0;
-  for (const char16_t unit : name) {
-    if (unit > 0x7f) return nameHash(toUtf8(name));
-    hash = hash * 31 + unit;
-  }
-  return hash & 0xffffff;
-}
 
 /// Finds the first field in declared order with a hash.
 ///

@@ -11,6 +11,7 @@
 #include <zqxml/xml/internal/field_finder.h>
 #include <zqxml/xml/internal/message_reader_path.h>
 #include <zqxml/xml/internal/message_reader_values.h>
+#include <zqxml/xml/internal/name_view.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -25,31 +26,32 @@ namespace zqxml {
 
 class ZqXMLContextInfo;
 
-/// One attribute: its local name and its value with all references resolved.
-struct AttributeView {
-  std::u16string_view name;
-  std::u16string_view value;
-};
-
-/// Serves one parse, on one thread, and is not reset for another. Views need to hold for the length of a call
-/// only.
+/// Serves one parse, on one thread, and is not reset for another. `Char` is what its source gives: char for
+/// UTF-8, char16_t for UTF-16. Views need to hold for the length of a call only.
 ///
 /// Failure: a root element without a class, and objects nested too deep, throw (std::exception); the source
 /// of events then has to stop, and what it still gives without a root is passed over, as is an end without a
 /// start. Everything else is logged and passed over. The root object holds what was read
 /// until then, and objects that hang nowhere end with the reader.
-class MessageReader {
+template <class Char>
+class BasicMessageReader {
  public:
+  using View = std::basic_string_view<Char>;
+  using Name = NameView<Char>;
+  using Attributes = std::span<const BasicAttributeView<Char>>;
+
   /// Reads into `root`, which stays the caller's; null to make an object of the class that the root element
   /// names. `maxLevels` objects may be nested, 0 for any number, in the elements that so many take at most.
-  explicit MessageReader(XNMessageBase* root, std::size_t maxLevels);
+  explicit BasicMessageReader(XNMessageBase* root, std::size_t maxLevels);
 
-  void start(std::u16string_view name, std::span<const AttributeView> attributes);
-  void end(std::u16string_view name);
+  void start(Name name, Attributes attributes);
+  void end(Name name);
   /// A part of a text; one text may come in several.
-  void characters(std::u16string_view text) {
+  void characters(View text) {
     if (capturing_) text_ += text;
   }
+  /// Whether a text at this place is more than passed over.
+  bool takesCharacters() const { return capturing_; }
 
   /// The object read into, or the one made, which belongs to the caller; null while there is none.
   XNMessageBase* root() const { return path_.root(); }
@@ -87,12 +89,12 @@ class MessageReader {
 
   // Elements.
   void checkDepth();
-  void openRoot(std::u16string_view name, std::span<const AttributeView> attributes);
-  bool openObject(const FieldDef& field, std::span<const AttributeView> attributes);
-  bool processAttributes(std::span<const AttributeView> attributes);
-  void readVal(const FieldDef* field, std::u16string_view value);
+  void openRoot(Name name, Attributes attributes);
+  bool openObject(const FieldDef& field, Attributes attributes);
+  bool processAttributes(Attributes attributes);
+  void readVal(const FieldDef* field, View value);
   bool endObject(std::uint32_t hash);
-  void endUnknown(std::u16string_view name, bool wasCapturing);
+  void endUnknown(View name, bool wasCapturing);
   const FieldDef* find(const XNMessageBase& object, std::uint32_t hash);
 
   // Maps.
@@ -100,7 +102,7 @@ class MessageReader {
   void openEntry(const FieldDef& field);
   void openMapValue();
   bool capturesSide(std::uint32_t hash) const;
-  void readSide(std::u16string_view text);
+  void readSide(View text);
   void endKeyObject();
   void endValueObject();
   bool takeSide(PathRole role);
@@ -114,18 +116,22 @@ class MessageReader {
   std::size_t depth_ = 0;
   ObjectPath path_;
   FieldFinder finder_;
-  FieldTextReader values_;
+  FieldTextReader<Char> values_;
   std::vector<MapEntry> entries_;
   std::uint64_t entryCount_ = 0;
   /// The field of the last entry that began.
   FieldDef mapField_;
-  std::u16string text_;
-  std::u16string rootTag_;
-  std::u16string skipTag_;
+  std::basic_string<Char> text_;
+  std::basic_string<Char> rootTag_;
+  std::basic_string<Char> skipTag_;
   bool started_ = false;
   bool skipping_ = false;
   /// The element now open is a value held as text.
   bool capturing_ = false;
 };
+
+/// What a SAX parser gives its events to.
+using MessageReader = BasicMessageReader<char16_t>;
+using AttributeView = BasicAttributeView<char16_t>;
 
 }  // namespace zqxml

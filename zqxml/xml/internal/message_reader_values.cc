@@ -8,6 +8,7 @@
 #include <zqxml/xml/base64_decode.h>
 #include <zqxml/xml/date_text.h>
 #include <zqxml/xml/internal/message_reader_values.h>
+#include <zqxml/xml/internal/name_view.h>
 #include <zqxml/xml/xml_decoder.h>
 #include <zqxml/xml/xml_invalid_char_handler.h>
 
@@ -30,13 +31,18 @@ bool equalsIgnoringCase(View text, std::string_view name) {
   });
 }
 
+bool isName(std::string_view text, std::string_view name) {
+  return equalsIgnoringCase(text, name);
+}
+
 /// Likewise for wide text, which is compared as UTF-8 where it is not ASCII.
 bool isName(std::u16string_view text, std::string_view name) {
   const bool ascii = std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
   return ascii ? equalsIgnoringCase(text, name) : equalsIgnoringCase<std::string_view>(toUtf8(text), name);
 }
 
-std::int64_t parseBool(std::u16string_view text) {
+template <class View>
+std::int64_t parseBool(View text) {
   if (isName(text, "false")) return 0;
   if (isName(text, "true")) return 1;
   return parseInt64(text);
@@ -44,8 +50,9 @@ std::int64_t parseBool(std::u16string_view text) {
 
 /// The number or the name of an enumerator; nothing, and a line, for a name that the enumeration does not
 /// have. QUIRK: a minus sign is no digit, so a negative number is taken for a name and does not come back.
-std::optional<std::int64_t> parseEnum(const FieldDef& field, std::u16string_view text, const char* where) {
-  if (!text.empty() && text.front() >= u'0' && text.front() <= u'9') return parseInt64(text);
+template <class View>
+std::optional<std::int64_t> parseEnum(const FieldDef& field, View text, const char* where) {
+  if (!text.empty() && text.front() >= '0' && text.front() <= '9') return parseInt64(text);
   const _ClassDef* enumeration = catalogue::classOfField(field);
   if (enumeration == nullptr) {
     logError(where, "Error identifying %s as an enum value", text);
@@ -61,13 +68,14 @@ std::optional<std::int64_t> parseEnum(const FieldDef& field, std::u16string_view
 }  // namespace
 
 /// Stores one text in a field that holds one value.
-struct FieldTextReader::ScalarStore {
+template <class Char>
+struct FieldTextReader<Char>::ScalarStore {
   FieldTextReader& reader;
   XNMessageBase& object;
   const FieldDef& field;
   /// The text, and the same as numbers are read from it.
-  std::u16string_view text;
-  std::u16string_view number;
+  View text;
+  View number;
   const char* where;
 
   template <element::Integer E>
@@ -105,11 +113,12 @@ struct FieldTextReader::ScalarStore {
 };
 
 /// Appends one text to a list field.
-struct FieldTextReader::ListAppend {
+template <class Char>
+struct FieldTextReader<Char>::ListAppend {
   FieldTextReader& reader;
   XNMessageBase& object;
   const FieldDef& field;
-  std::u16string_view text;
+  View text;
 
   void operator()(List<element::Int32>) const {
     // The two lists share their storage, not their reading: the one keeps the low half, the other saturates.
@@ -138,17 +147,19 @@ struct FieldTextReader::ListAppend {
   }
 };
 
-void FieldTextReader::storeAttribute(XNMessageBase& object, const FieldDef& field, std::u16string_view text,
-                                     const char* where) {
+template <class Char>
+void FieldTextReader<Char>::storeAttribute(XNMessageBase& object, const FieldDef& field, View text,
+                                           const char* where) {
   visitStorage(field.getType(), ScalarStore{*this, object, field, text, text, where});
 }
 
-void FieldTextReader::storeText(XNMessageBase& object, const FieldDef& field, std::u16string_view text,
-                                const char* where) {
-  const std::u16string_view number = trimSpace(text);
+template <class Char>
+void FieldTextReader<Char>::storeText(XNMessageBase& object, const FieldDef& field, View text,
+                                      const char* where) {
+  const View number = trimSpace(text);
   visitStorage(field.getType(), ScalarStore{*this, object, field, text, number, where});
   if (field.getType() == FDT_RESERVED_29) {
-    MessageAccess::setCdata(object, field, cdata(toUtf8(text)));
+    MessageAccess::setCdata(object, field, cdata(utf8Text(text)));
   } else if (field.getType() == FDT_LIST_ENUM) {
     if (const auto value = parseEnum(field, number, where))
       MessageAccess::make<std::vector<std::uint32_t>>(object, field, true)
@@ -158,23 +169,32 @@ void FieldTextReader::storeText(XNMessageBase& object, const FieldDef& field, st
   }
 }
 
-void FieldTextReader::appendVal(XNMessageBase& object, const FieldDef& field, std::u16string_view text) {
+template <class Char>
+void FieldTextReader<Char>::appendVal(XNMessageBase& object, const FieldDef& field, View text) {
   visitStorage(field.getType(), ListAppend{*this, object, field, text});
 }
 
-void FieldTextReader::readString(std::u16string_view text, std::string& out) {
+template <class Char>
+void FieldTextReader<Char>::readString(View text, std::string& out) {
+  if constexpr (std::is_same_v<Char, char>) {
+    if (!XmlInvalidCharHandler::isEscaped(text)) {
+      out = text;
+      return;
+    }
+  }
   out.clear();
   appendUtf8(out, restored(text));
 }
 
-void FieldTextReader::storeNumber(XNMessageBase& object, const FieldDef& field, std::u16string_view text,
-                                  const char* where) {
+template <class Char>
+void FieldTextReader<Char>::storeNumber(XNMessageBase& object, const FieldDef& field, View text,
+                                        const char* where) {
   const AnnotationRecord annotation(field);
   if (annotation.isTime()) {
     std::uint32_t seconds = 0;
-    if (text.find(u':') == text.npos) {
+    if (text.find(':') == text.npos) {
       MessageAccess::setInteger(object, field, parseInt64(text));
-    } else if (processZQTime(toUtf8(text).c_str(), &seconds)) {
+    } else if (processZQTime(utf8Text(text).c_str(), &seconds)) {
       MessageAccess::setInteger(object, field, seconds);
     } else {
       return logError(where, "Error in ZQTime representation");
@@ -182,7 +202,7 @@ void FieldTextReader::storeNumber(XNMessageBase& object, const FieldDef& field, 
   }
   if (annotation.dateType() != 0) {
     std::uint32_t date = 0;
-    if (processXDate(toUtf8(text).c_str(), &date, static_cast<int>(annotation.dateType())))
+    if (processXDate(utf8Text(text).c_str(), &date, static_cast<int>(annotation.dateType())))
       return MessageAccess::setInteger(object, field, date);
     MessageAccess::setInteger(object, field, parseInt64(text));
     return logDebug(where, 25, "Error in XDate representation");
@@ -190,8 +210,9 @@ void FieldTextReader::storeNumber(XNMessageBase& object, const FieldDef& field, 
   if (!annotation.isTime()) MessageAccess::setInteger(object, field, parseInt64(text));
 }
 
-void FieldTextReader::storePassword(XNMessageBase& object, const FieldDef& field, std::u16string_view text,
-                                    const char* where) {
+template <class Char>
+void FieldTextReader<Char>::storePassword(XNMessageBase& object, const FieldDef& field, View text,
+                                          const char* where) {
   pstring& target = *MessageAccess::owned<pstring>(object, field);
   if (text.empty()) {
     target = std::string();
@@ -208,19 +229,32 @@ void FieldTextReader::storePassword(XNMessageBase& object, const FieldDef& field
   MessageAccess::mark(object, field.getMemNum());
 }
 
-std::u16string_view FieldTextReader::restored(std::u16string_view text) {
-  if (!XmlInvalidCharHandler::isEscaped(text)) return text;
-  scratch_.clear();
-  XmlInvalidCharHandler::appendDecoded(scratch_, text);
+template <class Char>
+std::u16string_view FieldTextReader<Char>::restored(View text) {
+  if constexpr (std::is_same_v<Char, char>) {
+    scratch_.clear();
+    if (XmlInvalidCharHandler::isEscaped(text))
+      XmlInvalidCharHandler::appendDecoded(scratch_, toUtf16(text));
+    else
+      appendUtf16(scratch_, text);
+  } else {
+    if (!XmlInvalidCharHandler::isEscaped(text)) return text;
+    scratch_.clear();
+    XmlInvalidCharHandler::appendDecoded(scratch_, text);
+  }
   return scratch_;
 }
 
 /// QUIRK: text that is not Base64 gives no bytes, which are stored.
-std::string FieldTextReader::readBytes(std::u16string_view text) {
+template <class Char>
+std::string FieldTextReader<Char>::readBytes(View text) {
   std::string bytes;
   base64DecodeXmlCh(std::u16string(restored(text)).c_str(), bytes);
   return bytes;
 }
+
+template class FieldTextReader<char>;
+template class FieldTextReader<char16_t>;
 
 void readSpecialCharsSetting() {
   // A race only reads the setting twice, with the same result.

@@ -13,38 +13,39 @@ namespace zqxml {
 
 class ZqXMLContextInfo;
 
-/// Converts and stores texts. Each field is one of the object's own class; its bit is marked when a value was
-/// stored. What cannot be converted is logged under `where`, the name of the calling operation, and leaves
-/// the field as it was. Belongs to one parse.
+/// Converts and stores texts, of UTF-8 (Char is char) or UTF-16 (char16_t). Each field is one of the object's
+/// own class; its bit is marked when a value was stored. What cannot be converted is logged under `where`,
+/// the name of the calling operation, and leaves the field as it was. Belongs to one parse.
+template <class Char>
 class FieldTextReader {
  public:
+  using View = std::basic_string_view<Char>;
+
   /// Both are used when a password is read; the context is borrowed and may be null.
   EncodingFlags flags;
   ZqXMLContextInfo* context = nullptr;
 
   /// The value of an attribute that is named after the field. Lists, maps and objects take none.
-  void storeAttribute(XNMessageBase& object, const FieldDef& field, std::u16string_view text,
-                      const char* where);
+  void storeAttribute(XNMessageBase& object, const FieldDef& field, View text, const char* where);
   /// The text inside an element that is named after the field: the same, but numbers may have white space
   /// around them, and a list gets one more element.
-  void storeText(XNMessageBase& object, const FieldDef& field, std::u16string_view text, const char* where);
+  void storeText(XNMessageBase& object, const FieldDef& field, View text, const char* where);
   /// The attribute `val` of an element that is named after a list field: one more element. Anything but a
   /// list of values takes none.
-  void appendVal(XNMessageBase& object, const FieldDef& field, std::u16string_view text);
+  void appendVal(XNMessageBase& object, const FieldDef& field, View text);
 
   /// The text as UTF-8 into `out`, with what XML cannot hold restored.
-  void readString(std::u16string_view text, std::string& out);
+  void readString(View text, std::string& out);
 
  private:
   struct ScalarStore;
   struct ListAppend;
 
-  void storeNumber(XNMessageBase& object, const FieldDef& field, std::u16string_view text, const char* where);
-  void storePassword(XNMessageBase& object, const FieldDef& field, std::u16string_view text,
-                     const char* where);
-  /// With what XML cannot hold restored: the text itself, or a place in scratch_.
-  std::u16string_view restored(std::u16string_view text);
-  std::string readBytes(std::u16string_view text);
+  void storeNumber(XNMessageBase& object, const FieldDef& field, View text, const char* where);
+  void storePassword(XNMessageBase& object, const FieldDef& field, View text, const char* where);
+  /// As UTF-16 with what XML cannot hold restored: the text itself, or a place in scratch_.
+  std::u16string_view restored(View text);
+  std::string readBytes(View text);
 
   std::u16string scratch_;
 };

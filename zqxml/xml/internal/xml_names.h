@@ -4,7 +4,9 @@
 namespace zqxml {
 
 /// The attribute that holds the value of a list element or of a side of a map entry.
-inline constexpr char16_t kValName[] = u"val";
+template <class Char>
+inline constexpr Char kValText[] = {'v', 'a', 'l', 0};
+inline constexpr const char16_t (&kValName)[4] = kValText<char16_t>;
 /// The elements of the two sides of a map entry.
 inline constexpr char16_t kMapKeyName[] = u"__mapKey__";
 inline constexpr char16_t kMapValueName[] = u"__mapValue__";

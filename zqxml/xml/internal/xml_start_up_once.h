@@ -30,6 +30,8 @@ class XmlStartUp {
   bool startLibrary(const char* function);
   /// Whether the setting "EventManager"/"nDisableXMLValidation" was other than 0 when the codec started.
   bool validationDisabled() const { return validationDisabled_.load(std::memory_order_relaxed); }
+  /// Whether startCodec has succeeded.
+  bool isStarted() const { return started_.load(std::memory_order_acquire); }
   /// Whether XML may take the roads beside the XML library: unless the setting
   /// "EventManager"/"XMLMessage_DISABLEFASTXML" was other than 0 when the codec started.
   bool fastXml() const { return fastXml_.load(std::memory_order_relaxed); }

@@ -1,0 +1,335 @@
+#include <zqxml/xml/internal/xml_characters.h>
+#include <zqxml/xml/internal/xml_scanner.h>
+
+#include <limits>
+#include <utility>
+
+namespace zqxml {
+namespace {
+
+void append(std::u16string& out, char32_t c) {
+  if (c < 0x10000) {
+    out += static_cast<char16_t>(c);
+  } else {
+    out += static_cast<char16_t>(0xd7c0 + (c >> 10));
+    out += static_cast<char16_t>(0xdc00 + (c & 0x3ff));
+  }
+}
+void append(std::string& out, char32_t c) {
+  const auto put = [&out](char32_t byte) { out += static_cast<char>(byte); };
+  if (c < 0x80) return put(c);
+  if (c < 0x800) {
+    put(0xc0 | c >> 6);
+  } else {
+    if (c < 0x10000) {
+      put(0xe0 | c >> 12);
+    } else {
+      put(0xf0 | c >> 18);
+      put(0x80 | (c >> 12 & 0x3f));
+    }
+    put(0x80 | (c >> 6 & 0x3f));
+  }
+  put(0x80 | (c & 0x3f));
+}
+
+}  // namespace
+
+template <class Char>
+bool XmlScanner<Char>::scan(View text) {
+  // The text itself and a part's number have to fit into 32 bits.
+  if (text.size() >= std::numeric_limits<std::uint32_t>::max() / 2) return false;
+  text_ = at_ = text.data();
+  end_ = text_ + text.size();
+  parts_.clear();
+  parts_.reserve(text.size() / 8 + 16);
+  open_.clear();
+  if (at_[0] == '<' && at_[1] == '?' && !scanDeclaration()) return false;
+  if (!scanMisc() || !scanStartTag()) return false;
+  while (!open_.empty())
+    if (!scanContent()) return false;
+  return scanMisc() && at_ == end_;
+}
+
+/// An encoding is named or not in UTF-8; the library finds out about UTF-16 by its name.
+template <class Char>
+bool XmlScanner<Char>::scanDeclaration() {
+  constexpr bool kWide = sizeof(Char) != 1;
+  if (!skipWord("<?xml ")) return false;
+  skipSpace();
+  if (!skipWord("version") || !skipEquals() || !skipQuoted("1.0")) return false;
+  bool space = skipSpace();
+  if (space && skipWord("encoding")) {
+    if (!skipEquals()) return false;
+    if (!(kWide ? skipQuoted("UTF-16") : skipQuoted("UTF-8") || skipQuoted("utf-8"))) return false;
+    space = skipSpace();
+  } else if (kWide) {
+    return false;
+  }
+  if (space && skipWord("standalone")) {
+    if (!skipEquals() || !(skipQuoted("no") || skipQuoted("yes"))) return false;
+    skipSpace();
+  }
+  return skipWord("?>");
+}
+
+/// White space and comments, up to a tag or the end.
+template <class Char>
+bool XmlScanner<Char>::scanMisc() {
+  for (;;) {
+    skipSpace();
+    if (at_[0] != '<' || at_[1] != '!') return true;
+    if (!scanComment()) return false;
+  }
+}
+
+template <class Char>
+bool XmlScanner<Char>::scanStartTag() {
+  if (at_[0] != '<' || open_.size() >= kMostLevels) return false;
+  ++at_;
+  const std::size_t tag = parts_.size();
+  Part name{.start = 0, .length = 0, .hash = 0, .kind = Kind::start};
+  if (!scanName(name)) return false;
+  parts_.push_back(name);
+  if (!scanAttributes(tag)) return false;
+  if (*at_ == '>') {
+    ++at_;
+    open_.push_back(static_cast<std::uint32_t>(tag));
+    return true;
+  }
+  if (!skipWord("/>")) return false;
+  name.kind = Kind::end;
+  parts_.push_back(name);
+  return true;
+}
+
+template <class Char>
+bool XmlScanner<Char>::scanAttributes(std::size_t tag) {
+  for (std::size_t count = 0;; ++count) {
+    const bool space = skipSpace();
+    if (*at_ == '>' || *at_ == '/') return true;
+    if (!space || count >= kMostAttributes || !scanAttribute(tag)) return false;
+  }
+}
+
+template <class Char>
+bool XmlScanner<Char>::scanAttribute(std::size_t tag) {
+  Part name{.start = 0, .length = 0, .hash = 0, .kind = Kind::attribute};
+  Part value{.start = 0, .length = 0, .hash = 0, .kind = Kind::value};
+  if (!scanName(name) || !isNew(name, tag) || !skipEquals() || !scanValue(value)) return false;
+  parts_.push_back(name);
+  parts_.push_back(value);
+  return true;
+}
+
+/// Whether the tag has no attribute of that name yet. The name is about to be the next part.
+template <class Char>
+bool XmlScanner<Char>::isNew(const Part& name, std::size_t tag) {
+  std::uint32_t& latest = names_[name.hash % names_.size()];
+  const std::size_t before = std::exchange(latest, static_cast<std::uint32_t>(parts_.size()));
+  if (before <= tag || before >= parts_.size()) return true;
+  for (std::size_t i = tag + 1; i < parts_.size(); i += 2)
+    if (parts_[i].hash == name.hash && viewOf(parts_[i]) == viewOf(name)) return false;
+  return true;
+}
+
+template <class Char>
+bool XmlScanner<Char>::scanName(Part& name) {
+  if (!is(*at_, kFirstOfName)) return false;
+  const Char* const first = at_;
+  std::uint32_t hash = 0;
+  do {
+    hash = hash * 31 + unitOf(*at_++);
+  } while (is(*at_, kInName));
+  name.start = offset(first);
+  name.length = offset(at_) - name.start;
+  name.hash = hash & 0xffffff;
+  return first[0] != 'x' || first[1] != 'm' || first[2] != 'l';
+}
+
+template <class Char>
+bool XmlScanner<Char>::scanValue(Part& value) {
+  const Char quote = *at_;
+  if (quote != '"' && quote != '\'') return false;
+  const Char* at = ++at_;
+  for (;;) {
+    while (is(*at, kInValue)) ++at;
+    if (*at == quote) break;
+    if (*at == '&') {
+      const Reference reference = referenceAt(at);
+      if (reference.size == 0) return false;
+      at += reference.size;
+      value.coded = true;
+    } else if (*at == '"' || *at == '\'') {
+      ++at;
+    } else if (is(*at, kSpace)) {
+      ++at;
+      value.coded = true;
+    } else if (at = skipCharacter(at); at == nullptr) {
+      return false;
+    }
+  }
+  value.start = offset(at_);
+  value.length = offset(at) - value.start;
+  at_ = at + 1;
+  return true;
+}
+
+/// Behind the character beyond ASCII; null when there is none, or one that XML does not allow.
+template <class Char>
+const Char* XmlScanner<Char>::skipCharacter(const Char* at) const {
+  if (unitOf(*at) < 0x80) return nullptr;
+  const std::size_t size = sizeOfCharacter(at);
+  return size == 0 ? nullptr : at + size;
+}
+
+template <class Char>
+bool XmlScanner<Char>::scanContent() {
+  return *at_ == '<' ? scanMarkup() : scanText();
+}
+
+template <class Char>
+bool XmlScanner<Char>::scanMarkup() {
+  if (at_[1] == '/') return scanEndTag();
+  if (at_[1] != '!') return scanStartTag();
+  return at_[2] == '[' ? scanSection() : scanComment();
+}
+
+template <class Char>
+bool XmlScanner<Char>::scanEndTag() {
+  const Part& start = parts_[open_.back()];
+  at_ += 2;
+  if (static_cast<std::size_t>(end_ - at_) < start.length || View(at_, start.length) != viewOf(start))
+    return false;
+  Part name = start;
+  name.kind = Kind::end;
+  at_ += start.length;
+  skipSpace();
+  if (*at_ != '>') return false;
+  ++at_;
+  open_.pop_back();
+  parts_.push_back(name);
+  return true;
+}
+
+template <class Char>
+bool XmlScanner<Char>::scanText() {
+  Part text{.start = offset(at_), .length = 0, .hash = 0, .kind = Kind::text};
+  const Char* at = at_;
+  for (;;) {
+    while (is(*at, kInText)) ++at;
+    if (*at == '<') break;
+    if (*at == '&') {
+      const Reference reference = referenceAt(at);
+      if (reference.size == 0) return false;
+      at += reference.size;
+      text.coded = true;
+    } else if (*at == '\r') {
+      ++at;
+      text.coded = true;
+    } else if (*at == '>') {
+      if (at[-1] == ']') return false;
+      ++at;
+    } else if (at = skipCharacter(at); at == nullptr) {
+      return false;
+    }
+  }
+  at_ = at;
+  text.length = offset(at) - text.start;
+  parts_.push_back(text);
+  return true;
+}
+
+template <class Char>
+bool XmlScanner<Char>::scanComment() {
+  if (!skipWord("<!--")) return false;
+  for (;;) {
+    if (at_[0] == '-' && at_[1] == '-') return skipWord("-->");
+    if (is(*at_, kLegal))
+      ++at_;
+    else if (at_ = skipCharacter(at_); at_ == nullptr)
+      return false;
+  }
+}
+
+template <class Char>
+bool XmlScanner<Char>::scanSection() {
+  if (!skipWord("<![CDATA[")) return false;
+  Part section{.start = offset(at_), .length = 0, .hash = 0, .kind = Kind::section};
+  for (;;) {
+    if (at_[0] == ']' && at_[1] == ']' && at_[2] == '>') break;
+    if (at_[0] == '<' && at_[1] == '!') return false;
+    if (*at_ == '\r') section.coded = true;
+    if (is(*at_, kLegal))
+      ++at_;
+    else if (at_ = skipCharacter(at_); at_ == nullptr)
+      return false;
+  }
+  section.length = offset(at_) - section.start;
+  at_ += 3;
+  parts_.push_back(section);
+  return true;
+}
+
+template <class Char>
+bool XmlScanner<Char>::skipSpace() {
+  const Char* const before = at_;
+  while (is(*at_, kSpace)) ++at_;
+  return at_ != before;
+}
+
+template <class Char>
+bool XmlScanner<Char>::skipWord(std::string_view ascii) {
+  const Char* at = at_;
+  for (const char c : ascii)
+    if (unitOf(*at++) != unitOf(c)) return false;
+  at_ = at;
+  return true;
+}
+
+template <class Char>
+bool XmlScanner<Char>::skipEquals() {
+  skipSpace();
+  if (*at_ != '=') return false;
+  ++at_;
+  skipSpace();
+  return true;
+}
+
+template <class Char>
+bool XmlScanner<Char>::skipQuoted(std::string_view ascii) {
+  const Char* const before = at_;
+  const Char quote = *at_++;
+  if ((quote == '"' || quote == '\'') && skipWord(ascii) && *at_ == quote) {
+    ++at_;
+    return true;
+  }
+  at_ = before;
+  return false;
+}
+
+template <class Char>
+typename XmlScanner<Char>::View XmlScanner<Char>::decoded(const Part& part) {
+  const std::size_t first = decoded_.size();
+  const Char* const end = text_ + part.start + part.length;
+  for (const Char* at = text_ + part.start; at != end;) {
+    if (*at == '&' && part.kind != Kind::section) {
+      const Reference reference = referenceAt(at);
+      append(decoded_, reference.character);
+      at += reference.size;
+    } else if (is(*at, kSpace)) {
+      // The end of a line, however written, is one character.
+      const bool two = at[0] == '\r' && at + 1 != end && at[1] == '\n';
+      const Char unit = *at == '\r' ? Char{'\n'} : *at;
+      decoded_ += part.kind == Kind::value ? Char{' '} : unit;
+      at += two ? 2 : 1;
+    } else {
+      decoded_ += *at++;
+    }
+  }
+  return View(decoded_).substr(first);
+}
+
+template class XmlScanner<char>;
+template class XmlScanner<char16_t>;
+
+}  // namespace zqxml
