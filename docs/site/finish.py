@@ -6,6 +6,7 @@ import re
 import urllib.parse
 import xml.etree.ElementTree as tree
 
+LOG_TEXTS = 'log-texts.md'
 # Common words that are classes as well: doxygen makes a link of each that begins a sentence.
 WORDS = 'Nothing|Scalar|InPlace|Owned|List|Map|Object'
 
@@ -95,6 +96,24 @@ def drop_empty_places(text):
     return re.sub(r'<a href="#([\w-]+)">[^<]*</a> &#124;\n', keep, text)
 
 
+LOG_LINE = re.compile(r'<tr class="markdownTableRow(?:Odd|Even)">\n<td class="markdownTableBodyNone"><code>(.*?)</code>'
+                      r'.*?(?=</tr>)', re.S)
+
+
+def mark_log_lines(path):
+    """Gives each line of the index of log texts a place, and the search an entry for it."""
+    text, entries = path.read_text(encoding='utf-8'), []
+
+    def mark(row):
+        words = re.sub(r'\s+', ' ', html.unescape(re.sub(r'<[^>]*>', ' ', row[0]))).strip()
+        title = html.unescape(re.sub(r'<[^>]*>', '', row[1]))
+        entries.append([title, 'log line', f'{path.name}#line-{len(entries) + 1}', words.removeprefix(title).strip()])
+        return row[0].replace('<tr ', f'<tr id="line-{len(entries)}" ', 1)
+
+    path.write_text(LOG_LINE.sub(mark, text), encoding='utf-8')
+    return entries
+
+
 def finish_page(path, addresses, is_guide):
     """Marks the page in the navigation, and ends what needs doxygen's scripts or links to the wrong place."""
     text = path.read_text(encoding='utf-8')
@@ -134,6 +153,9 @@ def write_search_index(folder, guide, entries):
     for page in [guide.front, *guide.order]:
         parser = Sections('Start' if page is guide.front else page.title, page.name + '.html')
         parser.feed((folder / (page.name + '.html')).read_text(encoding='utf-8'))
+        if page.path.name == LOG_TEXTS:
+            entries = entries + mark_log_lines(folder / (page.name + '.html'))
+            parser.found = [[heading, address, []] for heading, address, _ in parser.found]
         for heading, address, words in parser.found:
             kind = 'guide' if heading == page.title else f'in {page.title}'
             sections.append([heading, kind, address, re.sub(r'\s+', ' ', ' '.join(words)).strip()])

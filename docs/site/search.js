@@ -41,7 +41,7 @@
     link.href = new URL(address, base);
     link.setAttribute('role', 'option');
     link.append(title, ' ', small('kind', kind));
-    const at = text.indexOf(query);
+    const at = text.includes(query) ? text.indexOf(query) : text.indexOf(query.split(/\s+/)[0]);
     if (at >= 0) link.append(small('around', (at > 30 ? '…' : '') + words.slice(Math.max(0, at - 30), at + 90)));
     item.append(link);
     return item;
@@ -52,9 +52,11 @@
     const entries = await load();
     chosen = -1;
     const words = query.split(/\s+/);
-    const hits = query === '' ? [] : entries.map((entry) => [rank(entry, query, words), entry])
+    const ranked = query === '' ? [] : entries.map((entry) => [rank(entry, query, words), entry])
       .filter(([value]) => value !== undefined)
       .sort(([a, x], [b, y]) => a - b || x.title.length - y.title.length).slice(0, kMost);
+    // Words that stand apart count where nothing has them together.
+    const hits = ranked.filter(([value]) => value < 5 || ranked[0][0] >= 5);
     list.replaceChildren(...hits.map(([, entry]) => show(entry, query)));
     if (query !== '' && hits.length === 0) {
       const none = document.createElement('li');
