@@ -60,6 +60,10 @@ install(FILES "${PROJECT_BINARY_DIR}/zqxmlmsgsbase.pc" DESTINATION "${CMAKE_INST
 # The guide, with links that lead from one page to the other, and the programs to start from.
 install(FILES README.md SECURITY.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
 install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
-        FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "*.svg")
+        FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "*.svg" PATTERN "site" EXCLUDE)
+if(ZQXML_DOXYGEN)
+  add_dependencies(zqxml_shipped docs)
+endif()
+install(DIRECTORY "${PROJECT_BINARY_DIR}/site/html" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation OPTIONAL)
 install(DIRECTORY examples DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
         PATTERN "CMakeLists.txt" EXCLUDE)
