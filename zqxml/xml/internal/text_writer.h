@@ -120,6 +120,11 @@ class TextWriter {
     }
   }
 
+  static Char* putReference(Char* at, const char* ascii) {
+    while (*ascii != 0) *at++ = static_cast<Char>(*ascii++);
+    return at;
+  }
+
   /// Legal text, in the units that it is written in or in wider ones.
   template <class View>
   void putEscaped(View text, TextPlace place) {
@@ -131,7 +136,7 @@ class TextWriter {
       for (const auto unit : piece) {
         const auto code = static_cast<char16_t>(static_cast<std::make_unsigned_t<decltype(unit + 0)>>(unit));
         const char* const instead = code <= '>' ? reference(code, place) : nullptr;
-        at = instead == nullptr ? putUnit(at, unit) : copyText(at, instead);
+        at = instead == nullptr ? putUnit(at, unit) : putReference(at, instead);
       }
       text_.endAt(at);
     }
