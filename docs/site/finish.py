@@ -6,6 +6,8 @@ import re
 import urllib.parse
 import xml.etree.ElementTree as tree
 
+import pages
+
 LOG_TEXTS = 'log-texts.md'
 # Common words that are classes as well: doxygen makes a link of each that begins a sentence.
 WORDS = 'Nothing|Scalar|InPlace|Owned|List|Map|Object'
@@ -136,7 +138,10 @@ def finish_page(path, addresses, is_guide):
     # Tables and code may be wider than a phone: a box of their own scrolls.
     text = re.sub(r'<table class="(markdownTable|doxtable|fieldtable)">', r'<div class="wide"><table class="\1">', text)
     text = re.sub(r'(<div class="wide">.*?</table>)', r'\1</div>', text, flags=re.S)
-    if is_guide:
+    if not is_guide:
+        text = re.sub(r'(?<![\w/">])docs/([a-z-]+)\.md', lambda match: f'<a class="el" href="{pages.name_of(match[1])}.html">'
+                      f'{match[0]}</a>', text)
+    else:
         text = re.sub(r'"(header:[^"]*)"', lambda match: f'"{addresses[match[1]]}"', text)
 
         def link(match):

@@ -11,6 +11,11 @@ class SiteError(Exception):
     """What is wrong with the guide, in a line that names the place."""
 
 
+def name_of(stem):
+    """The name of a page of the site by that of its file, without the extension."""
+    return 'guide_' + stem.lower().replace('-', '_')
+
+
 def slug(heading):
     """The anchor that git hosts give to a heading."""
     return re.sub(r'\s', '-', re.sub(r'[^\w\s-]', '', heading.lower()))
@@ -36,7 +41,7 @@ class Page:
 
     def __init__(self, root, path):
         self.root, self.path = root, path
-        self.name = 'index' if path.name == 'README.md' else 'guide_' + path.stem.lower().replace('-', '_')
+        self.name = 'index' if path.name == 'README.md' else name_of(path.stem)
         self.text = path.read_text(encoding='utf-8')
         self.headings = {}
         self.title = None
