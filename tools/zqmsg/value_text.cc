@@ -112,8 +112,7 @@ std::string numberText(float value) {
 }
 
 const char* nameOfValue(const FieldDef& field, std::int64_t value) {
-  constexpr FieldTypeSet kBooleans{FDT_BOOL, FDT_LIST_BOOL};
-  if (kBooleans.contains(field.getType())) return value == 0 ? "false" : value == 1 ? "true" : nullptr;
+  if (kBoolTypes.contains(field.getType())) return value == 0 ? "false" : value == 1 ? "true" : nullptr;
   if (!kEnumTypes.contains(field.getType())) return nullptr;
   const _ClassDef* enumeration = catalogue::classOfField(field);
   if (enumeration == nullptr) return nullptr;

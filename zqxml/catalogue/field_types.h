@@ -239,6 +239,8 @@ inline constexpr FieldTypeSet kValueInSlotTypes = FieldTypeSet::withFlag(field_t
 inline constexpr FieldTypeSet kMapTypes{FDT_MAP_INT64_INT64,  FDT_MAP_INT64_STRING,  FDT_MAP_INT64_OBJECT,
                                         FDT_MAP_STRING_INT64, FDT_MAP_STRING_STRING, FDT_MAP_STRING_OBJECT,
                                         FDT_MAP_OBJECT_OBJECT};
+/// Truth values, and lists of them.
+inline constexpr FieldTypeSet kBoolTypes{FDT_BOOL, FDT_LIST_BOOL};
 /// XMLDecoder::isEnum.
 inline constexpr FieldTypeSet kEnumTypes{FDT_ENUM, FDT_LIST_ENUM};
 /// Types whose field name is preceded by one ClassRef (4 bytes).

@@ -1,4 +1,7 @@
 // XNMessageBase: the one run-time class of every message.
+//
+// The file is long because each accessor is spelled out: they are what compiled classes call, and a list of
+// macros would tell nobody what a call does.
 #pragma once
 
 #include <zqxml/catalogue/records.h>
@@ -66,8 +69,7 @@ class ZQXML_EXPORT XNMessageBase {
   /// Deep copy, in storage of its own even when `other` lives in a caller's block. Only set fields with a
   /// name hash are copied; a message's texts and CDATA come along.
   XNMessageBase(const XNMessageBase& other);
-  /// Takes everything over; `other` becomes an object without a class, to which
-  /// any message can be assigned.
+  /// Takes everything over; `other` becomes an object without a class, to which any message can be assigned.
   XNMessageBase(XNMessageBase&& other) noexcept;
   /// Ends everything that the slots reach. A caller's block stays the caller's.
   ~XNMessageBase();
