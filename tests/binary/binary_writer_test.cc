@@ -99,6 +99,20 @@ TEST(BinaryWriterTest, StringEndsAtItsFirstNul) {
   EXPECT_EQ(serializedBody(message), Wire().key("stringField", 2).text("ab").bytes());
 }
 
+TEST(BinaryWriterTest, NulIsFoundAtEveryPlaceOfTextsOfEveryLength) {
+  EveryType message;
+  for (std::size_t size = 0; size < 100; ++size) {
+    for (std::size_t nul = 0; nul <= size; ++nul) {
+      std::string text(size, '\x80');  // a byte that a look at whole words could take for a NUL's neighbour
+      if (nul < size) text[nul] = '\0';
+      if (nul + 1 < size) text[nul + 1] = '\1';
+      message.setStringField(text);
+      ASSERT_EQ(serializedBody(message), Wire().key("stringField", 2).text(text.substr(0, nul)).bytes())
+          << nul << " of " << size;
+    }
+  }
+}
+
 TEST(BinaryWriterTest, WideTextIsCountedInBytesOfUtf8) {
   EveryType message;
   message.setWstringField(u"aé€\U0001F600");

@@ -121,23 +121,32 @@ inline constexpr BinaryEncodingType kSideEncoding<element::Str> = kFieldTypes[FD
 template <>
 inline constexpr BinaryEncodingType kSideEncoding<element::Obj> = kFieldTypes[FDT_OBJECT].encoding;
 
+/// Whether one byte of the word that starts here is a NUL.
+template <class Word>
+bool holdsNul(const char* at) {
+  constexpr Word kOnes = static_cast<Word>(-1) / 255;
+  Word word;
+  std::memcpy(&word, at, sizeof word);
+  return ((word - kOnes) & ~word & kOnes << 7) != 0;
+}
+
 /// The text as a C string sees it: up to its first NUL.
 inline std::string_view upToNul(std::string_view text) {
-  // Most texts are short and have no NUL: eight bytes at a time, the last ones once more, without a call.
-  constexpr std::size_t kWord = sizeof(std::uint64_t);
-  if (text.size() >= kWord && text.size() <= 8 * kWord) {
-    const auto hasNul = [&text](std::size_t at) {
-      std::uint64_t word;
-      std::memcpy(&word, text.data() + at, kWord);
-      return (word - 0x0101010101010101) & ~word & 0x8080808080808080;
-    };
+  // Most texts are short and have no NUL: a word at a time, the last bytes once more, without a call.
+  using Word = std::uint64_t;
+  using Half = std::uint32_t;
+  const std::size_t size = text.size();
+  if (size >= sizeof(Word) && size <= 8 * sizeof(Word)) {
     // The early end keeps the compiler from making a vector loop of it, which would cost more than it saves.
     std::size_t at = 0;
-    while (at + kWord < text.size() && hasNul(at) == 0) at += kWord;
-    if (at + kWord >= text.size() && hasNul(text.size() - kWord) == 0) [[likely]]
+    while (at + sizeof(Word) < size && !holdsNul<Word>(text.data() + at)) at += sizeof(Word);
+    if (at + sizeof(Word) >= size && !holdsNul<Word>(text.data() + size - sizeof(Word))) [[likely]]
+      return text;
+  } else if (size >= sizeof(Half) && size < sizeof(Word)) {
+    if (!holdsNul<Half>(text.data()) && !holdsNul<Half>(text.data() + size - sizeof(Half))) [[likely]]
       return text;
   }
-  const void* nul = text.empty() ? nullptr : std::memchr(text.data(), 0, text.size());
+  const void* nul = text.empty() ? nullptr : std::memchr(text.data(), 0, size);
   return nul == nullptr
              ? text
              : text.substr(0, static_cast<std::size_t>(static_cast<const char*>(nul) - text.data()));
