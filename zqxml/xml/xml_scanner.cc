@@ -41,7 +41,6 @@ bool XmlScanner<Char>::scan(View text) {
   text_ = at_ = text.data();
   end_ = text_ + text.size();
   parts_.clear();
-  parts_.reserve(text.size() / 8 + 16);
   open_.clear();
   if (at_[0] == '<' && at_[1] == '?' && !scanDeclaration()) return false;
   if (!scanMisc() || !scanStartTag()) return false;
@@ -87,7 +86,7 @@ bool XmlScanner<Char>::scanStartTag() {
   if (at_[0] != '<' || open_.size() >= kMostLevels) return false;
   ++at_;
   const std::size_t tag = parts_.size();
-  Part name{.start = 0, .length = 0, .hash = 0, .kind = Kind::start};
+  Part name;
   if (!scanName(name)) return false;
   parts_.push_back(name);
   if (!scanAttributes(tag)) return false;
@@ -113,44 +112,47 @@ bool XmlScanner<Char>::scanAttributes(std::size_t tag) {
 
 template <class Char>
 bool XmlScanner<Char>::scanAttribute(std::size_t tag) {
-  Part name{.start = 0, .length = 0, .hash = 0, .kind = Kind::attribute};
-  Part value{.start = 0, .length = 0, .hash = 0, .kind = Kind::value};
-  if (!scanName(name) || !isNew(name, tag) || !skipEquals() || !scanValue(value)) return false;
-  parts_.push_back(name);
-  parts_.push_back(value);
+  Part attribute{.kind = Kind::attribute};
+  if (!scanName(attribute) || !isNew(attribute, tag) || !skipEquals() || !scanValue(attribute)) return false;
+  parts_.push_back(attribute);
   return true;
 }
 
-/// Whether the tag has no attribute of that name yet. The name is about to be the next part.
+/// Whether the tag has no attribute of that name yet. It is about to be the next part.
 template <class Char>
-bool XmlScanner<Char>::isNew(const Part& name, std::size_t tag) {
-  std::uint32_t& latest = names_[name.hash % names_.size()];
+bool XmlScanner<Char>::isNew(const Part& attribute, std::size_t tag) {
+  std::uint32_t& latest = names_[attribute.hash % names_.size()];
   const std::size_t before = std::exchange(latest, static_cast<std::uint32_t>(parts_.size()));
   if (before <= tag || before >= parts_.size()) return true;
-  for (std::size_t i = tag + 1; i < parts_.size(); i += 2)
-    if (parts_[i].hash == name.hash && viewOf(parts_[i]) == viewOf(name)) return false;
+  for (std::size_t i = tag + 1; i < parts_.size(); ++i)
+    if (parts_[i].hash == attribute.hash && nameOf(parts_[i]).text == nameOf(attribute).text) return false;
   return true;
 }
 
 template <class Char>
-bool XmlScanner<Char>::scanName(Part& name) {
+bool XmlScanner<Char>::scanName(Part& part) {
+  constexpr std::ptrdiff_t kLongest = std::numeric_limits<std::uint16_t>::max();
   if (!is(*at_, kFirstOfName)) return false;
   const Char* const first = at_;
   std::uint32_t hash = 0;
   do {
     hash = hash * 31 + unitOf(*at_++);
   } while (is(*at_, kInName));
-  name.start = offset(first);
-  name.length = offset(at_) - name.start;
-  name.hash = hash & 0xffffff;
+  if (at_ - first > kLongest) return false;
+  part.start = offset(first);
+  part.nameLength = static_cast<std::uint16_t>(at_ - first);
+  part.hash = hash & 0xffffff;
   return first[0] != 'x' || first[1] != 'm' || first[2] != 'l';
 }
 
 template <class Char>
-bool XmlScanner<Char>::scanValue(Part& value) {
+bool XmlScanner<Char>::scanValue(Part& attribute) {
+  constexpr std::uint32_t kWidest = std::numeric_limits<std::uint8_t>::max();
   const Char quote = *at_;
   if (quote != '"' && quote != '\'') return false;
   const Char* at = ++at_;
+  const std::uint32_t gap = offset(at) - attribute.start - attribute.nameLength;
+  if (gap > kWidest) return false;
   for (;;) {
     while (is(*at, kInValue)) ++at;
     if (*at == quote) break;
@@ -158,18 +160,18 @@ bool XmlScanner<Char>::scanValue(Part& value) {
       const Reference reference = referenceAt(at);
       if (reference.size == 0) return false;
       at += reference.size;
-      value.coded = true;
+      attribute.coded = true;
     } else if (*at == '"' || *at == '\'') {
       ++at;
     } else if (is(*at, kSpace)) {
       ++at;
-      value.coded = true;
+      attribute.coded = true;
     } else if (at = skipCharacter(at); at == nullptr) {
       return false;
     }
   }
-  value.start = offset(at_);
-  value.length = offset(at) - value.start;
+  attribute.gap = static_cast<std::uint8_t>(gap);
+  attribute.length = static_cast<std::uint32_t>(at - at_);
   at_ = at + 1;
   return true;
 }
@@ -196,24 +198,24 @@ bool XmlScanner<Char>::scanMarkup() {
 
 template <class Char>
 bool XmlScanner<Char>::scanEndTag() {
-  const Part& start = parts_[open_.back()];
+  Part name = parts_[open_.back()];
+  const View opened = nameOf(name).text;
   at_ += 2;
-  if (static_cast<std::size_t>(end_ - at_) < start.length || View(at_, start.length) != viewOf(start))
+  if (static_cast<std::size_t>(end_ - at_) < opened.size() || View(at_, opened.size()) != opened)
     return false;
-  Part name = start;
-  name.kind = Kind::end;
-  at_ += start.length;
+  at_ += opened.size();
   skipSpace();
   if (*at_ != '>') return false;
   ++at_;
   open_.pop_back();
+  name.kind = Kind::end;
   parts_.push_back(name);
   return true;
 }
 
 template <class Char>
 bool XmlScanner<Char>::scanText() {
-  Part text{.start = offset(at_), .length = 0, .hash = 0, .kind = Kind::text};
+  Part text{.start = offset(at_), .kind = Kind::text};
   const Char* at = at_;
   for (;;) {
     while (is(*at, kInText)) ++at;
@@ -254,7 +256,7 @@ bool XmlScanner<Char>::scanComment() {
 template <class Char>
 bool XmlScanner<Char>::scanSection() {
   if (!skipWord("<![CDATA[")) return false;
-  Part section{.start = offset(at_), .length = 0, .hash = 0, .kind = Kind::section};
+  Part section{.start = offset(at_), .kind = Kind::section};
   for (;;) {
     if (at_[0] == ']' && at_[1] == ']' && at_[2] == '>') break;
     if (at_[0] == '<' && at_[1] == '!') return false;
@@ -310,8 +312,9 @@ bool XmlScanner<Char>::skipQuoted(std::string_view ascii) {
 template <class Char>
 typename XmlScanner<Char>::View XmlScanner<Char>::decoded(const Part& part) {
   const std::size_t first = decoded_.size();
-  const Char* const end = text_ + part.start + part.length;
-  for (const Char* at = text_ + part.start; at != end;) {
+  const View content = contentOf(part);
+  const Char* const end = content.data() + content.size();
+  for (const Char* at = content.data(); at != end;) {
     if (*at == '&' && part.kind != Kind::section) {
       const Reference reference = referenceAt(at);
       append(decoded_, reference.character);
@@ -320,7 +323,7 @@ typename XmlScanner<Char>::View XmlScanner<Char>::decoded(const Part& part) {
       // The end of a line, however written, is one character.
       const bool two = at[0] == '\r' && at + 1 != end && at[1] == '\n';
       const Char unit = *at == '\r' ? Char{'\n'} : *at;
-      decoded_ += part.kind == Kind::value ? Char{' '} : unit;
+      decoded_ += part.kind == Kind::attribute ? Char{' '} : unit;
       at += two ? 2 : 1;
     } else {
       decoded_ += *at++;

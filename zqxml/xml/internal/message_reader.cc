@@ -6,10 +6,12 @@
 #include <zqxml/xml/internal/message_reader.h>
 #include <zqxml/xml/internal/message_reader_names.h>
 
+#include <array>
 #include <concepts>
 #include <memory>
 #include <new>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 namespace zqxml {
@@ -19,21 +21,47 @@ constexpr char kStart[] = "MySAX2Handler::startElement";
 constexpr char kEnd[] = "MySAX2Handler::endElement";
 constexpr char kAttributes[] = "MySAX2Handler::processAttributes";
 
-/// New object of the class that a root element's name stands for, null when there is none or no memory for
-/// it.
-std::unique_ptr<XNMessageBase> makeRoot(const std::string& name) {
+/// The class that a root element's name stands for; false when there is none.
+bool findRoot(const std::string& name, short& subsystem, int& classIndex) {
   const std::size_t separator = name.find('_');
-  if (separator == name.npos) return nullptr;
+  if (separator == name.npos) return false;
   std::string subsystemName = name.substr(0, separator);
   // QUIRK: twelve classes of DistributedIDA are written under this name, and every class is read under it.
   if (subsystemName == "SystemMonitoring") subsystemName = "DistributedIDA";
-  short subsystem = 0;
-  int classIndex = 0;
-  if (!catalogue::subsystemFromName(subsystemName.c_str(), subsystem) ||
-      !catalogue::classIndexFromName(name.c_str() + separator + 1, subsystem, classIndex))
-    return nullptr;
+  return catalogue::subsystemFromName(subsystemName.c_str(), subsystem) &&
+         catalogue::classIndexFromName(name.c_str() + separator + 1, subsystem, classIndex);
+}
+
+/// The latest answers, for all readers of a thread. The catalogue is constant, so they stay true, and which
+/// name an answer was given to is read there.
+struct RootAnswer {
+  short subsystem;
+  int classIndex;
+  bool known;
+
+  bool isOf(std::string_view name) const {
+    if (!known) return false;
+    const SubsystemDef& row = gSubsystemTable[subsystem];
+    const std::string_view first(row.name);
+    return name.size() > first.size() && name.starts_with(first) && name[first.size()] == '_' &&
+           name.substr(first.size() + 1) == row.classDefs[classIndex].getName();
+  }
+};
+
+/// New object of the class that a root element's name stands for, null when there is none or no memory for
+/// it.
+std::unique_ptr<XNMessageBase> makeRoot(const std::string& name, std::uint32_t hash) {
+  constexpr std::size_t kAnswers = 64;
+  static constinit thread_local std::array<RootAnswer, kAnswers> answers{};
+  RootAnswer& answer = answers[hash % kAnswers];
+  if (!answer.isOf(name)) {
+    short subsystem = 0;
+    int classIndex = 0;
+    if (!findRoot(name, subsystem, classIndex)) return nullptr;
+    answer = {subsystem, classIndex, true};
+  }
   try {
-    return std::unique_ptr<XNMessageBase>(MessageAccess::create(subsystem, classIndex));
+    return std::unique_ptr<XNMessageBase>(MessageAccess::create(answer.subsystem, answer.classIndex));
   } catch (const std::bad_alloc&) {
     return nullptr;
   }
@@ -101,7 +129,7 @@ void BasicMessageReader<Char>::checkDepth() {
 template <class Char>
 void BasicMessageReader<Char>::openRoot(Name name, Attributes attributes) {
   const std::string narrow = utf8Text(name.text);
-  std::unique_ptr<XNMessageBase> made = makeRoot(narrow);
+  std::unique_ptr<XNMessageBase> made = makeRoot(narrow, name.hash);
   if (made == nullptr) {
     const std::string text = "Unable to construct object out of tag : [" + narrow + "]";
     logError(kStart, "%s", text);

@@ -129,9 +129,7 @@ class TextSink {
   template <class Value>
   void attribute(Name name, Value value) {
     if (!tagOpen_) return giveUp();
-    writer_.putName(" ", name, "=\"");
-    writer_.put(value, TextPlace::attribute);
-    writer_.putLiteral("\"");
+    writer_.putAttribute(name, value);
   }
   template <class Value>
   void content(Value value) {

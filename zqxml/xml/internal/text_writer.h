@@ -30,15 +30,7 @@ class TextWriter {
   template <std::size_t B, std::size_t A>
   void putName(const char (&before)[B], PlannedName name, const char (&after)[A]) {
     Char* at = text_.room(B + A + name.length + PlannedName::kBlock);
-    at = putLiteral(at, before);
-    if constexpr (std::is_same_v<Char, char>) {
-      for (std::uint32_t done = 0; done < name.length; done += PlannedName::kBlock)
-        std::memcpy(at + done, name.text + done, PlannedName::kBlock);
-      at += name.length;
-    } else {
-      at = copyText(at, {name.text, name.length});
-    }
-    text_.endAt(putLiteral(at, after));
+    text_.endAt(putLiteral(copyName(putLiteral(at, before), name), after));
   }
   template <std::size_t N>
   void putLiteral(const char (&ascii)[N]) {
@@ -48,6 +40,30 @@ class TextWriter {
     Char* at = text_.room(count);
     for (std::size_t i = 0; i < count; ++i) *at++ = static_cast<Char>(ascii);
     text_.endAt(at);
+  }
+
+  /// `name="value"` behind a blank.
+  template <class Value>
+  void putAttribute(PlannedName name, Value value) {
+    Char* at = text_.room(4 + name.length + PlannedName::kBlock + most(value));
+    at = putLiteral(copyName(putLiteral(at, " "), name), "=\"");
+    if constexpr (std::is_same_v<Value, SignedValue> || std::is_same_v<Value, UnsignedValue>) {
+      at = printNumber(at, value.number);
+    } else if constexpr (std::is_same_v<Value, TextValue<char>>) {
+      if (isUsualText(value.text)) {
+        at = copyText(at, value.text);
+      } else {
+        text_.endAt(at);
+        putUnusual(value, TextPlace::attribute);
+        at = text_.room(1);
+      }
+    } else {
+      text_.endAt(at);
+      put(value, TextPlace::attribute);
+      at = text_.room(1);
+    }
+    *at = '"';
+    text_.endAt(at + 1);
   }
 
   void put(SignedValue value, TextPlace) { putNumber(value.number); }
@@ -66,11 +82,7 @@ class TextWriter {
   }
   void put(TextValue<char> value, TextPlace place) {
     if (isUsualText(value.text)) return putAscii(value.text);
-    if constexpr (std::is_same_v<Char, char>) {
-      const std::string_view text = value.text.substr(0, value.text.find('\0'));
-      if (isLegalText(text)) return putEscaped(text, place);
-    }
-    putWide(value, place);
+    putUnusual(value, place);
   }
   void put(TextValue<char16_t> value, TextPlace place) { putWide(value, place); }
 
@@ -81,17 +93,46 @@ class TextWriter {
     return at + N - 1;
   }
 
+  static constexpr std::size_t kMostDigits = 24;
+
+  /// Units that a value takes at the end of putAttribute, where that is known.
+  static std::size_t most(TextValue<char> value) { return value.text.size(); }
+  template <class Value>
+  static std::size_t most(Value) {
+    return kMostDigits;
+  }
+
+  static Char* copyName(Char* at, PlannedName name) {
+    if constexpr (std::is_same_v<Char, char>) {
+      for (std::uint32_t done = 0; done < name.length; done += PlannedName::kBlock)
+        std::memcpy(at + done, name.text + done, PlannedName::kBlock);
+      return at + name.length;
+    } else {
+      return copyText(at, {name.text, name.length});
+    }
+  }
+
+  template <class Number>
+  static Char* printNumber(Char* at, Number number) {
+    if constexpr (std::is_same_v<Char, char>) {
+      return std::to_chars(at, at + kMostDigits, number).ptr;
+    } else {
+      char digits[kMostDigits];
+      const char* const end = std::to_chars(digits, digits + kMostDigits, number).ptr;
+      return copyText(at, {digits, static_cast<std::size_t>(end - digits)});
+    }
+  }
   template <class Number>
   void putNumber(Number number) {
-    constexpr std::size_t kMost = 24;
-    Char* at = text_.room(kMost);
+    text_.endAt(printNumber(text_.room(kMostDigits), number));
+  }
+
+  void putUnusual(TextValue<char> value, TextPlace place) {
     if constexpr (std::is_same_v<Char, char>) {
-      text_.endAt(std::to_chars(at, at + kMost, number).ptr);
-    } else {
-      char digits[kMost];
-      const char* const end = std::to_chars(digits, digits + kMost, number).ptr;
-      text_.endAt(copyText(at, {digits, static_cast<std::size_t>(end - digits)}));
+      const std::string_view text = value.text.substr(0, value.text.find('\0'));
+      if (isLegalText(text)) return putEscaped(text, place);
     }
+    putWide(value, place);
   }
 
   void putAscii(std::string_view text) { text_.endAt(copyText(text_.room(text.size()), text)); }

@@ -10,15 +10,14 @@
 // no "]" stands before a ">" of a text; elements nest in 5,000 levels and have 1,000 attributes at most.
 #pragma once
 
+#include <zqxml/xml/internal/inline_list.h>
 #include <zqxml/xml/internal/name_view.h>
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace zqxml {
 
@@ -38,14 +37,20 @@ class XmlScanner {
   void drive(Reader& reader);
 
  private:
-  enum class Kind : std::uint8_t { start, attribute, value, end, text, section };
+  enum class Kind : std::uint8_t { start, attribute, end, text, section };
+  /// A tag's name, an attribute, or a text. Small, since a text has many.
   struct Part {
-    std::uint32_t start;
-    std::uint32_t length;
-    std::uint32_t hash;  ///< of a name
-    Kind kind;
-    bool coded = false;  ///< holds references, or white space that stands for other white space
+    std::uint32_t start = 0;
+    std::uint32_t length = 0;  ///< of an attribute, that of its value
+    std::uint32_t hash = 0;    ///< of a name
+    std::uint16_t nameLength = 0;
+    /// From the end of an attribute's name to its value.
+    std::uint8_t gap = 0;
+    Kind kind : 4 = Kind::start;
+    /// It holds references, or white space that stands for other white space.
+    bool coded : 1 = false;
   };
+  static_assert(sizeof(Part) == 16);
   using Attribute = BasicAttributeView<Char>;
 
   static constexpr std::size_t kMostAttributes = 1000;
@@ -62,17 +67,22 @@ class XmlScanner {
   bool scanText();
   bool scanComment();
   bool scanSection();
-  bool scanValue(Part& value);
-  bool scanName(Part& name);
+  bool scanValue(Part& attribute);
+  bool scanName(Part& part);
   const Char* skipCharacter(const Char* at) const;
-  bool isNew(const Part& name, std::size_t tag);
+  bool isNew(const Part& attribute, std::size_t tag);
   bool skipSpace();
   bool skipWord(std::string_view ascii);
   bool skipEquals();
   bool skipQuoted(std::string_view ascii);
 
-  View viewOf(const Part& part) const { return {text_ + part.start, part.length}; }
-  NameView<Char> nameOf(const Part& part) const { return {viewOf(part), part.hash}; }
+  NameView<Char> nameOf(const Part& part) const {
+    return {View(text_ + part.start, part.nameLength), part.hash};
+  }
+  /// A text, or the value of an attribute, as it stands.
+  View contentOf(const Part& part) const {
+    return {text_ + part.start + part.nameLength + part.gap, part.length};
+  }
   std::uint32_t offset(const Char* at) const { return static_cast<std::uint32_t>(at - text_); }
   /// What the part stands for, which is no longer than itself; at the end of decoded_.
   View decoded(const Part& part);
@@ -81,13 +91,13 @@ class XmlScanner {
   const Char* text_ = nullptr;
   const Char* at_ = nullptr;
   const Char* end_ = nullptr;
-  std::vector<Part> parts_;
+  InlineList<Part, 128> parts_;
   /// The start tags of the elements that are open.
-  std::vector<std::uint32_t> open_;
+  InlineList<std::uint32_t, 32> open_;
   /// The latest attribute name with such a hash, by its part; what is older than the tag does not count.
   std::array<std::uint32_t, 128> names_{};
   std::basic_string<Char> decoded_;
-  std::vector<Attribute> attributes_;
+  InlineList<Attribute, 32> attributes_;
 };
 
 template <class Char>
@@ -98,12 +108,12 @@ void XmlScanner<Char>::drive(Reader& reader) {
     decoded_.clear();
     if (part.kind == Kind::start) {
       gatherAttributes(i);
-      reader.start(nameOf(part), std::span<const Attribute>(attributes_));
+      reader.start(nameOf(part), attributes_.view());
     } else if (part.kind == Kind::end) {
       reader.end(nameOf(part));
     } else if (reader.takesCharacters()) {
       if (part.coded) decoded_.reserve(part.length);
-      reader.characters(part.coded ? decoded(part) : viewOf(part));
+      reader.characters(part.coded ? decoded(part) : contentOf(part));
     }
   }
 }
@@ -112,12 +122,12 @@ template <class Char>
 void XmlScanner<Char>::gatherAttributes(std::size_t& i) {
   attributes_.clear();
   std::size_t coded = 0;
-  for (std::size_t k = i; k < parts_.size() && parts_[k].kind == Kind::attribute; k += 2)
-    if (parts_[k + 1].coded) coded += parts_[k + 1].length;
+  for (std::size_t k = i; k < parts_.size() && parts_[k].kind == Kind::attribute; ++k)
+    if (parts_[k].coded) coded += parts_[k].length;
   decoded_.reserve(coded);  // what the views show does not move
-  for (; i < parts_.size() && parts_[i].kind == Kind::attribute; i += 2) {
-    const Part& value = parts_[i + 1];
-    attributes_.push_back({nameOf(parts_[i]), value.coded ? decoded(value) : viewOf(value)});
+  for (; i < parts_.size() && parts_[i].kind == Kind::attribute; ++i) {
+    const Part& part = parts_[i];
+    attributes_.push_back({nameOf(part), part.coded ? decoded(part) : contentOf(part)});
   }
 }
 
