@@ -36,7 +36,9 @@
 #include <zqxml/logging/xml_logger_helper.h>
 #include <zqxml/message/bstring.h>
 #include <zqxml/message/cdata.h>
+#include <zqxml/message/object_views.h>
 #include <zqxml/message/pstring.h>
+#include <zqxml/message/text_arg.h>
 #include <zqxml/message/text_wrapper.h>
 #include <zqxml/message/typed_fields.h>
 #include <zqxml/message/xn_message_base.h>

@@ -17,7 +17,31 @@ TEST(TypedClassesTest, DocumentationIsCarriedOver) {
                                  "<field name=\"a\" type=\"int\"><doc>Of a field.</doc></field></class>")
                                  .output("T.h");
   EXPECT_THAT(header, HasSubstr("/// First line.\n///\n/// Second\nclass C : public XNMessageBase {"));
-  EXPECT_THAT(header, HasSubstr("  // a: int\n  /// Of a field.\n  std::int32_t getA() const"));
+  EXPECT_THAT(header, HasSubstr("  /// @{\n  /// a: int.\n  /// Of a field.\n  std::int32_t getA() const"));
+}
+
+TEST(TypedClassesTest, FieldsTellTheirDefaultLabelAndWhatHidesThem) {
+  const std::string header =
+      compile(
+          "<enum name=\"E\" index=\"0\"><value name=\"A\" value=\"-1\"/></enum><class name=\"C\" index=\"1\">"
+          "<field name=\"a\" type=\"enum\" class=\"E\" default=\"-1\" label=\"0x75\"><Sensitive/></field>"
+          "<field name=\"b\" type=\"string\" default=\"x&#10;#error\"/>"
+          "<field name=\"c\" type=\"int\" default=\"5\"><Text text=\"See\"/></field></class>")
+          .output("T.h");
+  EXPECT_THAT(header,
+              HasSubstr("  /// a: enum E.\n  /// Default A (-1). Label 0x75. Sensitive: logs hide it.\n"));
+  EXPECT_THAT(header, HasSubstr("  /// b: string.\n  /// Default \"x #error\".\n"));
+  EXPECT_THAT(header, HasSubstr("  /// c: int.\n  /// Default 5. Shown as \"See\".\n"));
+}
+
+TEST(TypedClassesTest, WhatHasNoDocumentationTellsItsName) {
+  const Compiled compiled = compile(
+      "<enum name=\"E\" index=\"0\"><value name=\"A\" value=\"1\"><Text text=\"First\"/></value>"
+      "<value name=\"B\" value=\"2\"/></enum><class name=\"C\" index=\"1\"/>");
+  EXPECT_THAT(compiled.output("T_enums.h"),
+              HasSubstr("/// Enumeration T.E.\nenum class E : std::int32_t {\n  /// Shown as \"First\".\n"
+                        "  A = 0x1,\n  B = 0x2,\n};"));
+  EXPECT_THAT(compiled.output("T.h"), HasSubstr("/// Message T_C.\nclass C : public XNMessageBase {"));
 }
 
 TEST(TypedClassesTest, EnumerationsAreScopedAndWideWhereNeeded) {
@@ -100,7 +124,7 @@ TEST(TypedClassesTest, AnnotationClassesHaveTheirOwnBase) {
 
 TEST(TypedClassesTest, PasswordTypeIsTheEnumerationWhereThereIsOne) {
   EXPECT_THAT(compileClass("<field name=\"p\" type=\"pstring\"/>").output("T.h"),
-              HasSubstr("void setP(std::string_view value, int type = 1) {"));
+              HasSubstr("void setP(const typed::BytesArg& value, int type) {"));
   const Compiled compiled =
       compileFiles({{"A.xml",
                      "<subsystem name=\"A\" slot=\"27\" records=\"1\" annotations=\"true\"><enum "
@@ -109,10 +133,11 @@ TEST(TypedClassesTest, PasswordTypeIsTheEnumerationWhereThereIsOne) {
                     {"T.xml",
                      "<subsystem name=\"T\" slot=\"202\" records=\"1\"><class name=\"C\" index=\"0\">"
                      "<field name=\"p\" type=\"pstring\"/></class></subsystem>"}});
-  EXPECT_THAT(compiled.output("T.h"),
-              AllOf(HasSubstr("#include <zqxml/catalogue/generated/A_enums.h>"),
-                    HasSubstr("void setP(std::string_view value, ::zqxml::A::PasswordEncryptType type = "
-                              "::zqxml::A::PasswordEncryptType{1}) {")));
+  EXPECT_THAT(
+      compiled.output("T.h"),
+      AllOf(HasSubstr("#include <zqxml/catalogue/generated/A_enums.h>"),
+            HasSubstr("void setP(const typed::PasswordArg& value) {"),
+            HasSubstr("void setP(const typed::BytesArg& value, ::zqxml::A::PasswordEncryptType type) {")));
 }
 
 }  // namespace

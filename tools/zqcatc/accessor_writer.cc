@@ -134,6 +134,8 @@ void set@X@(@type@ value) { setint64(@place@, static_cast<std::int64_t>(value), 
     emit(R"(
 bool get@X@() const { return getint64(@slot@, @id@) != 0; }
 void set@X@(bool value) { setint64(@place@, value ? 1 : 0, @id@); }
+template <class T>
+void set@X@(T*) = delete;  // a pointer would be true
 )");
   }
 
@@ -149,10 +151,11 @@ void set@X@(@target@ value) { setint64(@place@, static_cast<std::int32_t>(value)
   void operator()(InPlace<E>) {
     values_.push_back({"type", std::string(cppType(E{}))});
     values_.push_back({"word", std::string(accessorWord(E{}))});
+    values_.push_back({"arg", std::is_same_v<E, element::Str> ? "StringArg" : "WStringArg"});
     emit(R"(
-@type@ get@X@() const { return get@word@_const(@place@, @id@); }
+const @type@& get@X@() const { return get@word@ByRef_const(@place@, @id@); }
 @type@& mutable@X@() { return get@word@ByRef(@place@, @id@); }
-void set@X@(const @type@& value) { set@word@(@place@, value, @id@); }
+void set@X@(const typed::@arg@& value) { assign@word@(@place@, value, @id@); }
 )");
   }
 
@@ -167,7 +170,7 @@ const @type@& get@X@() const { return typed::orEmpty(get@type@object_const(@plac
       passwordSetter();
     } else {
       emit(R"(
-void set@X@(std::string_view value) { setbstringobject(@place@, bstring(std::string(value)), @id@); }
+void set@X@(const typed::BytesArg& value) { assignbstringobject(@place@, value, @id@); }
 )");
     }
   }
@@ -189,7 +192,9 @@ std::vector<XNMessageBase>& mutable@X@Vector() {
 @target@& addTo@X@() {
   return reinterpret_cast<@target@&>(typed::append(mutable@X@Vector(), @indices@));
 }
-void set@X@(const std::vector<XNMessageBase>& value) { setlistobject(@place@, &value, @id@); }
+void set@X@(typed::ObjectListArg<@target@> value) {
+  typed::put(getlistobject(@place@, @id@, true), value.list());
+}
 )");
   }
 
@@ -197,17 +202,32 @@ void set@X@(const std::vector<XNMessageBase>& value) { setlistobject(@place@, &v
   void operator()(Map<K, V>) {
     container(cat("std::map<", cppType(K{}), ", ", cppType(V{}), ">"),
               cat("Map", mapWord(K{}), "And", mapWord(V{})));
-    if constexpr (std::same_as<V, element::Obj> && !std::same_as<K, element::Obj>) {
-      values_.push_back({"key", std::string(cppType(K{}))});
-      emit(R"(
-const @target@* findIn@X@(const @key@& key) const {
-  return reinterpret_cast<const @target@*>(typed::find(get@X@(), key));
+  }
+
+  template <class K>
+  requires(!std::same_as<K, element::Obj>) void operator()(Map<K, element::Obj>) {
+    values_.push_back({"key", std::string(cppType(K{}))});
+    values_.push_back({"word", cat("Map", mapWord(K{}), "AndObject")});
+    emit(R"(
+ObjectMapView<@key@, const @target@> get@X@() const {
+  return ObjectMapView<@key@, const @target@>(get@word@_const(@place@, @id@));
 }
-@target@& addTo@X@(const @key@& key) {
-  return reinterpret_cast<@target@&>(typed::insert(mutable@X@(), key, @indices@));
+const @target@* findIn@X@(const @key@& key) const {
+  return reinterpret_cast<const @target@*>(typed::find(get@word@_const(@place@, @id@), key));
+}
+ObjectMapView<@key@, @target@> mutable@X@() {
+  return ObjectMapView<@key@, @target@>(&mutable@X@Map());
+}
+std::map<@key@, XNMessageBase>& mutable@X@Map() {
+  return typed::orScratch(get@word@(@place@, @id@, true));
+}
+@target@& addTo@X@(@key@ key) {
+  return reinterpret_cast<@target@&>(typed::insert(mutable@X@Map(), std::move(key), @indices@));
+}
+void set@X@(typed::ObjectMapArg<@key@, @target@> value) {
+  typed::put(get@word@(@place@, @id@, true), value.map());
 }
 )");
-    }
   }
 
   void operator()(Object) {
@@ -220,6 +240,10 @@ const @target@* get@X@() const {
   return reinterpret_cast<@target@&>(typed::orScratch(object));
 }
 void set@X@(const @target@& value) { XNMessageBase::setObjectAccessor(&value, @place@, @id@); }
+void set@X@(@target@&& value) {
+  XNMessageBase* object = XNMessageBase::getObjectAccessor(true, true, @place@, @id@, @indices@);
+  typed::put(object, reinterpret_cast<XNMessageBase&&>(value));
+}
 )");
   }
 
@@ -237,18 +261,22 @@ const @type@& get@X@() const {
 @type@& mutable@X@() {
   return typed::orScratch(XNMessageBase::get@word@(@place@, @id@, true));
 }
-void set@X@(const @type@& value) { XNMessageBase::set@word@(@place@, &value, @id@); }
+void set@X@(@type@ value) {
+  typed::put(XNMessageBase::get@word@(@place@, @id@, true), std::move(value));
+}
 )");
   }
 
   void passwordSetter() {
     const bool isEnum = passwordType_ != "int";
     values_.push_back({"form", std::string(passwordType_)});
-    values_.push_back({"plain", isEnum ? cat(passwordType_, "{1}") : "1"});
     values_.push_back({"number", isEnum ? "static_cast<int>(type)" : "type"});
     emit(R"(
-void set@X@(std::string_view value, @form@ type = @plain@) {
-  setpstringobject(@place@, bstring(std::string(value)), @number@, @id@);
+void set@X@(const typed::PasswordArg& value) {
+  assignpstringobject(@place@, value, value.encryptionType(), @id@);
+}
+void set@X@(const typed::BytesArg& value, @form@ type) {
+  assignpstringobject(@place@, value, @number@, @id@);
 }
 )");
   }

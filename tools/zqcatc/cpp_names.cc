@@ -12,7 +12,7 @@ namespace {
 // unqualified.
 // clang-format off
 constexpr auto kTakenNames = std::to_array<std::string_view>({
-    "AnnotationBase", "EOF", "FieldNumber", "NULL", "ObjectView", "RegisterSubsystem", "XNMessageBase",
+    "AnnotationBase", "EOF", "FieldNumber", "NULL", "ObjectMapView", "ObjectView", "RegisterSubsystem", "XNMessageBase",
     "alignas", "alignof",
     "and", "and_eq", "asm", "auto", "bitand", "bitor", "bool", "break", "bstring", "case", "catch",
     "char", "char16_t", "char32_t", "char8_t", "class", "co_await", "co_return", "co_yield", "compl",
@@ -66,7 +66,10 @@ std::vector<std::string> accessorNames(const Field& field) {
   if (!kNumberTypes.contains(field.type)) names.push_back("mutable" + stem);
   if (field.type == FDT_LIST_OBJECT) names.push_back("mutable" + stem + "Vector");
   if (field.type == FDT_LIST_OBJECT || kMapTypes.contains(field.type)) names.push_back("addTo" + stem);
-  if (kMapTypes.contains(field.type)) names.push_back("findIn" + stem);
+  if (kMapTypes.contains(field.type)) {
+    names.push_back("findIn" + stem);
+    names.push_back("mutable" + stem + "Map");
+  }
   return names;
 }
 

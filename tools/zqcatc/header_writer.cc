@@ -9,6 +9,7 @@
 #include "accessor_writer.h"
 #include "code_template.h"
 #include "cpp_names.h"
+#include "doc_comments.h"
 #include "values.h"
 
 namespace zqxml::zqcatc {
@@ -29,20 +30,14 @@ std::string enumeratorValue(const Field& value) {
 }
 
 std::string writeEnumeration(const Class& record) {
-  std::string text = docComment(record.doc, "");
+  std::string text = classComment(record);
   text += cat("enum class ", cppIdentifier(record.name), " : ",
               fitsSigned(record) ? "std::int32_t" : "std::uint32_t", " {\n");
   for (const Field& value : record.fields) {
-    text += docComment(value.doc, "  ");
+    text += enumeratorComment(value);
     text += cat("  ", cppIdentifier(value.name), " = ", enumeratorValue(value), ",\n");
   }
   return text + "};\n\n";
-}
-
-std::string describe(const Field& field) {
-  std::string text = typeName(field.type);
-  for (const Reference& reference : field.references) text += " " + reference.text;
-  return text;
 }
 
 /// The one field whose accessors the base class has itself: the first one, where it is a
@@ -106,7 +101,7 @@ class ClassHeaderWriter {
 #include <cstdint>
 #include <map>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 @foreign@
@@ -143,25 +138,33 @@ ZQXML_EXPORT void RegisterSubsystem();
     std::string accessors;
     for (const Field& field : record.fields) {
       if (field.isSelf || belongsToBase(record, field)) continue;
-      accessors += cat("\n  // ", field.name, ": ", describe(field), "\n", docComment(field.doc, "  "),
-                       writeAccessors(field, record, passwordType()));
+      accessors += cat("\n  /// @{\n", fieldComment(field), writeAccessors(field, record, passwordType()),
+                       "  /// @}\n");
     }
-    const TemplateValue values[] = {{"doc", docComment(record.doc, "")},
+    const TemplateValue values[] = {{"doc", classComment(record)},
                                     {"class", cppIdentifier(record.name)},
                                     {"base", std::string(base_)},
                                     {"slot", std::to_string(subsystem_.slot)},
                                     {"index", std::to_string(record.index)},
                                     {"tag", hexNumber(makeTagId(subsystem_.slot, record.id))},
                                     {"numbers", fieldNumbers(record)},
+                                    {"open", "/// @{"},
+                                    {"close", "/// @}"},
                                     {"accessors", std::move(accessors)}};
     return expand(R"(@doc@class @class@ : public @base@ {
  public:
+  @open@
+  /// Slot of the subsystem, index in it, and tag id.
   static constexpr int kSubsystem = @slot@;
   static constexpr int kClassIndex = @index@;
   static constexpr std::uint32_t kTagId = @tag@;
+  @close@
 @numbers@
+  /// A fresh object, with the defaults of the schema.
   @class@() : @base@(kSubsystem, kClassIndex) {}
+  /// In the caller's block of `blockSize` bytes, which must outlive it (see XNMessageBase).
   @class@(std::int64_t* block, int blockSize) : @base@(kSubsystem, kClassIndex, block, blockSize) {}
+  @open@
   /// `message` as an object of this class; null when it is null or of another class.
   static @class@* from(XNMessageBase* message) {
     return typed::isOf(message, kSubsystem, kClassIndex) ? static_cast<@class@*>(message) : nullptr;
@@ -169,6 +172,7 @@ ZQXML_EXPORT void RegisterSubsystem();
   static const @class@* from(const XNMessageBase* message) {
     return typed::isOf(message, kSubsystem, kClassIndex) ? static_cast<const @class@*>(message) : nullptr;
   }
+  @close@
 @accessors@};
 static_assert(sizeof(@class@) == sizeof(XNMessageBase));
 

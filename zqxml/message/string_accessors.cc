@@ -34,6 +34,14 @@ Text copy(Message& message, const char* function, const FieldAddress& address) {
   return text == nullptr ? Text() : *text;
 }
 
+/// The text itself, not marked; an empty one when it cannot be had.
+template <class Text>
+const Text& constRef(const XNMessageBase& message, const char* function, const FieldAddress& address) {
+  static const Text kEmpty;
+  const Text* text = find<Text>(message, function, address);
+  return text == nullptr ? kEmpty : *text;
+}
+
 /// The text with its bit marked; the thread's fallback when it cannot be had.
 template <class Text>
 Text& byRef(XNMessageBase& message, const char* function, const FieldAddress& address) {
@@ -73,6 +81,16 @@ void XNMessageBase::setstring(short memNum, short index, const std::string& valu
   set<std::string>(*this, "XNMessageBase::setstring", {memNum, index, msgTag, fieldHash},
                    [&value](std::string& text) { text = value; });
 }
+const std::string& XNMessageBase::getstringByRef_const(short memNum, short index, std::uint32_t msgTag,
+                                                       std::uint32_t fieldHash) const {
+  return constRef<std::string>(*this, "XNMessageBase::getstringByRef_const",
+                               {memNum, index, msgTag, fieldHash});
+}
+void XNMessageBase::assignstring(short memNum, short index, const typed::StringArg& value,
+                                 std::uint32_t msgTag, std::uint32_t fieldHash) {
+  set<std::string>(*this, "XNMessageBase::assignstring", {memNum, index, msgTag, fieldHash},
+                   [&value](std::string& text) { value.assignTo(text); });
+}
 
 std::u16string XNMessageBase::getwstring(short memNum, short index, std::uint32_t msgTag,
                                          std::uint32_t fieldHash) {
@@ -90,6 +108,16 @@ void XNMessageBase::setwstring(short memNum, short index, const std::u16string& 
                                std::uint32_t fieldHash) {
   set<std::u16string>(*this, "XNMessageBase::setwstring", {memNum, index, msgTag, fieldHash},
                       [&value](std::u16string& text) { text = value; });
+}
+const std::u16string& XNMessageBase::getwstringByRef_const(short memNum, short index, std::uint32_t msgTag,
+                                                           std::uint32_t fieldHash) const {
+  return constRef<std::u16string>(*this, "XNMessageBase::getwstringByRef_const",
+                                  {memNum, index, msgTag, fieldHash});
+}
+void XNMessageBase::assignwstring(short memNum, short index, const typed::WStringArg& value,
+                                  std::uint32_t msgTag, std::uint32_t fieldHash) {
+  set<std::u16string>(*this, "XNMessageBase::assignwstring", {memNum, index, msgTag, fieldHash},
+                      [&value](std::u16string& text) { value.assignTo(text); });
 }
 
 bstring* XNMessageBase::getbstringobject(short memNum, short index, std::uint32_t msgTag,
@@ -109,6 +137,11 @@ void XNMessageBase::setbstringobject(short memNum, short index, const bstring& v
   set<bstring>(*this, "XNMessageBase::setbstringobject", {memNum, index, msgTag, fieldHash},
                [&value](bstring& text) { text.assign(value); });
 }
+void XNMessageBase::assignbstringobject(short memNum, short index, const typed::StringArg& value,
+                                        std::uint32_t msgTag, std::uint32_t fieldHash) {
+  set<bstring>(*this, "XNMessageBase::assignbstringobject", {memNum, index, msgTag, fieldHash},
+               [&value](bstring& text) { value.assignTo(text.str()); });
+}
 
 pstring* XNMessageBase::getpstringobject(short memNum, short index, std::uint32_t msgTag,
                                          std::uint32_t fieldHash) {
@@ -127,6 +160,14 @@ void XNMessageBase::setpstringobject(short memNum, short index, const bstring& v
   set<pstring>(*this, "XNMessageBase::setpstringobject", {memNum, index, msgTag, fieldHash},
                [&value, encryptionType](pstring& text) {
                  text.assign(value);
+                 text.setEncryptionType(encryptionType);
+               });
+}
+void XNMessageBase::assignpstringobject(short memNum, short index, const typed::StringArg& value,
+                                        int encryptionType, std::uint32_t msgTag, std::uint32_t fieldHash) {
+  set<pstring>(*this, "XNMessageBase::assignpstringobject", {memNum, index, msgTag, fieldHash},
+               [&value, encryptionType](pstring& text) {
+                 value.assignTo(text.str());
                  text.setEncryptionType(encryptionType);
                });
 }

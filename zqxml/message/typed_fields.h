@@ -1,87 +1,24 @@
 /// @file
-/// What the generated message classes are made of beside XNMessageBase: views of object lists, and reads that
-/// never meet a null container.
+/// What the generated message classes are made of beside XNMessageBase: reads that never meet a null
+/// container, and writes that move.
 ///
 /// A generated class adds no members to XNMessageBase, so a sub-object is used as an object of its class
 /// though the runtime made it as an XNMessageBase. Nothing here allocates but where it says so. Threads: as
 /// the message.
 #pragma once
 
+#include <zqxml/message/object_views.h>
+#include <zqxml/message/text_arg.h>
 #include <zqxml/message/xn_message_base.h>
 
-#include <cstddef>
-#include <cstdint>
-#include <iterator>
+#include <initializer_list>
+#include <map>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
-namespace zqxml {
-
-/// A list of sub-objects as objects of their generated class. A view: it does not own the list and is valid
-/// until the list changes its length. `T` is the class, const for a list that is only read; it must be
-/// complete where elements are used.
-template <class T>
-class ObjectView {
- public:
-  /// @{
-  /// What it looks at: the vector that the message holds, and the type of its elements there.
-  using Vector =
-      std::conditional_t<std::is_const_v<T>, const std::vector<XNMessageBase>, std::vector<XNMessageBase>>;
-  using Base = std::conditional_t<std::is_const_v<T>, const XNMessageBase, XNMessageBase>;
-  /// @}
-
-  /// Goes over the elements, forwards. Valid as the view is; a default one may only be assigned to.
-  class iterator {
-   public:
-    /// @{
-    /// What the standard library asks of an iterator.
-    using iterator_category = std::forward_iterator_tag;
-    using value_type = std::remove_const_t<T>;
-    using difference_type = std::ptrdiff_t;
-    using pointer = T*;
-    using reference = T&;
-    /// @}
-
-    /// @{
-    /// As a pointer to an element of the vector.
-    iterator() = default;
-    explicit iterator(Base* at) : at_(at) {}
-    T& operator*() const { return static_cast<T&>(*at_); }
-    T* operator->() const { return static_cast<T*>(at_); }
-    iterator& operator++() {
-      ++at_;
-      return *this;
-    }
-    iterator operator++(int) { return iterator(at_++); }
-    bool operator==(const iterator& other) const { return at_ == other.at_; }
-    /// @}
-
-   private:
-    Base* at_ = nullptr;
-  };
-
-  /// Null stands for an empty list.
-  explicit ObjectView(Vector* list) : list_(list) {}
-
-  /// @{
-  /// Elements in the list.
-  bool empty() const { return size() == 0; }
-  std::size_t size() const { return list_ == nullptr ? 0 : list_->size(); }
-  /// @}
-  /// REQUIRES: position < size().
-  T& operator[](std::size_t position) const { return static_cast<T&>((*list_)[position]); }
-  /// @{
-  /// The elements in order: `for (auto& element : view)`.
-  iterator begin() const { return iterator(list_ == nullptr ? nullptr : list_->data()); }
-  iterator end() const { return iterator(list_ == nullptr ? nullptr : list_->data() + list_->size()); }
-  /// @}
-
- private:
-  Vector* list_;
-};
-
-/// What the generated accessors call. Programs call the accessors.
-namespace typed {
+/// What the generated accessors call, and what they take. Programs call the accessors.
+namespace zqxml::typed {
 
 /// Whether it is a message of that class. The tag would not do: classes without an id share one.
 inline bool isOf(const XNMessageBase* message, int subsystem, int classIndex) {
@@ -106,33 +43,77 @@ Value& orScratch(Value* value) {
   return scratch;
 }
 
-/// A message of any class, for containers that hold messages by value.
-class AnyMessage : public XNMessageBase {
+/// Moves `value` into the container or object; where the accessor failed (and logged why) it is dropped.
+template <class Value>
+void put(Value* target, Value&& value) {
+  if (target != nullptr) *target = std::move(value);
+}
+
+/// What the setter of a list of objects takes: typed objects or messages of any class; an rvalue is moved.
+template <class T>
+class ObjectListArg {
  public:
-  /// Object of a class by the indices of the catalogue; without such a record one without a class.
-  AnyMessage(int subsystem, int classIndex) : XNMessageBase(subsystem, classIndex) {}
+  /// No objects.
+  ObjectListArg() = default;
+  /// @{
+  /// Copies of these, but for a vector of messages that is an rvalue: it is moved whole.
+  ObjectListArg(std::vector<XNMessageBase> objects) : list_(std::move(objects)) {}
+  ObjectListArg(std::initializer_list<XNMessageBase> objects) : list_(objects) {}
+  ObjectListArg(const std::vector<T>& objects) : list_(objects.begin(), objects.end()) {}
+  ObjectListArg(ObjectView<const T> objects) : list_(objects.begin(), objects.end()) {}
+  ObjectListArg(ObjectView<T> objects) : list_(objects.begin(), objects.end()) {}
+  /// @}
+  /// The objects themselves are moved, one by one; `objects` is left empty.
+  ObjectListArg(std::vector<T>&& objects) {
+    list_.reserve(objects.size());
+    for (T& object : objects) list_.push_back(std::move(object));
+    objects.clear();
+  }
+
+  /// The objects, to be moved on. Once.
+  std::vector<XNMessageBase>&& list() { return std::move(list_); }
+
+ private:
+  std::vector<XNMessageBase> list_;
 };
 
-/// Appends a new object of the class.
-inline XNMessageBase& append(std::vector<XNMessageBase>& list, int subsystem, int classIndex) {
-  return list.emplace_back(AnyMessage(subsystem, classIndex));
-}
+/// What the setter of a map to objects takes: likewise.
+template <class Key, class T>
+class ObjectMapArg {
+ public:
+  /// No objects.
+  ObjectMapArg() = default;
+  /// @{
+  /// Copies of these, but for a map to messages that is an rvalue: it is moved whole.
+  ObjectMapArg(std::map<Key, XNMessageBase> objects) : map_(std::move(objects)) {}
+  ObjectMapArg(std::initializer_list<std::pair<const Key, XNMessageBase>> objects) : map_(objects) {}
+  ObjectMapArg(const std::map<Key, T>& objects) : map_(objects.begin(), objects.end()) {}
+  ObjectMapArg(ObjectMapView<Key, const T> objects) {
+    for (auto [key, object] : objects) map_.emplace_hint(map_.end(), key, object);
+  }
+  ObjectMapArg(ObjectMapView<Key, T> objects) : ObjectMapArg(ObjectMapView<Key, const T>(objects)) {}
+  /// @}
+  /// The keys and objects themselves are moved, one by one; `objects` is left empty.
+  ObjectMapArg(std::map<Key, T>&& objects) {
+    while (!objects.empty()) {
+      auto node = objects.extract(objects.begin());
+      map_.emplace_hint(map_.end(), std::move(node.key()), std::move(node.mapped()));
+    }
+  }
+
+  /// The objects, to be moved on. Once.
+  std::map<Key, XNMessageBase>&& map() { return std::move(map_); }
+
+ private:
+  std::map<Key, XNMessageBase> map_;
+};
 
 /// The object at `key`, null when there is none.
 template <class Map>
-const XNMessageBase* find(const Map& map, const typename Map::key_type& key) {
-  const auto found = map.find(key);
-  return found == map.end() ? nullptr : &found->second;
+const XNMessageBase* find(const Map* map, const typename Map::key_type& key) {
+  if (map == nullptr) return nullptr;
+  const auto found = map->find(key);
+  return found == map->end() ? nullptr : &found->second;
 }
 
-/// The object at `key`, a new one of the class when there was none.
-template <class Map>
-XNMessageBase& insert(Map& map, const typename Map::key_type& key, int subsystem, int classIndex) {
-  const auto found = map.find(key);
-  if (found != map.end()) return found->second;
-  return map.emplace(key, AnyMessage(subsystem, classIndex)).first->second;
-}
-
-}  // namespace typed
-
-}  // namespace zqxml
+}  // namespace zqxml::typed

@@ -9,6 +9,7 @@
 #include <zqxml/message/bstring.h>
 #include <zqxml/message/cdata.h>
 #include <zqxml/message/pstring.h>
+#include <zqxml/message/text_arg.h>
 #include <zqxml/message/xn_message_buffer.h>
 #include <zqxml/platform/export.h>
 #include <zqxml/platform/format.h>
@@ -330,6 +331,23 @@ class ZQXML_EXPORT XNMessageBase {
   /// @}
 
   /// @{
+  /// The in-place string itself, without marking; an empty one, of the process, on failure. Valid until the
+  /// field is written or the object ends or moves.
+  const std::string& getstringByRef_const(short memNum, short index, std::uint32_t msgTag,
+                                          std::uint32_t fieldHash) const;
+  const std::u16string& getwstringByRef_const(short memNum, short index, std::uint32_t msgTag,
+                                              std::uint32_t fieldHash) const;
+  /// @}
+
+  /// @{
+  /// As the setters, from any text, which is moved in where it may be.
+  void assignstring(short memNum, short index, const typed::StringArg& value, std::uint32_t msgTag,
+                    std::uint32_t fieldHash);
+  void assignwstring(short memNum, short index, const typed::WStringArg& value, std::uint32_t msgTag,
+                     std::uint32_t fieldHash);
+  /// @}
+
+  /// @{
   /// Binary strings and passwords: reads give the slot's own object without marking, ByRef marks, setters
   /// copy into the existing object and mark.
   bstring* getbstringobject(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash);
@@ -344,6 +362,14 @@ class ZQXML_EXPORT XNMessageBase {
   pstring& getpstringobjectByRef(short memNum, short index, std::uint32_t msgTag, std::uint32_t fieldHash);
   void setpstringobject(short memNum, short index, const bstring& value, int encryptionType,
                         std::uint32_t msgTag, std::uint32_t fieldHash);
+  /// @}
+
+  /// @{
+  /// As the setters, from any text, which is moved in where it may be.
+  void assignbstringobject(short memNum, short index, const typed::StringArg& value, std::uint32_t msgTag,
+                           std::uint32_t fieldHash);
+  void assignpstringobject(short memNum, short index, const typed::StringArg& value, int encryptionType,
+                           std::uint32_t msgTag, std::uint32_t fieldHash);
   /// @}
 
   /// @{
