@@ -1,15 +1,20 @@
 # The catalogue compiler in a build.
 #
-# zqxml_add_catalogue(<executable> SCHEMA <file or folder>...)
-#   Gives a program a catalogue of its own: the library's schema and the given files, which add subsystems, or
+# zqxml_add_catalogue(<executable>... SCHEMA <file or folder>...)
+#   Gives programs a catalogue of their own: the library's schema and the given files, which add subsystems, or
 #   classes to subsystems (files named *.extension.xml). Its tables take the place of the library's for the whole
-#   process, and its typed headers come first in the program's include path. The target must be an executable:
-#   only its definition wins over that of the shared library.
+#   process, and its typed headers come first in the programs' include path. They are compiled once for all programs
+#   of a call. The targets must be executables: only their definition wins over that of the shared library.
+#
+# zqxml_add_zqmsg(<name>)
+#   A zqmsg of the project's own, an executable of that name. Given a catalogue with zqxml_add_catalogue, it knows the
+#   project's messages as the installed zqmsg knows the library's.
 #
 # zqxml_add_catalogue_library(<name> <STATIC|OBJECT> OUT <folder> SCHEMA <file or folder>...)
 #   The tables of a catalogue as a library; headers are written below OUT, which is its include folder.
 
 set_property(GLOBAL PROPERTY ZQXML_CATALOGUE_FOLDER "${CMAKE_CURRENT_LIST_DIR}")
+set_property(GLOBAL PROPERTY ZQXML_ZQMSG_LIBRARIES "${ZQXML_ZQMSG_LIBRARIES}")
 if(ZQXML_SCHEMA_DIR)
   set_property(GLOBAL PROPERTY ZQXML_CATALOGUE_SCHEMA "${ZQXML_SCHEMA_DIR}")
 else()
@@ -77,19 +82,46 @@ function(zqxml_add_catalogue_library name type)
   endif()
 endfunction()
 
-function(zqxml_add_catalogue target)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SCHEMA")
-  if(NOT arg_SCHEMA OR arg_UNPARSED_ARGUMENTS)
-    message(FATAL_ERROR "zqxml_add_catalogue(<executable> SCHEMA <file or folder>...)")
+function(zqxml_add_catalogue)
+  cmake_parse_arguments(PARSE_ARGV 0 arg "" "" "SCHEMA")
+  if(NOT arg_SCHEMA OR NOT arg_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "zqxml_add_catalogue(<executable>... SCHEMA <file or folder>...)")
   endif()
-  get_target_property(type ${target} TYPE)
-  if(NOT type STREQUAL "EXECUTABLE")
-    message(FATAL_ERROR "zqxml_add_catalogue: ${target} is no executable; a catalogue belongs to a program")
-  endif()
+  foreach(target IN LISTS arg_UNPARSED_ARGUMENTS)
+    if(NOT TARGET ${target})
+      message(FATAL_ERROR "zqxml_add_catalogue: there is no target ${target}")
+    endif()
+    get_target_property(type ${target} TYPE)
+    if(NOT type STREQUAL "EXECUTABLE")
+      message(FATAL_ERROR "zqxml_add_catalogue: ${target} is no executable; a catalogue belongs to a program")
+    endif()
+  endforeach()
   get_property(schema GLOBAL PROPERTY ZQXML_CATALOGUE_SCHEMA)
-  set(out "${CMAKE_CURRENT_BINARY_DIR}/${target}_catalogue")
-  zqxml_add_catalogue_library(${target}_catalogue OBJECT OUT "${out}" SCHEMA "${schema}" ${arg_SCHEMA})
-  target_sources(${target} PRIVATE $<TARGET_OBJECTS:${target}_catalogue>)
-  target_include_directories(${target} BEFORE PRIVATE "${out}")
-  add_dependencies(${target} ${target}_catalogue)
+  list(GET arg_UNPARSED_ARGUMENTS 0 first)
+  set(tables ${first}_catalogue)
+  set(out "${CMAKE_CURRENT_BINARY_DIR}/${tables}")
+  zqxml_add_catalogue_library(${tables} OBJECT OUT "${out}" SCHEMA "${schema}" ${arg_SCHEMA})
+  foreach(target IN LISTS arg_UNPARSED_ARGUMENTS)
+    target_sources(${target} PRIVATE $<TARGET_OBJECTS:${tables}>)
+    target_include_directories(${target} BEFORE PRIVATE "${out}")
+    add_dependencies(${target} ${tables})
+  endforeach()
+endfunction()
+
+function(zqxml_add_zqmsg name)
+  set(main "${CMAKE_CURRENT_BINARY_DIR}/${name}_main.cc")
+  file(CONFIGURE OUTPUT "${main}" CONTENT "namespace zqxml::tool {
+int runProgram(int argc, const char* const* argv);
+}
+int main(int argc, char** argv) {
+  return zqxml::tool::runProgram(argc, argv);
+}
+")
+  add_executable(${name} "${main}")
+  if(TARGET zqmsg_commands)
+    target_link_libraries(${name} PRIVATE zqmsg_commands ZqXMLMsgsBase)
+  else()
+    get_property(libraries GLOBAL PROPERTY ZQXML_ZQMSG_LIBRARIES)
+    target_link_libraries(${name} PRIVATE ${libraries} ZqXMLMsgsBase::ZqXMLMsgsBase)
+  endif()
 endfunction()

@@ -28,6 +28,14 @@ foreach(tool zqcatc zqmsg)
     install(TARGETS ${tool} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
   endif()
 endforeach()
+# What zqmsg is made of: zqxml_add_zqmsg links it with a catalogue. It asks for OpenSSL by the name of what is loaded, so that
+# its development files are not needed.
+if(TARGET zqmsg_commands)
+  add_dependencies(zqxml_shipped zqmsg_commands)
+  install(FILES "$<TARGET_FILE:zqmsg_commands>" DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
+endif()
+file(REAL_PATH "${OPENSSL_CRYPTO_LIBRARY}" zqxml_crypto)
+cmake_path(GET zqxml_crypto FILENAME zqxml_crypto)
 
 # Headers in internal/ are the library's own. Generated headers stand in the build tree under the same folders.
 install(DIRECTORY zqxml DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development

@@ -32,6 +32,7 @@ CONTENTS = {
     'libzqxmlmsgsbase-common': [r'usr/share/locale/de/LC_MESSAGES/zqxml\.mo', r'usr/share/locale/en/LC_MESSAGES/zqxml\.mo',
                                 r'usr/share/locale/[^/]+/LC_MESSAGES/zqxml\.mo'],
     'libzqxmlmsgsbase-dev': [LIBRARY + r'libZqXMLMsgsBase\.so', LIBRARY + r'pkgconfig/zqxmlmsgsbase\.pc',
+                             LIBRARY + r'libzqmsg_commands\.a',
                              LIBRARY + r'cmake/ZqXMLMsgsBase/ZqXMLMsgsBaseConfig\.cmake',
                              LIBRARY + r'cmake/ZqXMLMsgsBase/ZqxmlCatalogue\.cmake',
                              LIBRARY + r'cmake/ZqXMLMsgsBase/[^/]+\.cmake',
