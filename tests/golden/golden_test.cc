@@ -1,12 +1,12 @@
 // One message, with a value of every type, in every form that it can take.
 //
-// The files beside this one are the forms to the byte. With ZQXML_GOLDEN_RECORD set in the environment the
-// tests write them anew; what changed then shows itself in the next commit.
+// The files beside this one are the forms to the byte (support/golden_file.h).
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <tests/binary/binary_forms.h>
 #include <tests/render/rendering.h>
 #include <tests/support/every_type.h>
+#include <tests/support/golden_file.h>
 #include <tests/support/log_capture.h>
 #include <tests/support/open_message.h>
 #include <tests/support/time_zone.h>
@@ -15,26 +15,11 @@
 #include <zqxml/binary/binary_serializer.h>
 #include <zqxml/xml/xml_serializer.h>
 
-#include <cstdlib>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 
 namespace zqxml {
 namespace {
-
-std::string pathOf(const std::string& name) {
-  return std::string(ZQXML_GOLDEN_DIR) + "/" + name;
-}
-
-std::string contentOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  EXPECT_TRUE(file.is_open()) << path;
-  std::ostringstream content;
-  content << file.rdbuf();
-  return content.str();
-}
 
 /// Does the work with the fast roads of XML open and closed.
 template <class Work>
@@ -62,17 +47,6 @@ std::string inHex(const std::string& bytes) {
   return lines;
 }
 
-/// Expects the file to hold `content`; `shown` makes of both what a report shows well.
-void expectGolden(const std::string& name, const std::string& content, std::string (*shown)(std::string)) {
-  if (std::getenv("ZQXML_GOLDEN_RECORD") != nullptr) {
-    std::ofstream(pathOf(name), std::ios::binary) << content;
-    return;
-  }
-  const std::string golden = contentOf(pathOf(name));
-  EXPECT_EQ(shown(golden), shown(content));
-  EXPECT_TRUE(golden == content) << "the bytes of " << name << " differ";
-}
-
 EncodingFlags flagsOf(bool useElements, bool readable) {
   EncodingFlags flags;
   flags.useElements = useElements;
@@ -96,13 +70,13 @@ class GoldenForms : public ::testing::Test {
   }
   /// The file read back has every value.
   void expectReadsBack(const std::string& name) {
-    const std::string text = contentOf(pathOf(name));
+    const std::string text = goldenContent(name);
     const std::unique_ptr<XNMessageBase> read(XMLSerializer().unserialize(text, false));
     ASSERT_NE(read, nullptr);
     checkEveryType(*read);
   }
   void expectBinaryReadsBack(const std::string& name) {
-    const std::string bytes = contentOf(pathOf(name));
+    const std::string bytes = goldenContent(name);
     BinaryBuffer buffer;
     buffer.deepCopyBuffer(bytes.data(), bytes.size(), false);
     const std::unique_ptr<XNMessageBase> read(BinarySerializer::unserialize(buffer, nullptr, false));
@@ -176,8 +150,7 @@ TEST_F(GoldenForms, RenderingsAreAsRecorded) {
 }
 
 TEST(GoldenBulk, RenderingsOfNestedObjectsAreAsRecorded) {
-  const std::unique_ptr<XNMessageBase> jobs(
-      XMLSerializer().unserialize(contentOf(pathOf("jobs.xml")), false));
+  const std::unique_ptr<XNMessageBase> jobs(XMLSerializer().unserialize(goldenContent("jobs.xml"), false));
   ASSERT_NE(jobs, nullptr);
   expectGoldenRenderings("jobs", *jobs);
 }

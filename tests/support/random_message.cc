@@ -178,7 +178,8 @@ class Maker {
     return text;
   }
   std::string password() const {
-    const std::string text = toUtf8(wideText());
+    std::string text = toUtf8(wideText());
+    if (has(kPasswordMarks)) std::erase(text, '\0');
     if (has(kPasswordMarks) && !text.empty() && static_cast<unsigned char>(text[0]) < 0x20) return "p" + text;
     return text;
   }

@@ -23,10 +23,11 @@ enum Loss : std::uint32_t {
   kDigits = 1u << 8,             ///< of a float six digits travel
   kNegativeEnums = 1u << 9,      ///< a number with a minus is taken for an enumerator's name
   kUnnamedEnums = 1u << 10,      ///< a value without an enumerator is not written
-  kPasswordMarks = 1u << 11,     ///< a password's first character may be taken for the mark of its form
-  kDates = 1u << 12,       ///< annotated dates and times travel in a text that says less than the number
-  kCdata = 1u << 13,       ///< marked texts: a "]]>" is doubled
-  kEmptyTexts = 1u << 14,  ///< empty texts of fields and lists leave no trace
+  kPasswordMarks = 1u << 11,  ///< a password's first character may be taken for the mark of its form, and it
+                              ///< ends at a NUL
+  kDates = 1u << 12,          ///< annotated dates and times travel in a text that says less than the number
+  kCdata = 1u << 13,          ///< marked texts: a "]]>" is doubled
+  kEmptyTexts = 1u << 14,     ///< empty texts of fields and lists leave no trace
   kNestedMaps = 1u << 15,  ///< a map with a number or text on a side, inside of a sub-object, loses its pairs
   kTwinNames = 1u << 16,   ///< an element named as an object or map around ends more than itself
   kOldWayClasses = 1u << 17,     ///< are written whole, set or not
@@ -51,6 +52,10 @@ inline constexpr Losses kXmlCommonLosses = kNulInTexts | kHashlessFields | kEmpt
 inline constexpr Losses kXmlLosses = kXmlCommonLosses | kNestedMaps | kNegativeEnums;
 inline constexpr Losses kXmlElementLosses = kXmlCommonLosses | kEmptyTexts | kNegativeEnums;
 inline constexpr Losses kXmlReadableLosses = kXmlCommonLosses | kNestedMaps | kUnnamedEnums | kDates;
+
+/// Losses of JSON. An integer beyond the width of its type is written, and refused when it is read.
+inline constexpr Losses kJsonLosses =
+    kHashlessFields | kHighHalves | kLoneSurrogates | kPasswordMarks | kUnstored;
 
 /// Random messages of random classes of the tests' catalogue, at most three levels deep, with all of Unicode
 /// in their texts, and without what the losses name.
