@@ -2,6 +2,8 @@
 
 #include <iostream>
 
+#include "tools/command_pages/command_tree.h"
+
 namespace zqxml::zqcatc {
 
 int print(std::string_view text) {
@@ -21,9 +23,77 @@ int fileError(std::string_view why, ErrorFormat format) {
   return kFileError;
 }
 
-bool readErrorFormat(std::string_view name, ErrorFormat& format) {
-  format = name == "json" ? ErrorFormat::kJson : ErrorFormat::kText;
-  return name == "json" || name == "text";
+void addErrorFormat(CLI::App& command, ErrorFormat& format, const std::string& description) {
+  const CLI::Validator isFormat(
+      [](const std::string& name) {
+        return std::string(name == "text" || name == "json" ? "" : "--error-format is text or json");
+      },
+      "{text,json}");
+  command
+      .add_option_function<std::string>(
+          "--error-format",
+          [&format](const std::string& name) {
+            format = name == "json" ? ErrorFormat::kJson : ErrorFormat::kText;
+          },
+          description)
+      ->check(isFormat)
+      ->take_last();
+}
+
+namespace {
+
+/// The program, or the command that was called.
+const CLI::App& called(const CLI::App& app) {
+  const std::vector<CLI::App*> commands = app.get_subcommands();
+  return commands.empty() ? app : *commands.front();
+}
+
+/// A ValidationError and an ArgumentMismatch begin with the option's name.
+std::string whyOf(const CLI::App& app, const CLI::ParseError& error) {
+  const std::string what = error.what();
+  const std::size_t colon = what.find(": ");
+  if (colon == std::string::npos) return what;
+  const std::string name = what.substr(0, colon);
+  if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr) return what.substr(colon + 2);
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr) return what;
+  const CLI::Option* option = called(app).get_option_no_throw(name);
+  const bool isFolder = option != nullptr && option->get_type_name() == "FOLDER";
+  return name + (isFolder ? " needs a folder" : " needs a value");
+}
+
+int refuseRest(const CLI::App& command) {
+  const std::vector<std::string> rest = command.remaining();
+  if (rest.empty()) return -1;
+  const std::string of = command.get_parent() == nullptr ? "" : " of " + command.get_name();
+  if (rest.front().starts_with('-')) return usage("unknown option '" + rest.front() + "'" + of);
+  std::string taken;
+  for (const CLI::Option* positional : command_pages::positionalsOf(command))
+    taken += (taken.empty() ? "" : " and ") + positional->get_name(true);
+  return usage(command.get_name() + " takes " + taken);
+}
+
+}  // namespace
+
+int parse(CLI::App& app, int argc, const char* const* argv) {
+  app.set_help_flag("-h,--help", "print this text");
+  app.allow_extras();
+  for (CLI::App* command : app.get_subcommands({})) {
+    command->set_help_flag("-h,--help", "print this text");
+    command->allow_extras();
+  }
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp&) {
+    const CLI::App& command = called(app);
+    const std::string words = &command == &app ? app.get_name() : app.get_name() + ' ' + command.get_name();
+    return print(words + " - " + command.help());
+  } catch (const CLI::CallForVersion& version) {
+    return print(std::string(version.what()) + '\n');
+  } catch (const CLI::ParseError& error) {
+    return usage(whyOf(app, error));
+  }
+  const int status = refuseRest(app);
+  return status >= 0 ? status : refuseRest(called(app));
 }
 
 }  // namespace zqxml::zqcatc

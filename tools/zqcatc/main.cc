@@ -1,7 +1,6 @@
 // zqcatc: the catalogue compiler.
 #include <filesystem>
 #include <iostream>
-#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -12,34 +11,18 @@
 #include "findings.h"
 #include "output_files.h"
 #include "source_files.h"
+#include "tools/command_pages/bash_completion.h"
+#include "tools/command_pages/man_page.h"
 
 namespace fs = std::filesystem;
 using namespace zqxml::zqcatc;
 
 namespace {
 
-constexpr std::string_view kHelp =
-    R"(zqcatc - compiles the schema files of the message catalogue
-
-Usage: zqcatc --out FOLDER SCHEMA...
-       zqcatc --check SCHEMA...
-       zqcatc --list SCHEMA...
-       zqcatc diff OLD NEW          what changed, and what it breaks; 'zqcatc diff --help'
-       zqcatc lint SCHEMA...        what an owner will hardly want; 'zqcatc lint --help'
-
-A SCHEMA is a schema file, or a folder whose *.xml files are taken. One file describes one subsystem and is
-named after it; files named *.extension.xml add classes to a subsystem of another file.
-
-  --out FOLDER   write constant tables and typed C++ classes to FOLDER/zqxml/catalogue/generated/;
-                 a file whose content stays the same is not touched
-  --check        read and check only
-  --list         print the names of the files that --out would write, one per line
-  --error-format FORMAT
-                 text (default), or json: one object per line, with file, line, column, severity, code and message
-  --version      print the version
-  -h, --help     print this text
-
-Errors are lines "file:line:column: error: what is wrong and what to do". When there is one, nothing is written.
+constexpr const char* kFooter =
+    R"(One schema file describes one subsystem and is named after it; files named *.extension.xml add
+classes to a subsystem of another file. Errors are lines "file:line:column: error: what is wrong and
+what to do". When there is one, nothing is written.
 
 Examples:
   zqcatc --check schema                            is the catalogue in order?
@@ -47,8 +30,7 @@ Examples:
   zqcatc --out build schema my-schema Common.extension.xml
                                                    with further subsystems, and more classes in Common
 
-Exit status: 0 done, 1 errors in a schema file, 2 wrong usage, 3 a file cannot be read or written.
-)";
+Exit status: 0 done, 1 errors in a schema file, 2 wrong usage, 3 a file cannot be read or written.)";
 
 struct Options {
   std::string out;
@@ -58,39 +40,26 @@ struct Options {
   ErrorFormat format = ErrorFormat::kText;
 };
 
-/// An exit status, or -1 to go on.
-int parseOptions(int argc, char** argv, Options& options) {
-  for (int i = 1; i < argc; ++i) {
-    const std::string_view argument = argv[i];
-    if (argument == "-h" || argument == "--help") {
-      return print(kHelp);
-    }
-    if (argument == "--version") {
-      return print("zqcatc " ZQCATC_VERSION "\n");
-    }
-    if (argument == "--out") {
-      if (++i == argc) return usage("--out needs a folder");
-      options.out = argv[i];
-    } else if (argument == "--error-format") {
-      if (++i == argc || !readErrorFormat(argv[i], options.format))
-        return usage("--error-format is text or json");
-    } else if (argument == "--check") {
-      options.check = true;
-    } else if (argument == "--list") {
-      options.list = true;
-    } else if (argument.starts_with("-")) {
-      return usage(cat("unknown option '", argument, "'"));
-    } else {
-      options.schemas.emplace_back(argument);
-    }
-  }
-  if (options.schemas.empty()) return usage("no schema given");
-  if (!options.out.empty() + options.check + options.list != 1)
-    return usage("give one of --out, --check and --list");
-  return -1;
+void define(CLI::App& app, Options& options) {
+  app.set_version_flag("--version", "zqcatc " ZQCATC_VERSION, "print the version");
+  app.footer(kFooter);
+  app.add_option("SCHEMA", options.schemas, "schema files, or folders whose *.xml files are taken");
+  app.add_option("--out", options.out,
+                 "write constant tables and typed C++ classes to FOLDER/zqxml/catalogue/generated/; a file "
+                 "whose content stays the same is not touched")
+      ->type_name("FOLDER")
+      ->take_last();
+  app.add_flag("--check", options.check, "read and check only");
+  app.add_flag("--list", options.list, "print the names of the files that --out would write, one per line");
+  addErrorFormat(app, options.format,
+                 "text (default), or json: one object per line, with file, line, column, severity, code and "
+                 "message");
 }
 
 int run(const Options& options, std::string_view command) {
+  if (options.schemas.empty()) return usage("no schema given");
+  if (!options.out.empty() + options.check + options.list != 1)
+    return usage("give one of --out, --check and --list");
   std::string error;
   std::vector<SchemaSource> sources;
   if (!readSchemas(options.schemas, sources, error)) return fileError(error, options.format);
@@ -127,14 +96,26 @@ std::string commandLine(const Options& options) {
   return command;
 }
 
+int generate(const CLI::App& app, std::string_view what) {
+  if (what == "man") return print(zqxml::command_pages::manPage(app, ZQCATC_VERSION));
+  if (what == "bash-completion") return print(zqxml::command_pages::bashCompletion(app));
+  return usage("--generate makes man or bash-completion");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::span<char*> arguments(argv, static_cast<std::size_t>(argc));
-  const std::string_view command = argc > 1 ? argv[1] : "";
-  if (command == "diff") return runDiff(arguments.subspan(2));
-  if (command == "lint") return runLint(arguments.subspan(2));
+  CLI::App app("compiles the schema files of the message catalogue", "zqcatc");
   Options options;
-  const int status = parseOptions(argc, argv, options);
-  return status >= 0 ? status : run(options, commandLine(options));
+  EvolveOptions diff, lint;
+  define(app, options);
+  CLI::App& diffCommand = defineDiff(app, diff);
+  CLI::App& lintCommand = defineLint(app, lint);
+  // For those who build packages; no command of its own.
+  if (argc == 3 && std::string_view(argv[1]) == "--generate") return generate(app, argv[2]);
+  const int status = parse(app, argc, argv);
+  if (status >= 0) return status;
+  if (diffCommand.parsed()) return runDiff(diff);
+  if (lintCommand.parsed()) return runLint(lint);
+  return run(options, commandLine(options));
 }
