@@ -92,7 +92,7 @@ TEST_F(BadInput, EmptyFile) {
 
 TEST_F(BadInput, WhatIsNoMessageAtAll) {
   folder_.write("text", "Dear reader, this is no message.\n");
-  everyReaderFails("text", 1, "is neither XML nor a binary message of a known class");
+  everyReaderFails("text", 1, "is neither XML, nor JSON, nor a binary message of a known class");
 }
 
 TEST_F(BadInput, XmlThatIsCutOff) {
@@ -212,14 +212,14 @@ TEST_F(BadInput, DeeplyNestedXml) {
 
 TEST_F(BadInput, HundredMegabytesOfZeros) {
   writeLarge("zeros", "", kHundredMegabytes, std::string(1 << 20, '\0'));
-  everyReaderFails("zeros", 1, "is neither XML nor a binary message of a known class");
+  everyReaderFails("zeros", 1, "is neither XML, nor JSON, nor a binary message of a known class");
   for (const char* form : {"xml", "xml16", "binary", "objects"})
     wellBehaved(zqmsg({"convert", "zeros", "--from", form, "--to", "xml"}));
 }
 
 TEST_F(BadInput, HundredMegabytesOfRandomBytes) {
   writeLarge("random", "", kHundredMegabytes, randomBytes(1, 1 << 20));
-  everyReaderFails("random", 1, "is neither XML nor a binary message of a known class");
+  everyReaderFails("random", 1, "is neither XML, nor JSON, nor a binary message of a known class");
 }
 
 TEST_F(BadInput, HundredMegabytesBehindAGoodStart) {

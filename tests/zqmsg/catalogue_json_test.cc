@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "tools/zqmsg/json/json_text.h"
+
 namespace zqxml::tool {
 namespace {
 

@@ -78,10 +78,10 @@ TEST_F(CommandLine, TooManyArgumentsAreWrongUsage) {
 }
 
 TEST_F(CommandLine, FormThatThereIsNotIsRefusedWithThoseThatThereAre) {
-  for (const char* form : {"pdf", "TEXT", "json", ""}) {
+  for (const char* form : {"pdf", "TEXT", "yaml", ""}) {
     const ProgramRun run = zqmsg({"convert", "--to", form}, kSaveAlertXml);
     EXPECT_THAT(run, Exits(2));
-    EXPECT_THAT(run.err, HasSubstr("xml,xml16,binary,objects,text,html,page"));
+    EXPECT_THAT(run.err, HasSubstr("xml,xml16,binary,objects,json,jsonl,text,html,page"));
   }
   for (const char* form : {"text", "html", "page"})
     EXPECT_THAT(zqmsg({"convert", "--to", "xml", "--from", form}, kSaveAlertXml), Exits(2));

@@ -13,18 +13,7 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-class Convert : public ZqmsgTest {
- protected:
-  // What the message becomes; the conversion must succeed and have nothing to say.
-  std::string to(const std::string& form, const std::string& input,
-                 std::vector<std::string> options = {}) const {
-    options.insert(options.begin(), {"convert", "--to", form});
-    const ProgramRun run = zqmsg(options, input);
-    EXPECT_THAT(run, Exits(0));
-    EXPECT_THAT(run.err, IsEmpty());
-    return run.out;
-  }
-};
+class Convert : public ZqmsgTest {};
 
 std::string wide(const std::string& ascii, bool bigEndian) {
   std::string bytes;

@@ -43,10 +43,26 @@ TEST(Form, ObjectsAreDetectedByTheTagIdOfTheFirst) {
   EXPECT_EQ(detectForm(kRecordHead.substr(0, 11)), std::nullopt);
 }
 
+TEST(Form, JsonIsDetectedByItsBraceAndTheEndOfItsFirstLine) {
+  EXPECT_EQ(detectForm(R"({"Demo_Empty":{}})"), Form::kJsonl);
+  EXPECT_EQ(detectForm("\xef\xbb\xbf \r\n{ }\n{ }\n"), Form::kJsonl);
+  EXPECT_EQ(detectForm("{\n\"Demo_Empty\":{}}\n"), Form::kJson);
+  EXPECT_EQ(detectForm("{\"a\":\"}\\\"}\",\n\"b\":{}}\n"), Form::kJson);
+  EXPECT_EQ(detectForm("{\"a\":\"{\\\"{\"}\n\"b\":{}}\n"), Form::kJsonl);
+}
+
+TEST(Form, OneLineOfJsonMayBecomeADocumentOfMany) {
+  EXPECT_TRUE(mayChange(Form::kJsonl, "{\"Demo_Empty\":{"));
+  EXPECT_FALSE(mayChange(Form::kJsonl, "{\"Demo_Empty\":{}}\n"));
+  EXPECT_FALSE(mayChange(Form::kJson, "{\n"));
+  EXPECT_FALSE(mayChange(Form::kXml, "<a"));
+}
+
 TEST(Form, NothingElseIsDetected) {
   EXPECT_EQ(detectForm(""), std::nullopt);
   EXPECT_EQ(detectForm(std::string(4096, '\0')), std::nullopt);
-  EXPECT_EQ(detectForm("{\"json\": true}"), std::nullopt);
+  EXPECT_EQ(detectForm("[1, 2]"), std::nullopt);
+  EXPECT_EQ(detectForm("{7}"), std::nullopt);
 }
 
 TEST(Form, AnEmptyFileMayHoldNoObjectsButNoMessage) {

@@ -23,13 +23,14 @@ namespace {
 using namespace std::string_literals;
 using Lines = std::vector<std::string>;
 
-enum Way { kXmlWay, kElementsWay, kReadableWay, kBinaryWay, kBinary1Way };
+enum Way { kXmlWay, kElementsWay, kReadableWay, kBinaryWay, kBinary1Way, kJsonWay };
 
 WriteOptions optionsOf(Way way) {
   WriteOptions options;
   options.form = way == kBinaryWay || way == kBinary1Way ? Form::kBinary : Form::kXml;
   options.elements = way == kElementsWay;
   options.readable = way == kReadableWay;
+  if (way == kJsonWay) options.form = Form::kJson;
   if (way == kBinary1Way) options.version = 1;
   return options;
 }
@@ -179,6 +180,46 @@ TEST(Limits, ReadableDatesAndTimesAreTextsOfTheirKind) {
                    "time64Date: 8589934592 != (not set)", "secondsOfDay: 86401 != (not set)"}));
   EXPECT_EQ(lost(message, kXmlWay), kNothing);
   EXPECT_EQ(lost(message, kBinaryWay), kNothing);
+}
+
+TEST(Limits, JsonKeepsWhatOtherFormsLose) {
+  Every message;
+  message.setDoubleField(0.1234567);
+  message.setFloatField(16777216.0f);
+  message.mutableListIntField();
+  message.mutableListStringField() = {"a", "", "b"};
+  message.mutableListObjectField();
+  message.mutableMapInt64Int64Field();
+  message.setStringField("|#\0\x1f"s);
+  message.setBstringField("ab\0cd"s);
+  message.setEnumField(static_cast<Demo::EveryMode>(-1));
+  message.setUlonglongField(7);
+  message.mutableListUlonglongField() = {1, 2};
+  EXPECT_EQ(lost(message, kJsonWay), kNothing);
+  ZQGui::AlertCriteria oldWay;
+  oldWay.unsetCriteriaId();
+  EXPECT_EQ(lost(oldWay, kJsonWay), kNothing);
+}
+
+TEST(Limits, JsonReplacesWhatIsNoUnicodeAndCutsPasswords) {
+  Every message;
+  message.setStringField("a\xff");
+  message.setWstringField(u"a\xd800");
+  message.setPstringField("ab\0cd"s);
+  EXPECT_EQ(lost(message, kJsonWay),
+            (Lines{"stringField: \"a\\xff\" != \"a\ufffd\"", "wstringField: \"a\ufffd\" != another one",
+                   "pstringField: a password of type 1 != another one"}));
+}
+
+TEST(Limits, JsonRefusesAnIntegerBeyondItsType) {
+  Console console;
+  LibraryLog log(console);
+  const MessagePtr message = decode(Form::kXml, "<Demo_EveryType intField=\"5000000000\"/>", "test", log);
+  WriteOptions options;
+  options.form = Form::kJson;
+  const std::string text = encode(*message, options, "test", log);
+  EXPECT_EQ(text, "{\"Demo_EveryType\":{\"intField\":\"5000000000\"}}\n");
+  EXPECT_THROW(decode(Form::kJson, text, "test", log), Failure);
 }
 
 TEST(Limits, VersionOneCutsBinaryTextsAtANul) {

@@ -213,7 +213,7 @@ TEST_F(Objects, WrongUsageIsTold) {
   EXPECT_THAT(zqmsg({"objects", "cat", "a", "--number", "0"}), Exits(2));
   const ProgramRun run = zqmsg({"objects", "cat", "a", "--to", "binary", "--readable"});
   EXPECT_THAT(run, Exits(2));
-  EXPECT_THAT(run.err, StartsWith("zqmsg: objects cat: --readable is for the forms xml and xml16"));
+  EXPECT_THAT(run.err, StartsWith("zqmsg: objects cat: --readable is for the forms xml, xml16 and json"));
 }
 
 TEST_F(Objects, EveryStepHasHelpWithAnExample) {

@@ -20,14 +20,35 @@ class ZqmsgTest : public testing::Test {
   }
   ProgramRun zqmsg(std::vector<std::string> arguments, ProgramSetup setup) const {
     arguments.insert(arguments.begin(), ZQMSG_PROGRAM);
+    return run(std::move(arguments), std::move(setup));
+  }
+  /// Runs commands in bash, where `zqmsg` is the program.
+  ProgramRun shell(const std::string& commands) const {
+    return run({"/bin/bash", "-uo", "pipefail", "-c",
+                "export PATH=\"$(dirname '" ZQMSG_PROGRAM "'):$PATH\"\n" + commands},
+               {});
+  }
+
+  /// What the message becomes; the conversion must succeed and have nothing to say.
+  std::string to(const std::string& form, const std::string& input,
+                 std::vector<std::string> options = {}) const {
+    options.insert(options.begin(), {"convert", "--to", form});
+    const ProgramRun done = zqmsg(options, input);
+    EXPECT_EQ(done.status, 0) << done;
+    EXPECT_EQ(done.err, "");
+    return done.out;
+  }
+
+  ScratchFolder folder_;
+
+ private:
+  ProgramRun run(std::vector<std::string> arguments, ProgramSetup setup) const {
     setup.folder = folder_.path();
     setup.environment.insert(
         setup.environment.begin(),
         {"ZQXML_CONFIG=/dev/null", "ZQXML_KEY_FILE", "ZQXML_LOG_DIR", "NO_COLOR", "TZ=UTC", "TERM=xterm"});
     return runProgram(arguments, setup);
   }
-
-  ScratchFolder folder_;
 };
 
 /// Matches a run with this exit status; the run prints itself.

@@ -1,6 +1,9 @@
 #include "tools/zqmsg/byte_source.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
+#include <zqxml/platform/file.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -12,52 +15,79 @@ namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 18;
 
-[[noreturn]] void fail(const std::string& name, const CUlError& error) {
-  throw Failure(kFailed, name, "cannot be read: " + error.GetText());
+[[noreturn]] void fail(const std::string& name) {
+  throw Failure(kFailed, name, "cannot be read: " + CUlError(errno).GetText());
 }
 
 }  // namespace
 
 ByteSource::ByteSource(const std::string& file) : name_(file == "-" ? "standard input" : file) {
-  if (file == "-") {
-    const int descriptor = dup(STDIN_FILENO);
-    if (descriptor < 0) fail(name_, CUlError(errno));
-    file_.Attach(descriptor, name_);
-  } else if (const CUlError error = file_.Open(file, CUlFile::Mode::kRead); error.IsError()) {
-    fail(name_, error);
-  }
-  (void)file_.Size(size_);  // of a pipe it is 0
+  descriptor_ =
+      file == "-" ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0) : open(file.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor_ < 0) fail(name_);
+  struct stat status = {};
+  if (fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode))
+    size_ = static_cast<std::uint64_t>(status.st_size);
 }
 
-bool ByteSource::fill(std::size_t size) {
-  buffer_.erase(0, taken_);
-  taken_ = 0;
-  const std::size_t held = buffer_.size();
-  buffer_.resize(held + size);
-  unsigned arrived = 0;
-  const CUlError error = file_.Read(buffer_.data() + held, static_cast<unsigned>(size), &arrived);
-  buffer_.resize(held + arrived);
-  if (error.IsError()) fail(name_, error);
+ByteSource::~ByteSource() {
+  if (descriptor_ >= 0) close(descriptor_);
+}
+
+bool ByteSource::fill() {
+  if (held().empty()) taken_ = filled_ = 0;
+  if (taken_ != 0) {
+    buffer_.erase(0, taken_);
+    filled_ -= taken_;
+    taken_ = 0;
+  }
+  if (buffer_.size() < filled_ + kBlock) buffer_.resize(filled_ + kBlock);
+  if (onWait_) onWait_();
+  ssize_t arrived = 0;
+  do {
+    arrived = ::read(descriptor_, buffer_.data() + filled_, kBlock);
+  } while (arrived < 0 && errno == EINTR);
+  if (arrived < 0) fail(name_);
+  filled_ += static_cast<std::size_t>(arrived);
   return arrived != 0;
 }
 
-std::string_view ByteSource::peek(std::size_t size) {
-  while (buffer_.size() - taken_ < size && fill(kBlock)) {
+void ByteSource::take(std::string& out, std::size_t size) {
+  out.append(buffer_, taken_, size);
+  taken_ += size;
+  position_ += size;
+}
+
+std::string_view ByteSource::peekAtLeast(std::size_t size) {
+  while (held().size() < size && fill()) {
   }
-  return std::string_view(buffer_).substr(taken_, size);
+  return held();
 }
 
 std::uint64_t ByteSource::read(std::string& out, std::uint64_t size) {
   std::uint64_t left = size;
   while (left != 0) {
-    if (taken_ == buffer_.size() && !fill(kBlock)) break;
-    const std::size_t part = static_cast<std::size_t>(std::min<std::uint64_t>(left, buffer_.size() - taken_));
-    out.append(buffer_, taken_, part);
-    taken_ += part;
-    position_ += part;
+    if (held().empty() && !fill()) break;
+    const std::size_t part = static_cast<std::size_t>(std::min<std::uint64_t>(left, held().size()));
+    take(out, part);
     left -= part;
   }
   return size - left;
+}
+
+bool ByteSource::readLine(std::string& out, std::uint64_t most) {
+  bool any = false;
+  while (!held().empty() || fill()) {
+    any = true;
+    const std::size_t end = held().find('\n');
+    take(out, std::min(end, held().size()));
+    if (out.size() > most) throw Failure(kFailed, name_, "has a line that is larger than a message can be");
+    if (end == std::string_view::npos) continue;
+    ++taken_;
+    ++position_;
+    break;
+  }
+  return any;
 }
 
 }  // namespace zqxml::tool

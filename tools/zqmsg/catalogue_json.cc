@@ -1,10 +1,11 @@
 #include "tools/zqmsg/catalogue_json.h"
 
 #include <zqxml/catalogue/records.h>
-#include <zqxml/platform/text.h>
 
 #include <algorithm>
 #include <cstdint>
+
+#include "tools/zqmsg/json/json_text.h"
 
 namespace zqxml::tool {
 namespace {
@@ -117,24 +118,6 @@ void appendClass(std::string& out, const SubsystemDef& row, int index) {
 }
 
 }  // namespace
-
-void appendJsonString(std::string& out, std::string_view text) {
-  const std::string wellFormed = toUtf8(toUtf16(text));
-  out += '"';
-  for (char c : wellFormed) {
-    const unsigned byte = static_cast<unsigned char>(c);
-    if (c == '"' || c == '\\') {
-      out += '\\';
-      out += c;
-    } else if (byte < 0x20) {
-      out += "\\u00";
-      appendHex(out, byte);
-    } else {
-      out += c;
-    }
-  }
-  out += '"';
-}
 
 void writeCatalogueJson(const std::function<void(std::string_view)>& write) {
   std::string out = "{\"subsystems\":[";

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <string>
 #include <string_view>
 
 namespace zqxml::tool {
@@ -17,8 +16,5 @@ namespace zqxml::tool {
 /// `refs` is a list of [slot, class index], `annotation` the record in lower-case hexadecimal or null,
 /// `defaults` a list of [memNum, text]. Records without a name are left out.
 void writeCatalogueJson(const std::function<void(std::string_view)>& write);
-
-/// `text` as a JSON string, quotes included; what is no UTF-8 becomes U+FFFD (RFC 8259).
-void appendJsonString(std::string& out, std::string_view text);
 
 }  // namespace zqxml::tool

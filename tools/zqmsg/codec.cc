@@ -8,6 +8,8 @@
 #include <zqxml/xml/xml_serializer.h>
 
 #include "tools/zqmsg/failure.h"
+#include "tools/zqmsg/json/json_reader.h"
+#include "tools/zqmsg/json/json_writer.h"
 #include "tools/zqmsg/library_log.h"
 #include "tools/zqmsg/page/message_page.h"
 #include "tools/zqmsg/rendering.h"
@@ -76,13 +78,26 @@ MessagePtr decodeBinary(const std::string& bytes, const std::string& where, Libr
   return message;
 }
 
+MessagePtr decodeJson(Form form, const std::string& bytes, const std::string& where, LibraryLog& log,
+                      bool masked) {
+  JsonReading reading = readJson(bytes, masked);
+  using Fault = JsonReading::Fault;
+  if (reading.fault == Fault::kNone) return std::move(reading.message);
+  const std::string line = form == Form::kJson ? "line " + std::to_string(reading.line) + ", " : "";
+  Failure failure(reading.fault == Fault::kNotWellFormed  ? kNotWellFormed
+                  : reading.fault == Fault::kUnknownClass ? kXmlLibraryError
+                                                          : kFailed,
+                  where, reading.what + ", at " + line + "column " + std::to_string(reading.column));
+  throw failure.advise(reading.advice).explain(log.take());
+}
+
 EncodingFlags flagsOf(const WriteOptions& options) {
   EncodingFlags flags;
   flags.useElements = options.elements;
   flags.readable = options.readable;
   flags.enumAsText = options.enumNames;
-  flags.encoding_options = (options.maskPasswords ? std::uint64_t{MASK_PASSWORDS} : 0) |
-                           (options.maskSensitive ? std::uint64_t{MASK_SENSITIVE} : 0);
+  flags.encoding_options = (options.masks.passwords ? std::uint64_t{MASK_PASSWORDS} : 0) |
+                           (options.masks.sensitive ? std::uint64_t{MASK_SENSITIVE} : 0);
   return flags;
 }
 
@@ -116,6 +131,13 @@ std::string encodePage(XNMessageBase& message, const WriteOptions& options) {
   return messagePage(message, facts, options.showSecrets);
 }
 
+std::string encodeJson(const XNMessageBase& message, const WriteOptions& options) {
+  std::string text;
+  const bool indented = options.readable && options.form == Form::kJson;
+  JsonWriter(text, {indented, options.enumNames || options.readable, options.masks}).document(message);
+  return text += '\n';
+}
+
 /// What people read, and no reader takes back: nothing about it can fail.
 std::optional<std::string> encodeForPeople(XNMessageBase& message, const WriteOptions& options) {
   if (options.form == Form::kText) return render(message, Rendering::kText);
@@ -126,9 +148,11 @@ std::optional<std::string> encodeForPeople(XNMessageBase& message, const WriteOp
 
 }  // namespace
 
-MessagePtr decode(Form form, const std::string& bytes, const std::string& where, LibraryLog& log) {
+MessagePtr decode(Form form, const std::string& bytes, const std::string& where, LibraryLog& log,
+                  bool masked) {
   if (bytes.empty()) throw Failure(kFailed, where, "is empty");
-  MessagePtr message = form == Form::kXml     ? decodeXml(bytes, where, log)
+  MessagePtr message = isJson(form)           ? decodeJson(form, bytes, where, log, masked)
+                       : form == Form::kXml   ? decodeXml(bytes, where, log)
                        : form == Form::kXml16 ? decodeXml(withByteOrderMark(bytes), where, log)
                                               : decodeBinary(bytes, where, log);
   requirePasswords(where, log);
@@ -142,12 +166,13 @@ std::string encode(XNMessageBase& message, const WriteOptions& options, const st
     requirePasswords(where, log);
     return std::move(*shown);
   }
-  const bool isXml = options.form == Form::kXml || options.form == Form::kXml16;
   eXNMsgRet result = XN_MSG_OK;
-  std::string bytes = isXml ? encodeXml(message, options, result) : encodeBinary(message, options);
+  std::string bytes = isXml(options.form)    ? encodeXml(message, options, result)
+                      : isJson(options.form) ? encodeJson(message, options)
+                                             : encodeBinary(message, options);
   requirePasswords(where, log);
   // A field that would make the rest of a binary message unreadable.
-  const bool unreadable = !isXml && log.told().keyWithoutValue;
+  const bool unreadable = log.told().keyWithoutValue;
   if (result != XN_MSG_OK || bytes.empty() || unreadable) {
     throw Failure(result == XN_MSG_OK ? kFailed : static_cast<ExitStatus>(result), where,
                   "cannot be written in the form " + std::string(formName(options.form)))

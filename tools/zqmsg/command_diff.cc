@@ -12,7 +12,8 @@ namespace {
 
 constexpr const char* kExamples =
     R"(Prints one line per difference: the field's path and both values. The exit status is 0
-when there is none, and 10 when there is. Files of objects are compared object by object.
+when there is none, and 10 when there is. Files of objects and of lines are compared
+message by message.
 
 Examples:
   zqmsg diff alert.xml alert.bin
@@ -24,8 +25,9 @@ struct Options {
 };
 
 // Paths of objects in a file of many begin with the object's number.
-std::string rootPath(const MessageSource& source) {
-  return source.form() == Form::kObjects ? "object " + std::to_string(source.number()) : std::string();
+std::string rootPath(MessageSource& source) {
+  if (!source.isOneOfMany()) return {};
+  return (source.form() == Form::kObjects ? "object " : "message ") + std::to_string(source.number());
 }
 
 void diff(const Options& options, Session& session) {
@@ -49,8 +51,8 @@ void diff(const Options& options, Session& session) {
                    std::to_string(longer.number()) + " of " + visible(longer.name()) + '\n');
     }
     if (aMessage == nullptr || bMessage == nullptr) break;
-    difference.compare(a.form() == Form::kObjects ? rootPath(a) : rootPath(b), *aMessage, *bMessage);
-    if (a.form() == Form::kObjects) session.console.progress("objects compared", a.number());
+    difference.compare(rootPath(a).empty() ? rootPath(b) : rootPath(a), *aMessage, *bMessage);
+    if (isStream(a.form())) session.console.progress("objects compared", a.number());
   }
   session.console.endProgress();
   output.commit();

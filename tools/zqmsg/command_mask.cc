@@ -77,7 +77,7 @@ void maskMessages(const Options& options, Output& output, Session& session) {
     const bool isText = source.form() == Form::kXml;
     const std::string xml = !options.token ? std::string() : isText ? source.bytes() : message->AsString();
     output.write(maskedLine(options, *message, xml, source.where(), session));
-    if (source.form() == Form::kObjects) session.console.progress("objects masked", source.number());
+    if (isStream(source.form())) session.console.progress("messages masked", source.number());
   }
   session.console.endProgress();
 }

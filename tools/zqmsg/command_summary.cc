@@ -2,6 +2,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/zqmsg/attempts.h"
 #include "tools/zqmsg/command.h"
 #include "tools/zqmsg/message_source.h"
 #include "tools/zqmsg/output.h"
@@ -36,12 +37,17 @@ void summarize(const Options& options, Session& session) {
                          : options.gui ? Rendering::kSummary
                                        : Rendering::kText;
   Output output("-");
+  Attempts attempts(session);
+  const auto summarizeOne = [&](MessageSource& source) {
+    output.write(visible(render(*source.message(), form, options.format)) + '\n');
+    for (const std::string& line : session.log.take()) session.console.warn(source.where(), line);
+  };
   for (const std::string& file : options.files) {
-    MessageSource source(file, std::nullopt, session);
-    while (const MessagePtr message = source.next()) {
-      output.write(visible(render(*message, form, options.format)) + '\n');
-      for (const std::string& line : session.log.take()) session.console.warn(source.where(), line);
-    }
+    attempts.attempt([&] {
+      MessageSource source(file, std::nullopt, session);
+      source.onWait([&output] { output.show(); });
+      while (source.take()) attempts.attempt([&] { summarizeOne(source); });
+    });
   }
   output.commit();
 }

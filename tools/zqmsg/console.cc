@@ -43,6 +43,10 @@ void Console::report(const Failure& failure) {
   if (!failure.advice().empty()) line("  " + visible(failure.advice()));
 }
 
+void Console::tell(std::string_view where, std::string_view what) {
+  line(prefixed(where) + visible(what));
+}
+
 void Console::warn(std::string_view where, std::string_view what) {
   line(prefixed(where) + painted(kYellow, "warning: ") + visible(what));
 }

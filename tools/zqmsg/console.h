@@ -23,6 +23,8 @@ class Console {
 
   /// "zqmsg: WHERE: WHAT", the library's lines below it, and what to do.
   void report(const Failure& failure);
+  /// "zqmsg: WHERE: WHAT".
+  void tell(std::string_view where, std::string_view what);
   void warn(std::string_view where, std::string_view what);
   /// A line of the library's log, for --verbose.
   void trace(int level, std::string_view function, std::string_view text);

@@ -11,10 +11,10 @@ enum ExitStatus : int {
   kDone = 0,
   kFailed = 1,             ///< XN_MSG_FAILED: what was asked for cannot be had
   kUsageError = 2,         ///< the command line is wrong
-  kNotWellFormed = 4,      ///< XN_MSG_PARSE_ERROR
-  kXmlLibraryError = 5,    ///< XN_MSG_XML_LIBRARY_ERROR: also a root element that names no class
+  kNotWellFormed = 4,      ///< XN_MSG_PARSE_ERROR; also JSON that is none
+  kXmlLibraryError = 5,    ///< XN_MSG_XML_LIBRARY_ERROR: also what names no class
   kNoPasswordHandler = 6,  ///< XN_MSG_NO_PASSWORD_HANDLER
-  kDifferent = 10,         ///< `diff` found a difference
+  kDifferent = 10,         ///< `diff` or `convert --verify` found a difference
 };
 
 /// Why a command ends: thrown where the reason is known, reported once, at the top.
@@ -40,6 +40,13 @@ class Failure : public std::exception {
   std::string what_;
   std::string advice_;
   std::vector<std::string> explanation_;
+};
+
+/// A failure of what is written, not of an input: it ends the run, however many inputs are left.
+class TargetFailure : public Failure {
+ public:
+  using Failure::Failure;
+  explicit TargetFailure(const Failure& failure) : Failure(failure) {}
 };
 
 }  // namespace zqxml::tool

@@ -30,10 +30,37 @@ bool startsLikeObjects(std::string_view head) {
   return head.size() == header || isTagAt(head, header + 8);
 }
 
-bool startsLikeXml(std::string_view head) {
+/// Behind a byte order mark and white space.
+std::string_view textOf(std::string_view head) {
   if (head.starts_with("\xef\xbb\xbf")) head.remove_prefix(3);
-  const std::size_t start = head.find_first_not_of(" \t\r\n");
-  return start != std::string_view::npos && head[start] == '<';
+  return head.substr(std::min(head.find_first_not_of(" \t\r\n"), head.size()));
+}
+
+bool startsLikeXml(std::string_view head) {
+  return textOf(head).starts_with('<');
+}
+
+/// Nothing but an object is a message: a brace, then a name or the other brace.
+bool startsLikeJson(std::string_view head) {
+  std::string_view text = textOf(head);
+  if (!text.starts_with('{')) return false;
+  text = textOf(text.substr(1));
+  return text.empty() || text.front() == '"' || text.front() == '}';
+}
+
+/// Whether the first line of a JSON text is seen to its end, and ends inside an object.
+bool endsInsideObject(std::string_view head) {
+  const std::string_view text = textOf(head);
+  const std::string_view line = text.substr(0, text.find('\n'));
+  int open = 0;
+  bool quoted = false;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    if (line[i] == '"') quoted = !quoted;
+    if (quoted && line[i] == '\\') ++i;
+    if (!quoted && line[i] == '{') ++open;
+    if (!quoted && line[i] == '}') --open;
+  }
+  return line.size() < text.size() && open > 0;
 }
 
 bool startsLikeXml16(std::string_view head) {
@@ -57,14 +84,21 @@ std::vector<std::string> formNames(std::size_t count) {
 bool mayBe(Form form, std::string_view head) {
   if (form == Form::kXml16) return startsLikeXml16(head);
   if (form == Form::kXml) return startsLikeXml(head) && !startsLikeXml16(head);
+  if (isJson(form)) return startsLikeJson(head);
   return form == Form::kBinary ? isTagAt(head, 4) : startsLikeObjects(head);
 }
 
 std::optional<Form> detectForm(std::string_view head) {
   if (head.empty()) return std::nullopt;
+  // Texts first: their first characters as a version or a length would be very large numbers.
+  if (mayBe(Form::kJson, head)) return endsInsideObject(head) ? Form::kJson : Form::kJsonl;
   for (Form form : {Form::kXml16, Form::kXml, Form::kBinary, Form::kObjects})
     if (mayBe(form, head)) return form;
   return std::nullopt;
+}
+
+bool mayChange(Form form, std::string_view head) {
+  return form == Form::kJsonl && textOf(head).find('\n') == std::string_view::npos;
 }
 
 std::string fileBytes(std::u16string_view text) {

@@ -228,8 +228,20 @@ void MessageDiff::compare(const std::string& path, const XNMessageBase& a, const
   for (const FieldDef& field : *classDef) {
     if (field.getFieldHashId() == 0) continue;
     const std::string name = path.empty() ? field.getName() : path + '.' + field.getName();
-    visitStorage(field.getType(), FieldComparison(*this, name, field, a, b));
+    const std::string_view mask = masks_.of(field, AnnotationRecord(field));
+    if (!mask.empty()) {
+      compareHidden(name, mask, field, a, b);
+    } else {
+      visitStorage(field.getType(), FieldComparison(*this, name, field, a, b));
+    }
   }
+}
+
+void MessageDiff::compareHidden(const std::string& path, std::string_view mask, const FieldDef& field,
+                                const XNMessageBase& a, const XNMessageBase& b) {
+  MessageDiff inside([](const std::string&, const std::string&, const std::string&) {});
+  visitStorage(field.getType(), FieldComparison(inside, path, field, a, b));
+  if (inside.count() != 0) report(path, std::string(mask), std::string(mask));
 }
 
 void MessageDiff::report(const std::string& path, const std::string& a, const std::string& b) {

@@ -5,6 +5,9 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
+
+#include "tools/zqmsg/masks.h"
 
 namespace zqxml::tool {
 
@@ -18,7 +21,8 @@ class MessageDiff {
   /// value that is not there is "(not set)" or "(none)"; of a password only its form is told.
   using Report = std::function<void(const std::string& path, const std::string& a, const std::string& b)>;
 
-  explicit MessageDiff(Report report) : report_(std::move(report)) {}
+  /// Values that `masks` hide are told as their mask.
+  explicit MessageDiff(Report report, Masks masks = {}) : report_(std::move(report)), masks_(masks) {}
 
   /// `path` is put in front of the names of fields; empty for the root.
   void compare(const std::string& path, const XNMessageBase& a, const XNMessageBase& b);
@@ -29,7 +33,12 @@ class MessageDiff {
   friend class FieldComparison;
   void report(const std::string& path, const std::string& a, const std::string& b);
 
+  /// Tells that a hidden field differs, wherever in it.
+  void compareHidden(const std::string& path, std::string_view mask, const FieldDef& field,
+                     const XNMessageBase& a, const XNMessageBase& b);
+
   Report report_;
+  Masks masks_;
   std::uint64_t count_ = 0;
 };
 

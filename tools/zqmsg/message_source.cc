@@ -13,23 +13,50 @@ constexpr std::uint64_t kMostBytes = std::numeric_limits<std::uint32_t>::max();
 
 }  // namespace
 
-Form formOf(ByteSource& source, std::optional<Form> claimed) {
-  const std::string_view head = source.peek(kDetectionBytes);
-  if (claimed && mayBe(*claimed, head)) return *claimed;
-  const std::optional<Form> detected = detectForm(head);
-  if (claimed && detected) {
-    throw Failure(kFailed, source.name(),
-                  "is not in the form " + std::string(formName(*claimed)) + " but in " +
-                      std::string(formName(*detected)))
-        .advise("leave --from out, or say --from " + std::string(formName(*detected)));
+namespace {
+
+struct Detected {
+  std::optional<Form> form;
+  bool isEmpty = false;
+};
+
+/// From as much of the input as is needed: who writes it may wait for an answer to its first message.
+Detected detect(ByteSource& source) {
+  std::size_t wanted = kLeastDetectionBytes;
+  for (;;) {
+    const std::string_view head = source.peekAtLeast(wanted).substr(0, kDetectionBytes);
+    const std::optional<Form> form = detectForm(head);
+    const bool isAll = head.size() < wanted || head.size() == kDetectionBytes;
+    if (isAll || (form && !mayChange(*form, head))) return {form, head.empty()};
+    wanted = head.size() + 1;
   }
-  if (claimed) return *claimed;
-  if (head.empty()) throw Failure(kFailed, source.name(), "is empty");
-  if (!detected) {
-    throw Failure(kFailed, source.name(), "is neither XML nor a binary message of a known class")
+}
+
+Failure contradiction(const ByteSource& source, Form claimed, Form detected) {
+  return Failure(kFailed, source.name(),
+                 "is not in the form " + std::string(formName(claimed)) + " but in " +
+                     std::string(formName(detected)))
+      .advise("leave --from out, or say --from " + std::string(formName(detected)));
+}
+
+}  // namespace
+
+Form formOf(ByteSource& source, std::optional<Form> claimed) {
+  // Of lines the first may be a bad one, as any other.
+  if (claimed == Form::kJsonl) return *claimed;
+  if (claimed) {
+    const std::string_view head = source.peekAtLeast(kLeastDetectionBytes).substr(0, kDetectionBytes);
+    const std::optional<Form> detected = mayBe(*claimed, head) ? claimed : detectForm(head);
+    if (detected && detected != claimed) throw contradiction(source, *claimed, *detected);
+    return *claimed;
+  }
+  const Detected detected = detect(source);
+  if (detected.isEmpty) throw Failure(kFailed, source.name(), "is empty");
+  if (!detected.form) {
+    throw Failure(kFailed, source.name(), "is neither XML, nor JSON, nor a binary message of a known class")
         .advise("if it is one all the same, say which form it has with --from");
   }
-  return *detected;
+  return *detected.form;
 }
 
 std::string readWhole(ByteSource& source) {
@@ -57,26 +84,40 @@ MessageSource::MessageSource(const std::string& file, std::optional<Form> form, 
       objects_(source_, format) {}
 
 std::string MessageSource::where() const {
-  return form_ == Form::kObjects ? name() + ": object " + std::to_string(number_) : name();
+  if (form_ == Form::kObjects) return name() + ": object " + std::to_string(number_);
+  if (form_ == Form::kJsonl) return name() + ": line " + std::to_string(line_);
+  return name();
 }
 
-bool MessageSource::skip() {
-  if (form_ != Form::kObjects || !objects_.next(bytes_)) return false;
+bool MessageSource::isOneOfMany() {
+  return form_ == Form::kObjects || (form_ == Form::kJsonl && (number_ > 1 || !source_.peek(1).empty()));
+}
+
+bool MessageSource::takeLine() {
+  while (source_.readLine(bytes_, kMostBytes)) {
+    ++line_;
+    if (bytes_.find_first_not_of(" \t\r") != std::string::npos) return true;
+    bytes_.clear();
+  }
+  return false;
+}
+
+bool MessageSource::take() {
+  bytes_.clear();
+  if (form_ == Form::kObjects) {
+    if (!objects_.next(bytes_)) return false;
+  } else if (form_ == Form::kJsonl) {
+    if (!takeLine()) return false;
+  } else {
+    if (number_ != 0) return false;
+    bytes_ = readWhole(source_);
+  }
   ++number_;
   return true;
 }
 
-MessagePtr MessageSource::next() {
-  bytes_.clear();
-  if (form_ == Form::kObjects) {
-    if (!objects_.next(bytes_)) return nullptr;
-  } else {
-    if (number_ != 0) return nullptr;
-    bytes_ = readWhole(source_);
-  }
-  ++number_;
-  const Form messageForm = form_ == Form::kObjects ? Form::kBinary : form_;
-  MessagePtr message = decode(messageForm, bytes_, where(), session_.log);
+MessagePtr MessageSource::message() {
+  MessagePtr message = decode(form_, bytes_, where(), session_.log);
   for (const std::string& line : session_.log.take()) session_.console.warn(where(), line);
   return message;
 }

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kBlock = std::size_t{1} << 16;
 
 void check(const std::string& name, const CUlError& error) {
-  if (error.IsError()) throw Failure(kFailed, name, "cannot be written: " + error.GetText());
+  if (error.IsError()) throw TargetFailure(kFailed, name, "cannot be written: " + error.GetText());
 }
 
 }  // namespace
@@ -35,6 +35,10 @@ void Output::write(std::string_view bytes) {
   if (held_.size() >= kBlock) flush();
 }
 
+void Output::show() {
+  if (!canRollBack() && !held_.empty()) flush();
+}
+
 void Output::flush() {
   if (standardOutput_) {
     std::string_view rest = held_;
@@ -46,7 +50,16 @@ void Output::flush() {
   } else {
     check(name_, file_.Write(held_));
   }
+  flushed_ += held_.size();
   held_.clear();
+}
+
+void Output::rollBack(std::uint64_t position) {
+  if (position >= flushed_) return held_.resize(position - flushed_);
+  held_.clear();
+  check(name_, file_.file().Truncate(position));
+  check(name_, file_.file().Seek(static_cast<std::int64_t>(position), 0, nullptr));
+  flushed_ = position;
 }
 
 void Output::commit() {

@@ -6,8 +6,10 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <string_view>
 
 #include "tools/zqmsg/command.h"
+#include "tools/zqmsg/generation.h"
 #include "tools/zqmsg/output.h"
 
 namespace zqxml::tool {
@@ -15,7 +17,7 @@ namespace {
 
 constexpr const char* kFooter =
     R"(Classes are named SUBSYSTEM_CLASS or by tag id, 0x...; '-' is standard input or output.
-Exit status: 0 done; 1 failed, 4 not well-formed XML, 5 unknown root element, 6 no key for a
+Exit status: 0 done; 1 failed, 4 not well-formed XML or JSON, 5 unknown class, 6 no key for a
 password; 2 wrong usage; 10 difference found. Passwords are encrypted with the key file that
 $ZQXML_KEY_FILE names.
 
@@ -56,17 +58,26 @@ Failure misuse(const CLI::App& app, const CLI::ParseError& error, const std::str
   return failure.advise("'zqmsg" + (command.empty() ? "" : " " + command) + " --help' tells more");
 }
 
+void print(const std::string& text) {
+  Output output("-");
+  output.write(text);
+  output.commit();
+}
+
 // Help and version are answers and go to standard output.
 void answer(const CLI::App& app, const CLI::ParseError& error) {
-  Output output("-");
   const bool version = dynamic_cast<const CLI::CallForVersion*>(&error) != nullptr;
-  output.write(version ? std::string(error.what()) + "\n" : app.help());
-  output.commit();
+  print(version ? std::string(error.what()) + "\n" : app.help());
 }
 
 ExitStatus parseAndRun(int argc, const char* const* argv, Session& session) {
   CLI::App app("Looks at the message catalogue, converts and compares messages.", "zqmsg");
   addCommands(app, session);
+  // For those who build packages, and for completion; no command of its own.
+  if (argc == 3 && std::string_view(argv[1]) == "--generate") {
+    print(generated(app, argv[2]));
+    return kDone;
+  }
   if (ZQPassword().isConfigured()) registerPlatformPasswordRoutines();
   try {
     app.parse(argc, argv);

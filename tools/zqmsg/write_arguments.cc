@@ -11,19 +11,29 @@ class Refusal {
       : command_(command), name_(name), options_(options), form_(formName(options.form)) {}
 
   void ofWhatHasNoEffect() const {
-    const bool isXml = options_.form == Form::kXml || options_.form == Form::kXml16;
-    for (const char* option : {"--elements", "--readable", "--enum-names", "--root-only", "--mask-passwords",
-                               "--mask-sensitive"}) {
-      if (!isXml && command_.count(option) != 0)
-        misuse(std::string(option) + " is for the forms xml and xml16, not for " + form_);
-    }
+    const Form form = options_.form;
+    refuse({"--elements", "--root-only"}, isXml(form), "xml and xml16");
+    refuse({"--readable"}, isXml(form) || form == Form::kJson, "xml, xml16 and json");
+    refuse({"--enum-names", "--mask-passwords", "--mask-sensitive"}, isXml(form) || isJson(form),
+           "xml, xml16, json and jsonl");
+    refuse({"--verify"}, isReadable(form), "that can be read, " + readableForms());
     if (options_.showSecrets && options_.form != Form::kPage) misuse("--show-secrets is for the form page");
     if (options_.version) ofVersion();
   }
 
  private:
+  void refuse(std::initializer_list<const char*> options, bool fits, const std::string& forms) const {
+    for (const char* option : options)
+      if (!fits && command_.get_option_no_throw(option) != nullptr && command_.count(option) != 0)
+        misuse(std::string(option) + " is for the forms " + forms + ", not for " + form_);
+  }
+  static std::string readableForms() {
+    std::string names;
+    for (const std::string& name : formNames(kReadableForms)) names += (names.empty() ? "" : ", ") + name;
+    return names;
+  }
   void ofVersion() const {
-    if (static_cast<std::size_t>(options_.form) >= kReadableForms)
+    if (!isReadable(options_.form) || isJson(options_.form))
       misuse("--version is for the forms xml and binary, not for " + form_);
     if (options_.form == Form::kXml16 || options_.form == Form::kObjects)
       misuse("--version is for the forms xml and binary; " + form_ + " is always version 2");
@@ -45,11 +55,13 @@ CLI::Option& WriteArguments::addTo(CLI::App& command) {
   CLI::Option& form = *command.add_option("--to", to, "Form to write");
   form.check(CLI::IsMember(formNames(kFormNames.size())));
   command.add_flag("--elements", options_.elements, "XML: values as elements, not as attributes");
-  command.add_flag("--readable", options_.readable, "XML: indented, names, dates and times as text");
-  command.add_flag("--enum-names", options_.enumNames, "XML: enumerations by name");
+  command.add_flag("--readable", options_.readable,
+                   "XML: indented, names, dates and times as text; json: indented, with names");
+  command.add_flag("--enum-names", options_.enumNames, "XML, JSON: enumerations by name");
   command.add_flag("--root-only", options_.rootOnly, "XML: without the declaration");
-  command.add_flag("--mask-passwords", options_.maskPasswords, "XML: ******* for every password");
-  command.add_flag("--mask-sensitive", options_.maskSensitive, "XML: ######## for every sensitive value");
+  command.add_flag("--mask-passwords", options_.masks.passwords, "XML, JSON: ******* for every password");
+  command.add_flag("--mask-sensitive", options_.masks.sensitive,
+                   "XML, JSON: ######## for every sensitive value");
   command.add_flag("--show-secrets", options_.showSecrets,
                    "page: passwords, sensitive values and byte strings as they are");
   command.add_option("--version", version_, "Version of the form; 2 when not given");

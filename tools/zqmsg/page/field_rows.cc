@@ -13,14 +13,13 @@
 #include <type_traits>
 #include <vector>
 
+#include "tools/zqmsg/masks.h"
 #include "tools/zqmsg/page/markup.h"
 #include "tools/zqmsg/value_text.h"
 
 namespace zqxml::tool {
 namespace {
 
-constexpr std::string_view kMaskedPassword = "*******";
-constexpr std::string_view kMaskedValue = "########";
 constexpr std::string_view kMaskedBytes = "****";
 
 std::string aside(const std::string& html) {
