@@ -28,7 +28,9 @@ class FuzzFile {
   FuzzFile(const std::uint8_t* data, std::size_t size) {
     const int descriptor = memfd_create("fuzz", MFD_CLOEXEC);
     require(descriptor >= 0);
-    file_.Attach(descriptor, "fuzz");
+    // By a name, not by its descriptor: then it is read ahead.
+    require(!file_.Open("/proc/self/fd/" + std::to_string(descriptor), CUlFile::Mode::kReadWrite).IsError());
+    close(descriptor);
     require(!file_.Write(data, static_cast<unsigned>(size), nullptr).IsError());
     rewind();
   }
