@@ -35,9 +35,10 @@ class Linter {
   std::vector<Finding> run() {
     for (const SubsystemShot& subsystem : catalogue_.subsystems) {
       for (const ClassShot& record : subsystem.classes) {
+        for (const FieldShot& field : record.fields) {
+          if (!record.isEnumeration) checkField({&record, &field});
+        }
         checkNames(record);
-        if (record.isEnumeration) continue;
-        for (const FieldShot& field : record.fields) checkField({&record, &field});
       }
     }
     for (const EarlyEnd& end : earlyEnds(catalogue_)) {
