@@ -58,9 +58,9 @@ class ZQXML_EXPORT BinaryBuffer {
   bool Status() const { return dataSize_ <= bufferSize_; }
 
  private:
-  // Not copyable; deepCopyBuffer makes a second copy of the bytes.
-  BinaryBuffer(const BinaryBuffer&) {}
-  BinaryBuffer& operator=(const BinaryBuffer&) { return *this; }
+  // deepCopyBuffer makes a second copy of the bytes.
+  BinaryBuffer(const BinaryBuffer&) = delete;
+  BinaryBuffer& operator=(const BinaryBuffer&) = delete;
 
   void release();
   void take(char* data, std::size_t size, std::size_t content, bool external);

@@ -5,6 +5,7 @@
 #include <zqxml/message/internal/nesting_limit.h>
 #include <zqxml/platform/format.h>
 
+#include <array>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,36 +13,14 @@
 namespace zqxml {
 namespace {
 
+/// In the order of WirePart.
+constexpr std::array kPartNames{"key",           "key again", "count", "byte count",   "size",
+                                "length",        "text",      "value", "key encoding", "value encoding",
+                                "unknown value", "skipped",   "unread"};
+static_assert(kPartNames.size() == static_cast<std::size_t>(WirePart::kUnread) + 1);
+
 constexpr const char* nameOf(WirePart part) {
-  switch (part) {
-    case WirePart::kKey:
-      return "key";
-    case WirePart::kRepeatedKey:
-      return "key again";
-    case WirePart::kCount:
-      return "count";
-    case WirePart::kByteCount:
-      return "byte count";
-    case WirePart::kSize:
-      return "size";
-    case WirePart::kLength:
-      return "length";
-    case WirePart::kText:
-      return "text";
-    case WirePart::kNumber:
-      return "value";
-    case WirePart::kKeyEncoding:
-      return "key encoding";
-    case WirePart::kValueEncoding:
-      return "value encoding";
-    case WirePart::kUnknownNumber:
-      return "unknown value";
-    case WirePart::kSkipped:
-      return "skipped";
-    case WirePart::kUnread:
-      return "unread";
-  }
-  return "";
+  return kPartNames[static_cast<std::size_t>(part)];
 }
 
 constexpr const char* nameOf(BinaryEncodingType encoding) {
@@ -108,9 +87,7 @@ class Narrator {
     tell({offset, length, depth(), path(), "problem", std::move(text), true});
   }
   /// The first failure is the cause; the others tell the objects around it, and so does its path.
-  void failed(std::uint64_t offset) {
-    problem(offset, bytes_.size() - offset, reports_.empty() ? std::string() : std::move(reports_.front()));
-  }
+  void failed(std::uint64_t offset) { problem(offset, bytes_.size() - offset, std::move(reports_.front())); }
 
   template <class... Args>
   void report(const char* format, const Args&... args) {
@@ -128,8 +105,6 @@ class Narrator {
   }
   template <class Value>
   void part(WirePart part, std::uint64_t offset, std::uint64_t length, const Value& value) {
-    for (std::string& survived : reports_) problem(offset, 0, std::move(survived));
-    reports_.clear();
     if constexpr (std::same_as<Value, std::uint32_t>) {
       if (part == WirePart::kKey) nameKey(value);
     }
@@ -185,10 +160,11 @@ class Narrator {
   }
   /// Name of an enumeration's value, in parentheses.
   std::string enumerator(std::int32_t value) const {
-    const FieldDef* field = levels_.back().field;
-    if (field == nullptr || !kEnumTypes.contains(field->getType())) return {};
-    const _ClassDef* enumeration = catalogue::classOfField(*field);
-    const char* name = enumeration == nullptr ? nullptr : catalogue::enumeratorName(*enumeration, value);
+    const FieldDef& field = *levels_.back().field;
+    if (!kEnumTypes.contains(field.getType())) return {};
+    const _ClassDef* enumeration = catalogue::classOfField(field);
+    if (enumeration == nullptr) return {};  // NOCOVER: the compiler of catalogues asks for one
+    const char* name = catalogue::enumeratorName(*enumeration, value);
     return name == nullptr ? std::string() : std::string(" (") + name + ")";
   }
 

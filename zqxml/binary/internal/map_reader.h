@@ -126,11 +126,13 @@ class MapReader {
       return reader_.skip(in_, WirePart::kSkipped, size);
     }
     made->SetCachedSize(size);
-    return reader_.nested(*made, in_, size) || reader_.fail(failure, field_.getName());
+    if (reader_.nested(*made, in_, size)) return true;
+    return reader_.fail(failure, field_.getName());
   }
   bool passOver() {
     std::uint32_t size = 0;
-    return reader_.varint(in_, WirePart::kSize, size) && reader_.skip(in_, WirePart::kSkipped, size);
+    if (!reader_.varint(in_, WirePart::kSize, size)) return false;
+    return reader_.skip(in_, WirePart::kSkipped, size);
   }
 
   Reader& reader_;

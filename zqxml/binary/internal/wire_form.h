@@ -40,46 +40,45 @@ constexpr BinaryEncodingType encodingOfKey(std::uint32_t key) {
 constexpr std::uint32_t keyOf(const FieldDef& field) {
   return (field.getFieldHashId() << 3) | fieldTypeFacts(field.getType()).encoding;
 }
-/// What a field's record starts with.
-constexpr std::uint32_t firstWordOf(const FieldDef& field) {
-  return kCollectionTypes.contains(field.getType()) ? kCollectionMarker : keyOf(field);
-}
 
-/// A type that is stored so: the first one.
 template <class Storage>
-inline constexpr unsigned kTypeStoredAs = [] {
+consteval bool isStoredAs(unsigned type) {
+  return visitStorage(type, [](auto storage) { return std::same_as<decltype(storage), Storage>; });
+}
+template <class Storage>
+consteval unsigned firstTypeStoredAs() {
   unsigned type = 0;
-  while (!visitStorage(type, [](auto storage) { return std::same_as<decltype(storage), Storage>; })) ++type;
+  while (!isStoredAs<Storage>(type)) ++type;
   return type;
-}();
+}
+template <class Storage>
+inline constexpr unsigned kTypeStoredAs = firstTypeStoredAs<Storage>();
+
 /// Whether all types that are stored so have one encoding, and are collections or not alike. Only what stores
 /// nothing is not.
 template <class Storage>
-inline constexpr bool kHasOneKey = [] {
+consteval bool hasOneKey() {
   constexpr unsigned kType = kTypeStoredAs<Storage>;
   for (unsigned type = 0; type < kFieldTypeCount; ++type) {
-    if (!visitStorage(type, [](auto storage) { return std::same_as<decltype(storage), Storage>; })) continue;
+    if (!isStoredAs<Storage>(type)) continue;
     if (kFieldTypes[type].encoding != kFieldTypes[kType].encoding ||
         kCollectionTypes.contains(type) != kCollectionTypes.contains(kType))
       return false;
   }
   return true;
-}();
-
-/// The same two for a field that is known to be stored so: no table is asked at run time.
-template <class Storage>
-constexpr std::uint32_t keyOf(const FieldDef& field) {
-  if constexpr (!kHasOneKey<Storage>)
-    return keyOf(field);
-  else
-    return (field.getFieldHashId() << 3) | kFieldTypes[kTypeStoredAs<Storage>].encoding;
 }
+
+/// What the record of a field starts with that is known to be stored so: no table is asked at run time.
 template <class Storage>
 constexpr std::uint32_t firstWordOf(const FieldDef& field) {
-  if constexpr (!kHasOneKey<Storage>)
-    return firstWordOf(field);
-  else
-    return kCollectionTypes.contains(kTypeStoredAs<Storage>) ? kCollectionMarker : keyOf<Storage>(field);
+  if constexpr (!hasOneKey<Storage>()) {
+    static_assert(std::same_as<Storage, Nothing>, "a collection would start with the marker");
+    return keyOf(field);
+  } else if constexpr (kCollectionTypes.contains(kTypeStoredAs<Storage>)) {
+    return kCollectionMarker;
+  } else {
+    return (field.getFieldHashId() << 3) | kFieldTypes[kTypeStoredAs<Storage>].encoding;
+  }
 }
 
 /// From this version on binary strings travel as Base64, and passwords in their encrypted text form.
