@@ -41,6 +41,15 @@ TEST(BinaryReaderFieldsTest, UnknownFieldsAreSkippedByTheirEncoding) {
   EXPECT_THAT(capture.lines(), IsEmpty());
 }
 
+TEST(BinaryReaderFieldsTest, ClassWithoutFieldsSkipsAllOfThem) {
+  HandMadeClass handMade;
+  OpenMessage message = handMade.message();
+  ASSERT_EQ(XNMessageBase::GetClassDef(&message)->getFields(), nullptr);
+  LogCapture capture;
+  EXPECT_EQ(readInto(message, withHeader(message.getTagID(), Wire().key("nobody", 6).varint(300))), 0);
+  EXPECT_THAT(capture.lines(), IsEmpty());
+}
+
 TEST(BinaryReaderFieldsTest, OlderClassReadsWhatItKnows) {
   OpenMessage newer = newMessage("Demo_Newer");
   for (const char* name : {"first", "newInt", "newUint", "newLonglong", "last"}) setInteger(newer, name, 3);

@@ -238,6 +238,13 @@ TEST(BinaryReaderMapTest, PairIsPassedOverWhenEitherClassCannotBeHad) {
   EXPECT_EQ(valueLost.after, 1);
 }
 
+TEST(BinaryReaderMapTest, PairWhoseValueIsCutOffBehindALostKeyFails) {
+  LostClass keyLost(FDT_MAP_OBJECT_OBJECT, kLost + kFound);
+  OpenMessage message = keyLost.handMade.message();
+  const std::string body = mapHead("map", 1, 2, 2).raw(child()).raw("\x80");
+  EXPECT_EQ(readInto(message, withHeader(message.getTagID(), body)), -1);
+}
+
 TEST(BinaryReaderMapTest, KeepsReadingOnWhereAnObjectCannotBePassedOver) {
   std::size_t entries = 0;
   LostClass lost(FDT_MAP_INT64_OBJECT, kLost);

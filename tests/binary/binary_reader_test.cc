@@ -91,6 +91,28 @@ TEST(BinaryReaderTest, UnknownBytesBeyondTheEndFailTheMessage) {
   EXPECT_EQ(readInto(message, everyType(Wire().key("nobody", 2).varint(3).raw("abc"))), 0);
 }
 
+TEST(BinaryReaderTest, LengthOrCountThatIsCutOffFailsTheMessage) {
+  EveryType message;
+  for (const std::string& body :
+       {Wire().key("nobody", 2).raw("\x80").bytes(), Wire().fixed32(0x7f7f7f78).raw("\x80").bytes()}) {
+    LogCapture capture;
+    EXPECT_EQ(readInto(message, everyType(body)), -1);
+    EXPECT_TRUE(capture.has(
+        kReader, 0, "Buffer ends before its content does. Buffer size : [13]. CurrentPosition : [12]"));
+  }
+}
+
+TEST(BinaryReaderTest, BodyThatEndsBeforeTheThirdByteOfAStreamHasNoKey) {
+  std::string bytes(2, '\0');
+  BinaryStream stream(bytes.data(), bytes.size());
+  EveryType message;
+  LogCapture capture;
+  EXPECT_FALSE(BinarySerializerTestAccess::readBody(message, stream, bytes.size()));
+  EXPECT_TRUE(capture.has(kReader, 0,
+                          "Buffer ends before its content does. Buffer size : [2]. CurrentPosition : [0]"));
+  EXPECT_EQ(stream.position(), 0u);
+}
+
 TEST(BinaryReaderTest, KeepsBinaryStringsCutAtVersion1AndRawWhenTheyDecodeToNothing) {
   EveryType message;
   const std::string withNul = Wire().key("bstringField", 2).text(std::string_view("ab\0cd", 5));

@@ -57,6 +57,7 @@ TEST(BinaryStreamTest, SkipTakesWhatIsLeftAndNotAByteMore) {
   BinaryStream stream(range.data(), range.size(), 3);
   EXPECT_FALSE(stream.skip(6));
   EXPECT_EQ(stream.position(), 3u);
+  EXPECT_EQ(stream.remaining(), 5u);
   EXPECT_TRUE(stream.skip(5));
   EXPECT_EQ(stream.position(), 8u);
 }

@@ -103,6 +103,23 @@ TEST_F(BinaryWriterPasswordTest, PasswordWithoutAnnotationWritesItsKeyAloneAndIs
   }
 }
 
+TEST_F(BinaryWriterPasswordTest, SetPasswordWithoutAValueIsAnEmptyOne) {
+  setBit(message_, "plainPassword");
+  for (int version : {1, 2})
+    EXPECT_EQ(serializedBody(message_, version), record("plainPassword", "")) << version;
+}
+
+TEST_F(BinaryWriterPasswordTest, ExternalMemoryTakesAnEncryptedPassword) {
+  registerEncryption<5>();
+  message_.setVer3Password("secret", typeOf(1));
+  std::string block(64, '\xee');
+  BinaryBuffer buffer(block.data(), block.size());
+  BinarySerializer::serialize(message_, buffer);
+  const std::string expected = serialized(message_);
+  EXPECT_EQ(block.substr(0, expected.size()), expected);
+  EXPECT_EQ(block.substr(expected.size()), std::string(64 - expected.size(), '\xee'));
+}
+
 TEST_F(BinaryWriterPasswordTest, ParametersWithFlagsChooseTheType) {
   registerEncryption<9>();
   message_.setVer3Password("secret", typeOf(1));

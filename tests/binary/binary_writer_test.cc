@@ -3,15 +3,12 @@
 #include <gtest/gtest.h>
 #include <tests/binary/binary_forms.h>
 #include <tests/binary/hand_made_class.h>
-#include <tests/binary/oversized_message.h>
 #include <tests/support/log_capture.h>
 #include <tests/support/open_message.h>
 #include <zqxml/catalogue/generated/App.h>
 #include <zqxml/catalogue/generated/Demo.h>
 #include <zqxml/xml/xml_encoder.h>
 
-#include <array>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -119,6 +116,12 @@ TEST(BinaryWriterTest, WideTextIsCountedInBytesOfUtf8) {
   EXPECT_EQ(serializedBody(message), Wire().key("wstringField", 2).text("aé€\U0001F600").bytes());
 }
 
+TEST(BinaryWriterTest, HalfOfASurrogatePairIsTheReplacementCharacter) {
+  EveryType message;
+  message.setWstringField(u"\xd83dx\xd83d");
+  EXPECT_EQ(serializedBody(message), Wire().key("wstringField", 2).text("\xef\xbf\xbdx\xef\xbf\xbd").bytes());
+}
+
 TEST(BinaryWriterTest, BinaryStringIsRawAtVersion1AndBase64AtVersion2) {
   EveryType message;
   message.setBstringField(std::string("a\0b", 3));
@@ -169,76 +172,6 @@ TEST(BinaryWriterTest, WorkedExampleIsRightToTheByte) {
             "78 7f 7f 7f 02 8a d2 86 00 02 02 01 "
             "22 4c 00 00 05 7e c8 92 03 0a "
             "78 7f 7f 7f 01 52 96 4a 03 0c 02 01 01 61 07 00 00 00 00 00 00 00");
-}
-
-// --- The buffer.
-
-TEST(BinaryWriterTest, ExternalMemoryIsWrittenToAndKeepsItsDataSize) {
-  EveryType message;
-  message.setIntField(1);
-  std::array<char, 32> block{};
-  BinaryBuffer buffer(block.data(), block.size());
-  EXPECT_EQ(BinarySerializer::serialize(message, buffer), 0u);
-  EXPECT_EQ(buffer.getBuffer(), block.data());
-  EXPECT_EQ(std::string(block.data(), 13), serialized(message));
-  EXPECT_EQ(toHex(std::string_view(block.data() + 13, 1)), "00");
-  buffer.setDataSize(13);
-  EXPECT_EQ(BinarySerializer::serialize(message, buffer), 13u);
-}
-
-TEST(BinaryWriterTest, ExternalMemoryOfExactlyTheSizeSuffices) {
-  EveryType message;
-  message.setIntField(1);
-  std::array<char, 13> block{};
-  BinaryBuffer buffer(block.data(), block.size());
-  LogCapture capture;
-  BinarySerializer::serialize(message, buffer);
-  EXPECT_EQ(std::string(block.data(), block.size()), serialized(message));
-  EXPECT_THAT(capture.lines(), IsEmpty());
-}
-
-TEST(BinaryWriterTest, KeepsTheFunctionNameAsTheTextWhenExternalMemoryIsTooSmall) {
-  EveryType message;
-  message.setIntField(1);
-  std::array<char, 12> block{};
-  BinaryBuffer buffer(block.data(), block.size());
-  buffer.setDataSize(12);
-  LogCapture capture;
-  EXPECT_EQ(BinarySerializer::serialize(message, buffer), 0u);
-  EXPECT_THAT(capture.lines(), testing::ElementsAre(CapturedLine{"BinarySerializer::serialize", 0,
-                                                                 "BinarySerializer::serialize"}));
-  EXPECT_EQ(toHex(std::string_view(block.data(), 4)), "00 00 00 00");
-}
-
-TEST(BinaryWriterTest, ExternalBufferWithoutMemoryIsTooSmall) {
-  EveryType message;
-  BinaryBuffer buffer(nullptr, 100);
-  LogCapture capture;
-  EXPECT_EQ(BinarySerializer::serialize(message, buffer), 0u);
-  EXPECT_TRUE(capture.has("BinarySerializer::serialize", 0, "BinarySerializer::serialize"));
-}
-
-TEST(BinaryWriterTest, BodyThatThirtyTwoBitsCannotTellFails) {
-  OversizedMessage oversized;
-  ASSERT_GT(oversized.size(), std::numeric_limits<std::uint32_t>::max());
-  LogCapture capture;
-  BinaryBuffer buffer;
-  EXPECT_EQ(BinarySerializer::serialize(oversized.message(), buffer, 1), 0u);
-  EXPECT_EQ(capture.lines().size(), 1u);
-  EXPECT_TRUE(
-      capture.hasPart("BinarySerializer::serialize", 0, "Unable to create a buffer of required size : ["));
-  EXPECT_FALSE(buffer.isSet());
-}
-
-TEST(BinaryWriterTest, SmallStreamDropsTheTail) {
-  EveryType message;
-  message.setIntField(1);
-  message.setStringField("text");
-  std::string range(8, '\xee');
-  BinaryStream stream(range.data(), range.size());
-  BinarySerializerTestAccess::writeBody(message, stream);
-  EXPECT_EQ(stream.position(), 5u + 4 + 1 + 4);
-  EXPECT_EQ(range, std::string(Wire().key("intField", 6).raw("\x02").raw("\xee\xee\xee")));
 }
 
 // --- Log lines and cached sizes.
@@ -317,6 +250,22 @@ TEST(BinaryWriterTest, SetCollectionWithoutAValueIsAnEmptyOne) {
     setBit(message, field.getName());
     EXPECT_EQ(serializedBody(message), emptyCollection(field.getName())) << field.getName();
   }
+}
+
+TEST(BinaryWriterTest, SetBinaryStringWithoutAValueIsAnEmptyOne) {
+  EveryType message;
+  setBit(message, "bstringField");
+  for (int version : {1, 2})
+    EXPECT_EQ(serializedBody(message, version), Wire().key("bstringField", 2).varint(0).bytes());
+}
+
+TEST(BinaryWriterTest, BitsBehindTheLastFieldArePassedOver) {
+  HandMadeClass handMade;
+  handMade.field(FDT_INT, "only");
+  OpenMessage message = handMade.message();
+  setInteger(message, "only", 1);
+  MessageAccess::mark(message, 5);
+  EXPECT_EQ(serializedBody(message), Wire().key("only", 6).raw("\x02").bytes());
 }
 
 TEST(BinaryWriterTest, TypesWithoutAValueFormWriteTheirKeyAlone) {
