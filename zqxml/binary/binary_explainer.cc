@@ -87,7 +87,10 @@ class Narrator {
     tell({offset, length, depth(), path(), "problem", std::move(text), true});
   }
   /// The first failure is the cause; the others tell the objects around it, and so does its path.
-  void failed(std::uint64_t offset) { problem(offset, bytes_.size() - offset, std::move(reports_.front())); }
+  void failed(std::uint64_t offset) {
+    if (reports_.empty()) reports_.emplace_back();  // NOCOVER: every failure is reported
+    problem(offset, bytes_.size() - offset, std::move(reports_.front()));
+  }
 
   template <class... Args>
   void report(const char* format, const Args&... args) {
@@ -160,9 +163,10 @@ class Narrator {
   }
   /// Name of an enumeration's value, in parentheses.
   std::string enumerator(std::int32_t value) const {
-    const FieldDef& field = *levels_.back().field;
-    if (!kEnumTypes.contains(field.getType())) return {};
-    const _ClassDef* enumeration = catalogue::classOfField(field);
+    const FieldDef* field = levels_.back().field;
+    if (field == nullptr) return {};  // NOCOVER: the value of an unknown field is another part
+    if (!kEnumTypes.contains(field->getType())) return {};
+    const _ClassDef* enumeration = catalogue::classOfField(*field);
     if (enumeration == nullptr) return {};  // NOCOVER: the compiler of catalogues asks for one
     const char* name = catalogue::enumeratorName(*enumeration, value);
     return name == nullptr ? std::string() : std::string(" (") + name + ")";
