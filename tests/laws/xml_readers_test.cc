@@ -151,6 +151,19 @@ bool isPlain(const std::basic_string<Char>& xml) {
   return XmlScanner<Char>().scan(xml);
 }
 
+/// Whether a section of a written text has what only the parser takes: "<!", or the end mark that the writer
+/// doubles, which ends the section early.
+bool hasOddSection(std::string_view xml) {
+  constexpr std::string_view kStart = "<![CDATA[";
+  for (std::size_t at = xml.find(kStart); at != xml.npos; at = xml.find(kStart)) {
+    xml.remove_prefix(at + kStart.size());
+    const std::size_t end = xml.find("]]>");
+    if (xml.substr(0, end).find("<!") != xml.npos || xml.substr(end + 3).starts_with('>')) return true;
+    xml.remove_prefix(end);
+  }
+  return false;
+}
+
 TEST_F(XmlReaders, BothReadWhatIsWrittenOfRandomMessagesAlike) {
   const auto messages = randomMessages(kNulInTexts);
   const int count = comparisons(2000);
@@ -165,9 +178,11 @@ TEST_F(XmlReaders, BothReadWhatIsWrittenOfRandomMessagesAlike) {
     ASSERT_EQ(XMLSerializer(way.flags, nullptr).serializeUTF16(message, wide, way.rootOnly), XN_MSG_OK);
     expectSameReading(message, xml);
     expectSameReading(message, wide);
-    plain += isPlain(xml) && isPlain(wide) ? 1 : 0;
+    ASSERT_EQ(isPlain(xml), !hasOddSection(xml)) << xml;
+    ASSERT_EQ(isPlain(wide), !hasOddSection(xml)) << xml;
+    plain += isPlain(xml) ? 1 : 0;
   }
-  EXPECT_EQ(plain, count) << "what the writer gives is plain";
+  EXPECT_GE(plain, count - count / 100) << "what the writer gives is plain, but for odd sections";
 }
 
 TEST_F(XmlReaders, BothReadDamagedTextsAlike) {
@@ -264,6 +279,15 @@ TEST_F(XmlReaders, BothStopAtTheSameNesting) {
     for (int i = 1; i < levels; ++i) xml += "<child>";
     for (int i = 1; i < levels; ++i) xml += "</child>";
     expectSameReading(newMessage("XmlRead_Node"), xml + "</XmlRead_Node>");
+  }
+}
+
+TEST_F(XmlReaders, BothReadLongDeclarationsAlike) {
+  for (const std::size_t blanks : {900u, 1000u, 16300u, 16384u, 33000u}) {
+    const std::string gap(blanks, ' ');
+    expectSameReading(newMessage("XmlRead_Node"), "<?xml version='1.0'" + gap + "?><XmlRead_Node id='1'/>");
+    expectSameReading(newMessage("XmlRead_Node"),
+                      toUtf16("<?xml version='1.0' encoding" + gap + "='UTF-16'?><XmlRead_Node id='1'/>"));
   }
 }
 

@@ -49,10 +49,13 @@ bool XmlScanner<Char>::scan(View text) {
   return scanMisc() && at_ == end_;
 }
 
-/// An encoding is named or not in UTF-8; the library finds out about UTF-16 by its name.
+/// An encoding is named or not in UTF-8; the library finds out about UTF-16 by its name. It refuses a
+/// declaration that does not fit into its buffer of 16,384 characters; one near that long is not plain.
 template <class Char>
 bool XmlScanner<Char>::scanDeclaration() {
   constexpr bool kWide = sizeof(Char) != 1;
+  constexpr std::ptrdiff_t kLongest = 1000;
+  const Char* const first = at_;
   if (!skipWord("<?xml ")) return false;
   skipSpace();
   if (!skipWord("version") || !skipEquals() || !skipQuoted("1.0")) return false;
@@ -68,7 +71,7 @@ bool XmlScanner<Char>::scanDeclaration() {
     if (!skipEquals() || !(skipQuoted("no") || skipQuoted("yes"))) return false;
     skipSpace();
   }
-  return skipWord("?>");
+  return skipWord("?>") && at_ - first <= kLongest;
 }
 
 /// White space and comments, up to a tag or the end.

@@ -7,7 +7,8 @@
 // not plain is said by itself.
 //
 // What is plain is less than what is well-formed: names are ASCII without colons, and none begins with "xml";
-// no "]" stands before a ">" of a text; elements nest in 5,000 levels and have 1,000 attributes at most.
+// no "]" stands before a ">" of a text, and no "<!" in a CDATA section; a declaration has 1,000 characters;
+// elements nest in 5,000 levels and have 1,000 attributes at most.
 #pragma once
 
 #include <zqxml/xml/internal/inline_list.h>
