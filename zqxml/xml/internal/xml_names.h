@@ -3,9 +3,10 @@
 
 namespace zqxml {
 
-/// The attribute that holds the value of a list element or of a side of a map entry.
+/// The attribute that holds the value of a list element or of a side of a map entry. Hidden by name: g++ 12 exports
+/// what comes of a template of variables whatever its options say.
 template <class Char>
-inline constexpr Char kValText[] = {'v', 'a', 'l', 0};
+[[gnu::visibility("hidden")]] inline constexpr Char kValText[] = {'v', 'a', 'l', 0};
 inline constexpr const char16_t (&kValName)[4] = kValText<char16_t>;
 /// The elements of the two sides of a map entry.
 inline constexpr char16_t kMapKeyName[] = u"__mapKey__";
