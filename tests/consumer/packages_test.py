@@ -33,6 +33,7 @@ CONTENTS = {
                                 r'usr/share/locale/[^/]+/LC_MESSAGES/zqxml\.mo'],
     'libzqxmlmsgsbase-dev': [LIBRARY + r'libZqXMLMsgsBase\.so', LIBRARY + r'pkgconfig/zqxmlmsgsbase\.pc',
                              LIBRARY + r'libzqmsg_commands\.a',
+                             r'usr/share/gdb/auto-load/' + LIBRARY + r'libZqXMLMsgsBase\.so\.[0-9.]+-gdb\.py',
                              LIBRARY + r'cmake/ZqXMLMsgsBase/ZqXMLMsgsBaseConfig\.cmake',
                              LIBRARY + r'cmake/ZqXMLMsgsBase/ZqxmlCatalogue\.cmake',
                              LIBRARY + r'cmake/ZqXMLMsgsBase/[^/]+\.cmake',
@@ -46,7 +47,6 @@ CONTENTS = {
 }
 # What a package may have as well.
 MORE = {
-    'libzqxmlmsgsbase-dev': [r'usr/share/gdb/.+'],
     'zqxml-tools': [r'usr/share/man/man\d/.+\.gz', r'usr/share/bash-completion/completions/.+'],
     'libzqxmlmsgsbase-doc': [r'usr/share/doc/libzqxmlmsgsbase-doc/.+'],
 }
