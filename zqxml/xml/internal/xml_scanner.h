@@ -8,7 +8,7 @@
 //
 // What is plain is less than what is well-formed: names are ASCII without colons, and none begins with "xml";
 // no "]" stands before a ">" of a text, and no "<!" in a CDATA section; a declaration has 1,000 characters;
-// elements nest in 5,000 levels and have 1,000 attributes at most.
+// elements nest in 5,000 levels and have 200 attributes at most: names of one bucket are compared one by one.
 #pragma once
 
 #include <zqxml/xml/internal/inline_list.h>
@@ -54,7 +54,7 @@ class XmlScanner {
   static_assert(sizeof(Part) == 16);
   using Attribute = BasicAttributeView<Char>;
 
-  static constexpr std::size_t kMostAttributes = 1000;
+  static constexpr std::size_t kMostAttributes = 200;
   static constexpr std::size_t kMostLevels = 5000;
 
   bool scanDeclaration();
