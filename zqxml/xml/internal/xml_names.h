@@ -3,8 +3,8 @@
 
 namespace zqxml {
 
-/// The attribute that holds the value of a list element or of a side of a map entry. Hidden by name: g++ 12 exports
-/// what comes of a template of variables whatever its options say.
+/// The attribute that holds the value of a list element or of a side of a map entry. Hidden by name: g++ 12
+/// exports what comes of a template of variables whatever its options say.
 template <class Char>
 [[gnu::visibility("hidden")]] inline constexpr Char kValText[] = {'v', 'a', 'l', 0};
 inline constexpr const char16_t (&kValName)[4] = kValText<char16_t>;
