@@ -40,6 +40,15 @@ TEST(TypedValuesTest, TextIsMovedInAndReadInPlace) {
   EXPECT_EQ(message.getWstringField().data(), units);
 }
 
+TEST(TypedValuesTest, TextMovedIntoItselfStays) {
+  EveryType message;
+  for (const std::string& text : {std::string("short"), kLong}) {
+    message.setStringField(text);
+    message.setStringField(std::move(message.mutableStringField()));
+    EXPECT_EQ(message.getStringField(), text);
+  }
+}
+
 TEST(TypedValuesTest, CopiedTextTakesTheMemoryThatIsThere) {
   EveryType message;
   message.setStringField(kLong);

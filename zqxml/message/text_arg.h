@@ -51,7 +51,7 @@ class TextArg {
 
   /// Gives the text to `target`. Once: a text that is moved is gone.
   void assignTo(Text& target) const {
-    if (moved_ != nullptr)
+    if (moved_ != nullptr && moved_ != &target)
       target = std::move(*moved_);
     else
       target.assign(view_);
