@@ -10,6 +10,7 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -138,21 +139,22 @@ TEST(BinaryStreamTest, SkipOfAHugeNumberDoesNotWrapAround) {
   EXPECT_EQ(stream.position(), 4u);
 }
 
-TEST(BinaryStreamTest, OverlongVarintEndsAtItsFifthByte) {
-  std::string bytes = fromHex("80 80 80 80 ff 01");
+/// Reads a varint from a longer or equal range; expects its value and that `size` bytes are taken.
+void expectVarint(std::string_view hex, unsigned size, std::uint32_t expected) {
+  std::string bytes = fromHex(hex);
   BinaryStream stream(bytes.data(), bytes.size());
-  std::uint32_t value = 0;
-  EXPECT_EQ(stream.readVarint32(value), 5u);
-  EXPECT_EQ(value, 0xf0000000u);
-  EXPECT_EQ(stream.position(), 5u);
+  std::uint32_t value = ~expected;
+  EXPECT_EQ(stream.readVarint32(value), size);
+  EXPECT_EQ(value, expected);
+  EXPECT_EQ(stream.position(), size);
+}
+
+TEST(BinaryStreamTest, OverlongVarintEndsAtItsFifthByte) {
+  expectVarint("80 80 80 80 ff 01", 5, 0xf0000000u);
 }
 
 TEST(BinaryStreamTest, ZeroMayBeOverlong) {
-  std::string bytes = fromHex("80 00");
-  BinaryStream stream(bytes.data(), bytes.size());
-  std::uint32_t value = 1;
-  EXPECT_EQ(stream.readVarint32(value), 2u);
-  EXPECT_EQ(value, 0u);
+  expectVarint("80 00", 2, 0);
 }
 
 RC_GTEST_PROP(BinaryStreamTest, VarintsAreReadAsWritten, (std::uint32_t value)) {
