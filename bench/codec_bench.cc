@@ -1,22 +1,17 @@
 // Encoding and decoding, in the binary form beside protobuf and in XML beside plain Xerces-C and pugixml.
 //
-// Three messages: seven scalars; sixty fields with twenty sub-objects, lists and a map; the same with five
-// thousand sub-objects. Every call makes its output anew, ours and the peer's alike.
-#include <bench/job_data.h>
+// Every call makes its output anew, ours and the peer's alike.
 #include <bench/measurements.h>
-#include <bench/protobuf_peer.h>
 #include <bench/pugixml_peer.h>
 #include <bench/subject.h>
+#include <bench/versions.h>
 #include <bench/xerces_peer.h>
-#include <benchmark/benchmark.h>
-#include <zqxml/binary/binary_buffer.h>
-#include <zqxml/binary/binary_serializer.h>
-#include <zqxml/xml/xml_serializer.h>
 
 #include <cstdio>
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zqxml::bench {
@@ -26,52 +21,29 @@ using google::protobuf::Message;
 
 /// One message in every shape that a measurement starts from.
 struct CodecSubject : Subject {
-  using Subject::Subject;
+  template <class Data>
+  CodecSubject(const std::string& called, const Data& data)
+      : Subject(called, data),
+        dynamic(dynamicPrototype(*generated).New()),
+        writeByHand([data] { return writtenByHand(data); }),
+        writeByPugixml([data] { return savedByPugixml(data); }),
+        protobuf(generated->SerializeAsString()) {
+    require(dynamic->ParseFromString(protobuf), "the dynamic message does not read its peer");
+    require(writeByHand() == ours.xml(), "the hand-written text differs from ours");
+    require(readByPugixml(writeByPugixml()) == readByPugixml(ours.xml()),
+            "the peer's text differs from ours");
+  }
 
   std::unique_ptr<Message> dynamic;
   std::function<std::string()> writeByHand;
   std::function<std::string()> writeByPugixml;
-  std::string xml;
-  /// The same in front of a processing instruction, which only the parser takes.
-  std::string xmlForTheParser;
-  BinaryBuffer binary;
   std::string protobuf;
+  BareReader keptReader;
 };
 
-template <class Data>
-std::unique_ptr<CodecSubject> subject(std::string name, std::shared_ptr<const Data> data) {
-  auto result = std::make_unique<CodecSubject>(std::move(name), *data);
-  result->dynamic.reset(dynamicPrototype(*result->generated).New());
-  result->writeByHand = [data] { return writtenByHand(*data); };
-  result->writeByPugixml = [data] { return savedByPugixml(*data); };
-
-  require(result->ours->serialize(result->xml) == XN_MSG_OK, "the message is not written as XML");
-  require(result->writeByHand() == result->xml, "the hand-written text differs from ours");
-  result->xmlForTheParser = result->xml + "<?end?>";
-  require(readByPugixml(result->writeByPugixml()) == readByPugixml(result->xml),
-          "the peer's text differs from ours");
-  require(BinarySerializer::serialize(*result->ours, result->binary) != 0, "the message has no binary form");
-  result->protobuf = result->generated->SerializeAsString();
-  require(result->dynamic->ParseFromString(result->protobuf), "the dynamic message does not read its peer");
-
-  const std::unique_ptr<XNMessageBase> fromBinary(
-      BinarySerializer::unserialize(result->binary, nullptr, false));
-  require(fromBinary != nullptr && *fromBinary == *result->ours, "the binary form does not come back");
-  const std::unique_ptr<XNMessageBase> fromXml(
-      XMLSerializer().unserialize(std::as_const(result->xml), false));
-  require(fromXml != nullptr && *fromXml == *result->ours, "the XML form does not come back");
-  return result;
-}
-
 void measureBinary(CodecSubject& s) {
-  measure("encode/ours/" + s.name, [&s] {
-    BinaryBuffer buffer;
-    benchmark::DoNotOptimize(BinarySerializer::serialize(*s.ours, buffer));
-  });
-  measure("decode/ours/" + s.name, [&s] {
-    const std::unique_ptr<XNMessageBase> message(BinarySerializer::unserialize(s.binary, nullptr, false));
-    benchmark::DoNotOptimize(message.get());
-  });
+  measure("encode/ours/" + s.name, [&s] { s.ours.encode(); });
+  measure("decode/ours/" + s.name, [&s] { s.ours.decode(); });
   const std::pair<const char*, const Message*> peers[] = {{"dynamic", s.dynamic.get()},
                                                           {"generated", s.generated.get()}};
   for (const auto& [kind, peer] : peers) {
@@ -87,10 +59,7 @@ void measureBinary(CodecSubject& s) {
 }
 
 void measureXml(CodecSubject& s) {
-  measure("write/ours/" + s.name, [&s] {
-    std::string out;
-    benchmark::DoNotOptimize(s.ours->serialize(out));
-  });
+  measure("write/ours/" + s.name, [&s] { s.ours.write(); });
   measure("write/hand/" + s.name, [&s] {
     std::string out = s.writeByHand();
     benchmark::DoNotOptimize(out.data());
@@ -99,66 +68,89 @@ void measureXml(CodecSubject& s) {
     std::string out = s.writeByPugixml();
     benchmark::DoNotOptimize(out.data());
   });
-  const std::pair<const char*, const std::string*> texts[] = {{"ours", &s.xml},
-                                                              {"parser", &s.xmlForTheParser}};
-  for (const auto& [kind, text] : texts) {
-    measure(std::string("read/") + kind + "/" + s.name, [text = text] {
-      const std::unique_ptr<XNMessageBase> message(XMLSerializer().unserialize(*text, false));
-      benchmark::DoNotOptimize(message.get());
-    });
-  }
-  measure("read/pugixml/" + s.name, [&s] { benchmark::DoNotOptimize(readByPugixml(s.xml)); });
-  measure("read/bare/" + s.name, [&s] { parseBare(s.xml); });
+  measure("read/ours/" + s.name, [&s] { s.ours.read(); });
+  measure("read/parser/" + s.name, [&s] { s.ours.readByTheParser(); });
+  measure("read/pugixml/" + s.name, [&s] { benchmark::DoNotOptimize(readByPugixml(s.ours.xml())); });
+  measure("read/bare/" + s.name, [&s] { BareReader().parse(s.ours.xml()); });
+  measure("read/kept/" + s.name, [&s] { s.keptReader.parse(s.ours.xml()); });
 }
 
-/// How many times as fast as its peer each road of XML has to be, for the three messages.
-struct XmlReaches {
-  double writeByHand;
-  double writePugixml;
-  double readBare;
-  double readPugixml;
-  double parseBare;
+/// A road beside a peer, and how many times as fast it has to be for the small, medium and large message.
+struct Claim {
+  const char* peer;
+  const char* ours;
+  const char* theirs;
+  double reaches[3];
 };
-constexpr XmlReaches kXmlReaches[] = {{50, 2.8, 40, 1.2, 3}, {80, 3.7, 7, 1, 1.1}, {50, 2.3, 4, 1, 0.8}};
+struct Claims {
+  const char* title;
+  const char* note;
+  std::vector<Claim> claims;
+};
+const Claims kClaims[] = {
+    {"XML out",
+     "The peers hold the same values, build a tree of them and write it: the DOM of Xerces-C with its serializer, "
+     "pugixml with its own.",
+     {{"hand-written DOM", "write/ours", "write/hand", {50, 80, 50}},
+      {"pugixml", "write/ours", "write/pugixml", {2.8, 3.7, 2.3}}}},
+    {"XML in",
+     "The reader of Xerces-C, made anew or kept, has a handler that does nothing; pugixml parses and reads every "
+     "value.",
+     {{"fresh bare reader", "read/ours", "read/bare", {40, 7, 4}},
+      {"kept bare reader", "read/ours", "read/kept", {0, 0, 0}},
+      {"pugixml", "read/ours", "read/pugixml", {1.2, 1, 1}}}},
+    {"XML in, Xerces road",
+     "A processing instruction behind the text leaves it to the SAX reader of Xerces-C.",
+     {{"fresh bare reader", "read/parser", "read/bare", {3, 1.1, 0.8}},
+      {"kept bare reader", "read/parser", "read/kept", {0, 0, 0}}}},
+    {"Binary out",
+     "",
+     {{"DynamicMessage", "encode/ours", "encode/dynamic", {10, 12, 10}},
+      {"generated protobuf", "encode/ours", "encode/generated", {0.7, 0.6, 0.5}}}},
+    {"Binary in",
+     "",
+     {{"DynamicMessage", "decode/ours", "decode/dynamic", {3.6, 4, 4}},
+      {"generated protobuf", "decode/ours", "decode/generated", {1.2, 1.45, 1.55}}}},
+};
 
-std::vector<Comparison> comparisons(const std::vector<std::unique_ptr<CodecSubject>>& subjects) {
-  std::vector<Comparison> rows;
-  for (std::size_t i = 0; i < subjects.size(); ++i) {
-    const std::string& name = subjects[i]->name;
-    rows.push_back({name + ": binary encode, DynamicMessage", "encode/ours/" + name, "encode/dynamic/" + name,
-                    false, 8});
-    rows.push_back({name + ": binary decode, DynamicMessage", "decode/ours/" + name, "decode/dynamic/" + name,
-                    false, 3});
-    rows.push_back({name + ": binary encode, generated", "encode/ours/" + name, "encode/generated/" + name});
-    rows.push_back({name + ": binary decode, generated", "decode/ours/" + name, "decode/generated/" + name});
-    const XmlReaches reaches = kXmlReaches[i];
-    rows.push_back({name + ": XML write, hand-written DOM", "write/ours/" + name, "write/hand/" + name, false,
-                    reaches.writeByHand});
-    rows.push_back({name + ": XML write, pugixml", "write/ours/" + name, "write/pugixml/" + name, false,
-                    reaches.writePugixml});
-    rows.push_back({name + ": XML read, bare reader", "read/ours/" + name, "read/bare/" + name, false,
-                    reaches.readBare});
-    rows.push_back({name + ": XML read, pugixml", "read/ours/" + name, "read/pugixml/" + name, false,
-                    reaches.readPugixml});
-    rows.push_back({name + ": XML read by the parser, bare reader", "read/parser/" + name,
-                    "read/bare/" + name, false, reaches.parseBare});
+using Subjects = std::vector<std::unique_ptr<CodecSubject>>;
+
+std::vector<ComparedTable> tables(const Subjects& subjects) {
+  std::vector<ComparedTable> made;
+  for (const auto& [title, note, claims] : kClaims) {
+    ComparedTable& table = made.emplace_back();
+    table.table.title = title;
+    table.table.note = note;
+    for (const Claim& claim : claims) {
+      for (std::size_t i = 0; i < subjects.size(); ++i) {
+        const std::string& name = subjects[i]->name;
+        table.comparisons.push_back({std::string(claim.peer) + ", " + name, claim.ours + ("/" + name),
+                                     claim.theirs + ("/" + name), false, claim.reaches[i]});
+      }
+    }
   }
-  return rows;
+  return made;
+}
+
+void tellSize(Report& report, CodecSubject& s) {
+  char sizes[128];
+  std::snprintf(sizes, sizeof sizes, "%zu bytes of XML, %zu of the binary form, %zu of protobuf",
+                s.ours.xml().size(), static_cast<std::size_t>(s.ours.binary().getDataSize()),
+                s.protobuf.size());
+  report.fact(s.name + " message", sizes);
 }
 
 int run(int argc, char** argv) {
-  std::vector<std::unique_ptr<CodecSubject>> subjects;
-  subjects.push_back(subject("small", std::make_shared<const JobEntry>(soleEntry())));
-  subjects.push_back(subject("medium", std::make_shared<const JobReport>(jobReport(20))));
-  subjects.push_back(subject("large", std::make_shared<const JobReport>(jobReport(5000))));
+  Report report(argc, argv);
+  tellVersions(report);
+  const Subjects subjects = ofEverySize(
+      [](const std::string& name, const auto& data) { return std::make_unique<CodecSubject>(name, data); });
   for (const auto& s : subjects) {
     measureBinary(*s);
     measureXml(*s);
-    std::printf("%-6s  %7zu bytes of XML, %7zu of binary form, %7zu of protobuf\n", s->name.c_str(),
-                s->xml.size(), static_cast<std::size_t>(s->binary.getDataSize()), s->protobuf.size());
+    tellSize(report, *s);
   }
-  std::fflush(stdout);
-  return runMeasurements(argc, argv, comparisons(subjects));
+  return runMeasurements(report, tables(subjects));
 }
 
 }  // namespace

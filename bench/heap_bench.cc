@@ -1,124 +1,118 @@
-// What a live message costs: heap bytes and blocks of the medium message, decoded from its binary form,
-// beside protobuf's generated class decoded from its own.
-#include <bench/job_data.h>
-#include <bench/our_messages.h>
-#include <bench/protobuf_peer.h>
-#include <malloc.h>
-#include <zqxml/binary/binary_buffer.h>
+// What messages cost on the heap: a live one beside protobuf's generated class, each decoded from its own
+// form; and how many blocks each road takes for a scalar field.
+#include <bench/heap_counter.h>
+#include <bench/report.h>
+#include <bench/subject.h>
 #include <zqxml/binary/binary_serializer.h>
+#include <zqxml/catalogue/field_types.h>
+#include <zqxml/catalogue/lookup.h>
+#include <zqxml/message/internal/message_access.h>
 
 #include <cstddef>
-#include <cstdio>
-#include <cstdlib>
 #include <memory>
-
-namespace {
-
-bool counting = false;
-std::size_t liveBytes = 0;
-std::size_t liveBlocks = 0;
-
-/// A block costs what the allocator sets aside for it, its own word included.
-std::size_t cost(void* block) {
-  return malloc_usable_size(block) + sizeof(std::size_t);
-}
-void* counted(void* block) {
-  if (block != nullptr && counting) {
-    liveBytes += cost(block);
-    ++liveBlocks;
-  }
-  return block;
-}
-void uncount(void* block) {
-  if (block == nullptr || !counting) return;
-  liveBytes -= cost(block);
-  --liveBlocks;
-}
-
-}  // namespace
-
-// Every block of the process passes here: these names come before those of the C library.
-extern "C" {
-void* __libc_malloc(std::size_t);
-void* __libc_calloc(std::size_t, std::size_t);
-void* __libc_realloc(void*, std::size_t);
-void __libc_free(void*);
-
-void* malloc(std::size_t size) {
-  return counted(__libc_malloc(size));
-}
-void* calloc(std::size_t count, std::size_t size) {
-  return counted(__libc_calloc(count, size));
-}
-void* realloc(void* block, std::size_t size) {
-  uncount(block);
-  return counted(__libc_realloc(block, size));
-}
-void free(void* block) {
-  uncount(block);
-  __libc_free(block);
-}
-}
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace zqxml::bench {
 namespace {
 
-struct Heap {
-  std::size_t bytes = 0;
-  std::size_t blocks = 0;
-};
+constexpr double kByteReach = 1.35;
+constexpr double kBlockReach = 0.5;
+/// Outputs double their size now and then as they grow: a few blocks for thousands of fields.
+constexpr double kPerFieldReach = 0.01;
+
+Figure figure(std::size_t count) {
+  return figureOf({static_cast<double>(count)});
+}
 
 /// What is on the heap after `make` that was not there before, while its result lives.
 template <class Make>
 Heap heapOf(Make make) {
   make();  // what is made once per process is not the message's
-  liveBytes = liveBlocks = 0;
-  counting = true;
+  const HeapCounter counter;
   const auto made = make();
-  counting = false;
-  if (made == nullptr) std::exit(1);
-  return {liveBytes, liveBlocks};
+  const Heap counted = counter.counted();
+  require(made != nullptr, "a message is not decoded");
+  return counted;
 }
 
-void printRow(const char* what, Heap ours, Heap peer, double byteReach, double blockReach) {
-  const double bytes = static_cast<double>(ours.bytes) / static_cast<double>(peer.bytes);
-  const double blocks = static_cast<double>(ours.blocks) / static_cast<double>(peer.blocks);
-  std::printf("| %-6s bytes  | %8zu | %8zu | %5.2f | %7s | %-3s |\n", what, ours.bytes, peer.bytes, bytes,
-              byteReach == 0 ? "" : "<= 1.35",
-              byteReach == 0       ? ""
-              : bytes <= byteReach ? "yes"
-                                   : "NO");
-  std::printf("| %-6s blocks | %8zu | %8zu | %5.2f | %7s | %-3s |\n", what, ours.blocks, peer.blocks, blocks,
-              blockReach == 0 ? "" : "<= 0.50",
-              blockReach == 0        ? ""
-              : blocks <= blockReach ? "yes"
-                                     : "NO");
+void addLive(Report& report) {
+  Table bytes{"Live messages, bytes", {}, "bytes"}, blocks{"Live messages, blocks", {}, "blocks"};
+  for (const auto& s : ofEverySize(
+           [](const std::string&name, const auto&data) { return std::make_unique<Subject>(name, data); })) {
+    const std::string protobuf = s->generated->SerializeAsString();
+    const Heap ours = heapOf([&] {
+      return std::unique_ptr<XNMessageBase>(BinarySerializer::unserialize(s->ours.binary(), nullptr, false));
+    });
+    const Heap peer = heapOf([&] {
+      std::unique_ptr<google::protobuf::Message> message(s->generated->New());
+      if (!message->ParseFromString(protobuf)) message.reset();
+      return message;
+    });
+    const bool claimed = s->name == "medium";
+    bytes.rows.push_back({s->name, figure(ours.bytes), figure(peer.bytes), true, claimed ? kByteReach : 0});
+    blocks.rows.push_back(
+        {s->name, figure(ours.blocks), figure(peer.blocks), true, claimed ? kBlockReach : 0});
+  }
+  bytes.note = "Of a decoded message, what the allocator adds included; the peer is a generated class.";
+  report.add(std::move(bytes));
+  report.add(std::move(blocks));
 }
 
-template <class Data>
-void measure(const char* what, const Data& data, double byteReach, double blockReach) {
-  BinaryBuffer binary;
-  if (BinarySerializer::serialize(*ourMessage(data), binary) == 0) std::exit(1);
-  const std::unique_ptr<google::protobuf::Message> generated = generatedMessage(data);
-  const std::string protobuf = generated->SerializeAsString();
-  const Heap ours = heapOf(
-      [&] { return std::unique_ptr<XNMessageBase>(BinarySerializer::unserialize(binary, nullptr, false)); });
-  const Heap peer = heapOf([&] {
-    std::unique_ptr<google::protobuf::Message> message(generated->New());
-    if (!message->ParseFromString(protobuf)) message.reset();
-    return message;
-  });
-  printRow(what, ours, peer, byteReach, blockReach);
+/// Clears the numbers of every sub-object in the list; how many that were.
+std::size_t withoutNumbers(XNMessageBase& report) {
+  const _ClassDef& record = *MessageAccess::classDef(report);
+  const FieldDef& jobs = record.getFields()[catalogue::fieldPosition(&record, "jobs")];
+  std::size_t cleared = 0;
+  for (XNMessageBase& job : MessageAccess::make<std::vector<XNMessageBase>>(report, jobs, true)) {
+    for (const FieldDef& field : *MessageAccess::classDef(job)) {
+      if (!kNumberTypes.contains(field.getType()) || !MessageAccess::isSet(job, field.getMemNum())) continue;
+      MessageAccess::deleteMember(job, field.getMemNum());
+      ++cleared;
+    }
+  }
+  return cleared;
+}
+
+std::size_t allocationsOf(const Road& road, RoadMessage& message) {
+  road.run(message);
+  const HeapCounter counter;
+  road.run(message);
+  return counter.counted().allocations;
+}
+
+void addPerField(Report& report) {
+  Table table{"Allocations for a scalar field", {}, "blocks"};
+  const JobReport data = jobReport(5000);
+  RoadMessage with(data);
+  std::unique_ptr<XNMessageBase> stripped = ourMessage(data);
+  const std::size_t count = withoutNumbers(*stripped);
+  require(count > 10000, "the messages differ in too few fields");
+  RoadMessage without(std::move(stripped));
+  for (const Road& road : allRoads()) {
+    const WithRoad way(road);
+    const double more =
+        static_cast<double>(allocationsOf(road, with)) - static_cast<double>(allocationsOf(road, without));
+    table.rows.push_back(
+        {road.name, figureOf({more / static_cast<double>(count)}), {}, true, kPerFieldReach});
+  }
+  table.note = "The large message with and without the " + std::to_string(count) +
+               " numbers of its sub-objects: the blocks that it takes more, by their number.";
+  report.add(std::move(table));
+}
+
+int run(int argc, char** argv) {
+  Report report(argc, argv);
+  report.fact("Message object", std::to_string(sizeof(XNMessageBase)) + " bytes in place");
+  addLive(report);
+  addPerField(report);
+  return report.finish();
 }
 
 }  // namespace
 }  // namespace zqxml::bench
 
-int main() {
-  std::printf("sizeof(XNMessageBase) = %zu bytes\n", sizeof(zqxml::XNMessageBase));
-  std::printf("| live message  |     ours |     peer | ratio |   reach | met |\n");
-  std::printf("|---------------|---------:|---------:|------:|--------:|-----|\n");
-  zqxml::bench::measure("small", zqxml::bench::soleEntry(), 0, 0);
-  zqxml::bench::measure("medium", zqxml::bench::jobReport(20), 1.35, 0.5);
-  zqxml::bench::measure("large", zqxml::bench::jobReport(5000), 0, 0);
+int main(int argc, char** argv) {
+  return zqxml::bench::run(argc, argv);
 }

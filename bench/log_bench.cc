@@ -1,22 +1,20 @@
 // What a logged message costs its caller: nothing that counts at a level that is switched off, and a small
 // share of encoding the message when it is written, since a thread of the pool does the rest.
 //
-// Times are those of the calling thread's processor; a figure is the 10th percentile of its rounds, and the
-// rounds of all figures take turns.
+// Times are those of the calling thread's processor, and the rounds of all figures take turns.
 #include <bench/job_data.h>
 #include <bench/our_messages.h>
+#include <bench/report.h>
 #include <time.h>
 #include <zqxml/binary/binary_buffer.h>
 #include <zqxml/logging/xml_binary_logger.h>
 #include <zqxml/platform/ev_debug.h>
 #include <zqxml/xml/xml_encoder.h>
 
-#include <algorithm>
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zqxml::bench {
@@ -33,7 +31,8 @@ double threadNanoseconds() {
   return static_cast<double>(now.tv_sec) * 1e9 + static_cast<double>(now.tv_nsec);
 }
 
-class Figure {
+/// The times of one kind of work.
+class Samples {
  public:
   template <class Work>
   void measure(Work work) {
@@ -41,20 +40,16 @@ class Figure {
     work();
     times_.push_back(threadNanoseconds() - start);
   }
-  double value() {
-    std::sort(times_.begin(), times_.end());
-    return times_[times_.size() / 10];
+  /// Of one call, when each sample is `calls`.
+  Figure figure(int calls = 1) const {
+    std::vector<double> times = times_;
+    for (double& time : times) time /= calls;
+    return figureOf(std::move(times));
   }
 
  private:
   std::vector<double> times_;
 };
-
-void require(bool holds, const char* what) {
-  if (holds) return;
-  std::fprintf(stderr, "log_bench: %s\n", what);
-  std::exit(1);
-}
 
 void settle() {
   XmlLoggerHelper& pool = *XmlLoggerHelper::getXmlLoggerInstance();
@@ -71,23 +66,17 @@ std::string maskedXml(XNMessageBase& message) {
   return xml;
 }
 
-void printShare(const char* what, double caller, double encoding) {
-  std::printf("| %-31s | %9.0f ns | %9.0f ns | %5.3f | <= %4.2f  | %-3s |\n", what, caller, encoding,
-              caller / encoding, kReachShare, caller / encoding <= kReachShare ? "yes" : "NO");
-}
-
-void run() {
+int run(int argc, char** argv) {
+  Report report(argc, argv);
   const std::unique_ptr<XNMessageBase> message = ourMessage(jobReport(20));
   BinaryBuffer buffer;
   require(message->SerializeBinary(buffer) != 0, "the message has no binary form");
   XmlBinaryLogger logger;
   EvDebug::setSink([](const LogLine& line) { require(line.text.size() > 1000, "a line has no message"); });
 
-  Figure switchedOff;
-  Figure withBuffer;
-  Figure withObject;
-  Figure encoding;
-  for (int round = 0; round < kRounds; ++round) {
+  const int rounds = report.isQuick() ? kRounds / 20 : kRounds;
+  Samples switchedOff, withBuffer, withObject, encoding;
+  for (int round = 0; round < rounds; ++round) {
     switchedOff.measure([&] {
       for (int i = 0; i < kCallsSwitchedOff; ++i)
         logger.DebugLvl("bench", 5, "%d %s %bxml_zq", &buffer, i, "text");
@@ -100,19 +89,22 @@ void run() {
   }
   EvDebug::setSink({});
 
-  const double off = switchedOff.value() / kCallsSwitchedOff;
-  std::printf("| logging the medium message      |       caller |     encoding | ratio |    reach | met |\n");
-  std::printf("|---------------------------------|-------------:|-------------:|------:|---------:|-----|\n");
-  std::printf("| %-31s | %9.2f ns |              |       | <= %2.0f ns | %-3s |\n",
-              "level switched off, buffer", off, kReachSwitchedOff, off <= kReachSwitchedOff ? "yes" : "NO");
-  const double whole = encoding.value();
-  printShare("written by a free pool, buffer", withBuffer.value(), whole);
-  printShare("written by a free pool, object", withObject.value(), whole);
+  report.add({"Logging, switched off",
+              {{"buffer", switchedOff.figure(kCallsSwitchedOff), {}, true, kReachSwitchedOff}}});
+  const Figure whole = encoding.figure();
+  report.add({"Logging the medium message",
+              {{"buffer", withBuffer.figure(), whole, true, kReachShare},
+               {"object", withObject.figure(), whole, true, kReachShare}},
+              "ns",
+              "caller",
+              "encoding",
+              "A free pool writes the line; the caller pays a share of what encoding the message costs."});
+  return report.finish();
 }
 
 }  // namespace
 }  // namespace zqxml::bench
 
-int main() {
-  zqxml::bench::run();
+int main(int argc, char** argv) {
+  return zqxml::bench::run(argc, argv);
 }

@@ -9,19 +9,16 @@
 
 namespace zqxml::bench {
 
-/// Ends the program when something is not as the measurements need it.
-void require(bool holds, const char* what);
-
 /// Registers a measurement of `work`.
 template <class Work>
 void measure(const std::string& name, Work work) {
-  ::benchmark::RegisterBenchmark(name.c_str(), [work](::benchmark::State& state) {
+  ::benchmark::RegisterBenchmark(name.c_str(), [work](::benchmark::State& state) mutable {
     for (auto iteration : state) work();
   });
 }
 
-/// Runs what is registered, with options from the command line, and prints the comparisons; the program's
-/// exit status.
-int runMeasurements(int argc, char** argv, std::vector<Comparison> comparisons);
+/// Runs what is registered, with the options of google-benchmark that the report's command line has, and
+/// gives the tables to the report; the program's exit status.
+int runMeasurements(Report& report, std::vector<ComparedTable> tables);
 
 }  // namespace zqxml::bench

@@ -13,6 +13,7 @@
 //      transaction per row, with the journal that is fastest at that (WAL).
 #include <bench/job_data.h>
 #include <bench/our_messages.h>
+#include <bench/report.h>
 #include <sqlite3.h>
 #include <stdlib.h>
 #include <time.h>
@@ -23,7 +24,6 @@
 #include <zqxml/platform/file.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -33,13 +33,7 @@
 namespace zqxml::bench {
 namespace {
 
-constexpr int kRounds = 5;
-
-void require(bool holds, const char* what) {
-  if (holds) return;
-  std::fprintf(stderr, "object_file_bench: %s\n", what);
-  std::exit(1);
-}
+constexpr double kReach = 2;
 
 /// Seconds of this process's CPU, the system's part included: the machine's other work does not count.
 double cpuSeconds() {
@@ -161,25 +155,24 @@ void readPeer(const std::string& path, const Load& load, bool decodes) {
   require(count == load.records, "rows are missing");
 }
 
-/// Of `kRounds` times, the least.
-struct Times {
-  double ours = 1e9, peer = 1e9;
-
+/// The times of a record, one of each round.
+class Times {
+ public:
   template <class Ours, class Peer>
-  void take(Ours runOurs, Peer runPeer) {
-    ours = std::min(ours, timeOf(runOurs));
-    peer = std::min(peer, timeOf(runPeer));
+  void take(int records, Ours runOurs, Peer runPeer) {
+    ours_.push_back(timeOf(runOurs) * 1e9 / records);
+    peer_.push_back(timeOf(runPeer) * 1e9 / records);
   }
+  /// `reach` 0: for information.
+  Row row(const char* what, double reach) const {
+    return {what, figureOf(ours_), figureOf(peer_), false, reach};
+  }
+
+ private:
+  std::vector<double> ours_, peer_;
 };
 
-void printRow(const char* what, const Times& times, int records, bool claimed) {
-  const double ratio = times.peer / times.ours;
-  std::printf("| %-31s | %9.0f ns | %9.0f ns | %5.2f | %6s | %-3s |\n", what, times.ours * 1e9 / records,
-              times.peer * 1e9 / records, ratio, claimed ? ">= 2.0" : "",
-              claimed ? (ratio >= 2 ? "yes" : "NO") : "");
-}
-
-void run(int records) {
+void run(Report& report, int records, int rounds) {
   Load load;
   load.records = records;
   require(load.message->SerializeBinary(load.bytes) != 0, "the message has no binary form");
@@ -191,32 +184,37 @@ void run(int records) {
   };
   Times append[2], read[2], single;
   // The contenders take turns, so that they meet the same disturbances.
-  for (int round = 0; round < kRounds; ++round) {
+  for (int round = 0; round < rounds; ++round) {
     for (bool coded : {false, true}) {
       clear();
-      append[coded].take([&] { appendOurs(ours, load, coded, kHeldBack); },
-                         [&] { appendPeer(peer, load, coded, true); });
-      read[coded].take([&] { readOurs(ours, load, coded); }, [&] { readPeer(peer, load, coded); });
+      append[coded].take(
+          records, [&] { appendOurs(ours, load, coded, kHeldBack); },
+          [&] { appendPeer(peer, load, coded, true); });
+      read[coded].take(
+          records, [&] { readOurs(ours, load, coded); }, [&] { readPeer(peer, load, coded); });
     }
     clear();
-    single.take([&] { appendOurs(ours, load, true, 0); }, [&] { appendPeer(peer, load, true, false); });
+    single.take(
+        records, [&] { appendOurs(ours, load, true, 0); }, [&] { appendPeer(peer, load, true, false); });
   }
   std::filesystem::remove_all(pattern);
-  std::printf("%d records of %llu bytes, CPU time a record, least of %d rounds\n", records,
-              static_cast<unsigned long long>(load.bytes.getDataSize()), kRounds);
-  std::printf("| SQLite %-24s |         ours |         peer | ratio |  reach | met |\n",
-              sqlite3_libversion());
-  std::printf("|---------------------------------|-------------:|-------------:|------:|-------:|-----|\n");
-  printRow("append, the store alone", append[false], records, true);
-  printRow("read, the store alone", read[false], records, true);
-  printRow("append, both encode", append[true], records, false);
-  printRow("read, both decode", read[true], records, false);
-  printRow("append, acknowledged one by one", single, records, false);
+  report.fact("SQLite", sqlite3_libversion());
+  report.add({"Object files, beside SQLite",
+              {append[false].row("append, the store alone", kReach),
+               read[false].row("read, the store alone", kReach), append[true].row("append, both encode", 0),
+               read[true].row("read, both decode", 0), single.row("append, acknowledged one by one", 0)},
+              "ns",
+              "ours",
+              "SQLite",
+              "CPU time of one of " + std::to_string(records) + " records of " +
+                  std::to_string(load.bytes.getDataSize()) + " bytes each; neither flushes to the disk."});
 }
 
 }  // namespace
 }  // namespace zqxml::bench
 
-int main() {
-  zqxml::bench::run(100000);
+int main(int argc, char** argv) {
+  zqxml::bench::Report report(argc, argv);
+  zqxml::bench::run(report, report.isQuick() ? 10000 : 100000, report.isQuick() ? 2 : 5);
+  return report.finish();
 }

@@ -1,6 +1,7 @@
-// What the measurements say in the end: how two contenders of one process compare.
+// What google-benchmark's measurements say in the end: how two contenders of one process compare.
 #pragma once
 
+#include <bench/report.h>
 #include <benchmark/benchmark.h>
 
 #include <map>
@@ -9,8 +10,7 @@
 
 namespace zqxml::bench {
 
-/// A claim about two measured names. `atMost`: our time by the peer's may be `reach` at most; otherwise the
-/// peer's time by ours has to be `reach` at least. Without a reach (0) the row is for information.
+/// A claim about two measured names (see Row); without a peer's name, about one.
 struct Comparison {
   std::string what;
   std::string ours;
@@ -19,24 +19,27 @@ struct Comparison {
   double reach = 0;
 };
 
-/// Collects every repetition of every measurement, and prints the comparisons.
-///
-/// The figure of a name is the 10th percentile of its repetitions' CPU times: on a machine that does other
-/// things too, the low end is what the code needs, and repetitions of all names are interleaved at random, so
-/// that they meet the same disturbances.
+/// The comparisons of one table, whose heading and notes are those of `table`.
+struct ComparedTable {
+  Table table;
+  std::vector<Comparison> comparisons;
+};
+
+/// Collects the CPU times of every repetition of every measurement, and gives the tables to the report.
+/// Repetitions of all names are interleaved at random, so that they meet the same disturbances. A comparison
+/// with a name that was not measured is left out.
 class RatioTable : public benchmark::BenchmarkReporter {
  public:
-  explicit RatioTable(std::vector<Comparison> comparisons) : comparisons_(std::move(comparisons)) {}
+  RatioTable(Report& report, std::vector<ComparedTable> tables)
+      : report_(report), tables_(std::move(tables)) {}
 
   bool ReportContext(const Context&) override { return true; }
   void ReportRuns(const std::vector<Run>& runs) override;
   void Finalize() override;
 
  private:
-  /// Nanoseconds; 0 for a name that was not measured.
-  double figure(const std::string& name) const;
-
-  std::vector<Comparison> comparisons_;
+  Report& report_;
+  std::vector<ComparedTable> tables_;
   std::map<std::string, std::vector<double>> times_;
 };
 

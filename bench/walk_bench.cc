@@ -1,8 +1,7 @@
 // Walking a message, and merging it into an empty one, beside protobuf's reflection and MergeFrom.
 //
-// The messages are those of codec_bench. Our walk calls an empty handler for every field, set or not; the
+// Our walk calls an empty handler for every field, set or not; the
 // peer's asks every message for its set fields (ListFields), down to the last.
-#include <bench/job_data.h>
 #include <bench/measurements.h>
 #include <bench/subject.h>
 #include <zqxml/traverse/xml_traverse.h>
@@ -53,31 +52,30 @@ std::size_t walkReflected(const Message& message) {
   return count;
 }
 
-template <class Data>
-std::unique_ptr<Subject> subject(std::string name, const Data& data) {
-  auto result = std::make_unique<Subject>(std::move(name), data);
+std::unique_ptr<Subject> checked(std::unique_ptr<Subject> subject) {
   CountingHandler counter;
-  walk(*result->ours, counter);
-  require(counter.count == walkReflected(*result->generated), "the two messages have not the same fields");
-  return result;
+  walk(subject->ours.message(), counter);
+  require(counter.count == walkReflected(*subject->generated), "the two messages have not the same fields");
+  return subject;
 }
 
 void measureAll(Subject& s) {
   measure("walk/ours/" + s.name, [&s] {
     EmptyHandler handler;
-    walk(*s.ours, handler);
+    walk(s.ours.message(), handler);
   });
   measure("walk/ordered/" + s.name, [&s] {
     EmptyHandler handler(0, true);
-    walk(*s.ours, handler);
+    walk(s.ours.message(), handler);
   });
   measure("walk/peer/" + s.name, [&s] { ::benchmark::DoNotOptimize(walkReflected(*s.generated)); });
   measure("merge/ours/" + s.name, [&s] {
-    short subsystem = static_cast<short>(s.ours->getSubsysID());
-    int classIndex = s.ours->getMessageIndex();
+    XNMessageBase& source = s.ours.message();
+    short subsystem = static_cast<short>(source.getSubsysID());
+    int classIndex = source.getMessageIndex();
     const std::unique_ptr<XNMessageBase> merged(
         XNMessageBase::createObjectFromIndices(subsystem, classIndex));
-    ::benchmark::DoNotOptimize(XmlTraverse::merge(*s.ours, *merged));
+    ::benchmark::DoNotOptimize(XmlTraverse::merge(source, *merged));
   });
   measure("merge/peer/" + s.name, [&s] {
     const std::unique_ptr<Message> merged(s.generated->New());
@@ -86,25 +84,31 @@ void measureAll(Subject& s) {
   });
 }
 
-std::vector<Comparison> comparisons(const std::vector<std::unique_ptr<Subject>>& subjects) {
-  std::vector<Comparison> rows;
+ComparedTable table(const std::vector<std::unique_ptr<Subject>>& subjects) {
+  ComparedTable made;
+  made.table.title = "Walking and merging";
+  made.table.note =
+      "Our walk visits every field; the peer's asks each message for its set fields by reflection.";
   for (const auto& s : subjects) {
     const std::string& name = s->name;
     const double reach = name == "medium" ? 1 : 0;
-    rows.push_back({name + ": walk, reflection", "walk/ours/" + name, "walk/peer/" + name, true, reach});
-    rows.push_back({name + ": walk in order, reflection", "walk/ordered/" + name, "walk/peer/" + name, true});
-    rows.push_back({name + ": merge, MergeFrom", "merge/ours/" + name, "merge/peer/" + name, true});
+    made.comparisons.push_back(
+        {"walk, reflection, " + name, "walk/ours/" + name, "walk/peer/" + name, true, reach});
+    made.comparisons.push_back(
+        {"walk in order, reflection, " + name, "walk/ordered/" + name, "walk/peer/" + name, true});
+    made.comparisons.push_back(
+        {"merge, MergeFrom, " + name, "merge/ours/" + name, "merge/peer/" + name, true});
   }
-  return rows;
+  return made;
 }
 
 int run(int argc, char** argv) {
-  std::vector<std::unique_ptr<Subject>> subjects;
-  subjects.push_back(subject("small", soleEntry()));
-  subjects.push_back(subject("medium", jobReport(20)));
-  subjects.push_back(subject("large", jobReport(5000)));
+  Report report(argc, argv);
+  const auto subjects = ofEverySize([](const std::string& name, const auto& data) {
+    return checked(std::make_unique<Subject>(name, data));
+  });
   for (const auto& s : subjects) measureAll(*s);
-  return runMeasurements(argc, argv, comparisons(subjects));
+  return runMeasurements(report, {table(subjects)});
 }
 
 }  // namespace

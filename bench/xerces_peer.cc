@@ -152,16 +152,24 @@ std::string writtenByHand(const JobReport& report) {
                  [&](DOMDocument* document, DOMElement* root) { write(document, root, report); });
 }
 
-void parseBare(const std::string& xml) {
+struct BareReader::Parts {
   xercesc::DefaultHandler handler;
-  const std::unique_ptr<xercesc::SAX2XMLReader> reader(xercesc::XMLReaderFactory::createXMLReader());
-  reader->setContentHandler(&handler);
-  reader->setErrorHandler(&handler);
-  reader->setFeature(xercesc::XMLUni::fgSAX2CoreValidation, false);
-  reader->setFeature(xercesc::XMLUni::fgXercesLoadExternalDTD, false);
+  std::unique_ptr<xercesc::SAX2XMLReader> reader{xercesc::XMLReaderFactory::createXMLReader()};
+};
+
+BareReader::BareReader() : parts_(std::make_unique<Parts>()) {
+  parts_->reader->setContentHandler(&parts_->handler);
+  parts_->reader->setErrorHandler(&parts_->handler);
+  parts_->reader->setFeature(xercesc::XMLUni::fgSAX2CoreValidation, false);
+  parts_->reader->setFeature(xercesc::XMLUni::fgXercesLoadExternalDTD, false);
+}
+
+BareReader::~BareReader() = default;
+
+void BareReader::parse(const std::string& xml) {
   xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(xml.data()), xml.size(), u"memory");
   source.setCopyBufToStream(false);
-  reader->parse(source);
+  parts_->reader->parse(source);
 }
 
 }  // namespace zqxml::bench

@@ -4,6 +4,7 @@
 
 #include <bench/job_data.h>
 
+#include <memory>
 #include <string>
 
 namespace zqxml::bench {
@@ -13,7 +14,17 @@ namespace zqxml::bench {
 std::string writtenByHand(const JobEntry& entry);
 std::string writtenByHand(const JobReport& report);
 
-/// Parses the text with a fresh SAX2XMLReader and an empty handler.
-void parseBare(const std::string& xml);
+/// A SAX2XMLReader with an empty handler. REQUIRES: Xerces-C is initialized, as long as it lives.
+class BareReader {
+ public:
+  BareReader();
+  ~BareReader();
+
+  void parse(const std::string& xml);
+
+ private:
+  struct Parts;
+  std::unique_ptr<Parts> parts_;
+};
 
 }  // namespace zqxml::bench

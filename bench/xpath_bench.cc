@@ -1,5 +1,5 @@
 // Look-ups among 25,000 paths, in random order: by path, by id, and from an id to its path.
-#include <benchmark/benchmark.h>
+#include <bench/measurements.h>
 #include <zqxml/message/xn_message_base.h>
 #include <zqxml/traverse/xml_meta_data.h>
 
@@ -32,28 +32,30 @@ class Places {
   std::size_t next_ = 0;
 };
 
-void byPath(benchmark::State& state) {
-  Places places;
-  for (auto _ : state)
-    benchmark::DoNotOptimize(catalogue::xpathIndexOfPath(Places::data(), places.next().xpath));
+int run(int argc, char** argv) {
+  Report report(argc, argv);
+  ComparedTable table;
+  table.table.title = "Paths, among 25,000";
+  table.table.note = "In random order, so that no look-up profits from the one before it.";
+  const auto add = [&](const std::string& name, auto lookUp) {
+    measure(name, [places = Places(), lookUp]() mutable { lookUp(places.next()); });
+    table.comparisons.push_back({name, name, ""});
+  };
+  add("place of a path", [](const XPathEntry& entry) {
+    ::benchmark::DoNotOptimize(catalogue::xpathIndexOfPath(Places::data(), entry.xpath));
+  });
+  add("whether an id exists", [](const XPathEntry& entry) {
+    ::benchmark::DoNotOptimize(XMLMetaData::doesXPathIDExist(kSubsystem, entry.id));
+  });
+  add("path of an id", [path = std::string()](const XPathEntry& entry) mutable {
+    ::benchmark::DoNotOptimize(XMLMetaData::getXPathFromID(kSubsystem, entry.id, path));
+  });
+  return runMeasurements(report, {table});
 }
-BENCHMARK(byPath)->Name("place of a path, of 25,000");
-
-void byId(benchmark::State& state) {
-  Places places;
-  for (auto _ : state) benchmark::DoNotOptimize(XMLMetaData::doesXPathIDExist(kSubsystem, places.next().id));
-}
-BENCHMARK(byId)->Name("whether an id exists, of 25,000");
-
-void pathOfId(benchmark::State& state) {
-  Places places;
-  std::string path;
-  for (auto _ : state)
-    benchmark::DoNotOptimize(XMLMetaData::getXPathFromID(kSubsystem, places.next().id, path));
-}
-BENCHMARK(pathOfId)->Name("path of an id, of 25,000");
 
 }  // namespace
 }  // namespace zqxml::bench
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  return zqxml::bench::run(argc, argv);
+}

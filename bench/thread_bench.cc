@@ -1,0 +1,172 @@
+// What two threads get done on two cores beside one, on every road.
+//
+// A sample is a while of one thread's work, or of two at once, each with a message of its own. One and two
+// take turns, and so do the roads. Times are those of the wall: a thread that waits for a lock uses no
+// processor.
+#include <bench/report.h>
+#include <bench/roads.h>
+#include <bench/subject.h>
+
+#include <array>
+#include <barrier>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace zqxml::bench {
+namespace {
+
+constexpr double kReach = 1.9;
+constexpr std::size_t kThreads = 2;
+using Clock = std::chrono::steady_clock;
+using Work = std::function<void()>;
+
+double nanosecondsSince(Clock::time_point start) {
+  return std::chrono::duration<double, std::nano>(Clock::now() - start).count();
+}
+
+/// Threads that wait for work and begin it together.
+class Crew {
+ public:
+  Crew() {
+    for (std::size_t i = 0; i < kThreads; ++i) threads_[i] = std::thread([this, i] { serve(i); });
+  }
+  ~Crew() {
+    ended_ = true;
+    start_.arrive_and_wait();
+    for (std::thread& thread : threads_) thread.join();
+  }
+  Crew(const Crew&) = delete;
+  Crew& operator=(const Crew&) = delete;
+
+  /// Every thread does its task once; one without a task waits.
+  void run(std::array<Work, kThreads> tasks) {
+    tasks_ = std::move(tasks);
+    start_.arrive_and_wait();
+    end_.arrive_and_wait();
+  }
+
+ private:
+  void serve(std::size_t i) {
+    for (;;) {
+      start_.arrive_and_wait();
+      if (ended_) return;
+      if (tasks_[i]) tasks_[i]();
+      end_.arrive_and_wait();
+    }
+  }
+
+  std::array<std::thread, kThreads> threads_;
+  std::array<Work, kThreads> tasks_;
+  bool ended_ = false;
+  std::barrier<> start_{kThreads + 1}, end_{kThreads + 1};
+};
+
+/// The same work for each thread, and the samples of it.
+class Contest {
+ public:
+  Contest(std::string name, std::array<Work, kThreads> works, const Road* road = nullptr)
+      : name_(std::move(name)), works_(std::move(works)), road_(road) {}
+
+  /// How many calls take `nanoseconds`, more or less.
+  void calibrate(double nanoseconds) {
+    const auto way = roadOf();
+    works_[0]();
+    double time = 0;
+    for (calls_ = 1; (time = timeOf(works_[0], calls_)) < nanoseconds / 4; calls_ *= 2) {
+    }
+    calls_ = static_cast<std::size_t>(static_cast<double>(calls_) * nanoseconds / time) + 1;
+  }
+
+  void sample(Crew& crew) {
+    const auto way = roadOf();
+    one_.push_back(rateOf(crew, 1));
+    two_.push_back(rateOf(crew, kThreads));
+  }
+
+  Row row() const { return {name_, figureOf(two_), figureOf(one_), false, road_ == nullptr ? 0 : kReach}; }
+
+ private:
+  std::unique_ptr<WithRoad> roadOf() const {
+    return road_ == nullptr ? nullptr : std::make_unique<WithRoad>(*road_);
+  }
+
+  static double timeOf(const Work& work, std::size_t calls) {
+    const Clock::time_point start = Clock::now();
+    for (std::size_t i = 0; i < calls; ++i) work();
+    return nanosecondsSince(start);
+  }
+
+  /// Nanoseconds for a message, of so many threads together.
+  double rateOf(Crew& crew, std::size_t threads) {
+    std::array<double, kThreads> times = {};
+    std::array<Work, kThreads> tasks;
+    for (std::size_t i = 0; i < threads; ++i)
+      tasks[i] = [this, i, &times] { times[i] = timeOf(works_[i], calls_); };
+    crew.run(std::move(tasks));
+    double perNanosecond = 0;
+    for (std::size_t i = 0; i < threads; ++i) perNanosecond += static_cast<double>(calls_) / times[i];
+    return 1 / perNanosecond;
+  }
+
+  std::string name_;
+  std::array<Work, kThreads> works_;
+  const Road* road_;
+  std::size_t calls_ = 1;
+  std::vector<double> one_, two_;
+};
+
+/// Work that shares nothing: what the machine has to give.
+void countUp() {
+  volatile std::uint32_t number = 1;
+  for (int i = 0; i < 1000; ++i) number = number * 1664525u + 1013904223u;
+}
+
+using Messages = std::array<std::unique_ptr<RoadMessage>, kThreads>;
+
+int run(int argc, char** argv) {
+  Report report(argc, argv);
+  Table table{"Two threads beside one", {}, "ns", "two", "one"};
+  table.note =
+      "Time for a message by the wall. \"Nothing shared\" is arithmetic: what this machine has to give.";
+  if (std::thread::hardware_concurrency() < kThreads) {
+    report.fact(table.title, "not measured: there is one processor");
+    return report.finish();
+  }
+  std::vector<std::pair<std::string, Messages>> subjects =
+      ofEverySize([](const std::string& name, const auto& data) {
+        Messages messages;
+        for (auto& message : messages) message = std::make_unique<RoadMessage>(data);
+        return std::pair(name, std::move(messages));
+      });
+  std::vector<Contest> contests;
+  contests.emplace_back("nothing shared", std::array<Work, kThreads>{countUp, countUp});
+  for (const Road& road : allRoads()) {
+    for (auto& [name, messages] : subjects) {
+      std::array<Work, kThreads> works;
+      for (std::size_t i = 0; i < kThreads; ++i)
+        works[i] = [&road, message = messages[i].get()] { road.run(*message); };
+      contests.emplace_back(road.name + ", " + name, std::move(works), &road);
+    }
+  }
+  for (Contest& contest : contests) contest.calibrate(report.isQuick() ? 1e6 : 2e7);
+  Crew crew;
+  for (int round = report.isQuick() ? 4 : 30; round > 0; --round)
+    for (Contest& contest : contests) contest.sample(crew);
+  for (const Contest& contest : contests) table.rows.push_back(contest.row());
+  report.add(std::move(table));
+  return report.finish();
+}
+
+}  // namespace
+}  // namespace zqxml::bench
+
+int main(int argc, char** argv) {
+  return zqxml::bench::run(argc, argv);
+}
