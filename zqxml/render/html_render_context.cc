@@ -2,7 +2,6 @@
 #include <zqxml/render/internal/rendered_field.h>
 
 #include <algorithm>
-#include <numeric>
 #include <utility>
 
 namespace zqxml {
@@ -29,44 +28,39 @@ std::string titleOf(const std::string& name, bool collapsible) {
 std::atomic<int> HTMLRenderContext::CountOptions{0};
 
 void HTMLRenderContext::DumpToString(std::string& text) const {
-  text.clear();
-  text.reserve(std::accumulate(lines.begin(), lines.end(), std::size_t{0},
-                               [](std::size_t sum, const std::string& line) { return sum + line.size(); }));
-  for (const std::string& line : lines) text += line;
+  text = lines;
 }
 
-void HTMLRenderContext::appendIndent(std::string& line, int units) {
-  for (int i = std::min(units, kMostIndent); i > 0; --i) line += indentUnit;
+void HTMLRenderContext::appendIndent(int units) {
+  for (int i = std::min(units, kMostIndent); i > 0; --i) lines += indentUnit;
 }
 
 void HTMLRenderContext::addToOutPut(const std::string& name, const std::string& value) {
   if (value.empty()) return;
-  std::string line;
   if (inlineEntity) {
-    line = "&nbsp;&nbsp;";
+    lines += "&nbsp;&nbsp;";
   } else {
-    line = "<br>";
-    appendIndent(line, indent);
+    lines += "<br>";
+    appendIndent(indent);
   }
-  appendItem(line, name, value);
+  appendItem(lines, name, value);
   if (!fieldCounts.empty()) ++fieldCounts.back();
-  lines.push_back(std::move(line));
 }
 
 void HTMLRenderContext::startHeader(std::string name) {
   const std::string title = titleOf(name, formatOptions.collapsible);
   if (!formatOptions.collapsible) {
-    lines.push_back(title + ":");
+    lines += title + ":";
     return;
   }
   const std::string id = name + std::to_string(CountOptions.fetch_add(1, std::memory_order_relaxed));
   // QUIRK: the tooltip says "Click to view" and not what.
-  lines.push_back("<a title=\"Click to view  \" style=\"color: blue; cursor:hand;\" onclick=\"showdiv('" +
-                  id + "');\">" + title + "::</a><div id=\"" + id + "\" style=\"display:none\">");
+  lines += "<a title=\"Click to view  \" style=\"color: blue; cursor:hand;\" onclick=\"showdiv('" + id +
+           "');\">" + title + "::</a><div id=\"" + id + "\" style=\"display:none\">";
 }
 void HTMLRenderContext::endHeader(std::string) {
   // QUIRK: also when nothing has opened a block.
-  lines.emplace_back("</div>");
+  lines += "</div>";
 }
 
 void HTMLRenderContext::startSubHeader(MsgFieldContext& context) {
@@ -76,25 +70,25 @@ void HTMLRenderContext::startSubHeader(MsgFieldContext& context) {
   const XNMessageBase* object = field.firstObject();
   inlineEntity = object != nullptr && object->getSubsysID() == kEntitySubsystem;
 
-  std::string line;
   if (headers.size() > 1) {
     const std::string& top = headers.back();
     const std::string& previous = headers[headers.size() - 2];
     if (!top.empty() && !previous.empty() && !label.empty()) {
       if (previous == label) return;  // the next element of a list whose label stands already
       if (top == label) {
-        line = "<br>";
-        appendIndent(line, indent + 1);
         // QUIRK: the line is written, and begins the next one as well.
-        lines.push_back(line);
+        for (int i = 0; i < 2; ++i) {
+          lines += "<br>";
+          appendIndent(indent + 1);
+        }
       }
     }
   }
-  line += "<br>";
-  appendIndent(line, indent);
-  line += "<B>";
-  line += label;
-  line += "</B>";
+  lines += "<br>";
+  appendIndent(indent);
+  lines += "<B>";
+  lines += label;
+  lines += "</B>";
   if (!label.empty()) headers.push_back(std::move(label));
   firstAttribute = true;
 
@@ -103,10 +97,9 @@ void HTMLRenderContext::startSubHeader(MsgFieldContext& context) {
   ++indent;
   subHeaderOpen = true;
   if (inlineEntity && field.isList()) {
-    line += "<br>";
-    appendIndent(line, indent);
+    lines += "<br>";
+    appendIndent(indent);
   }
-  lines.push_back(std::move(line));
 }
 
 void HTMLRenderContext::endSubHeader(MsgFieldContext&) {

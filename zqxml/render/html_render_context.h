@@ -53,10 +53,11 @@ class ZQXML_EXPORT HTMLRenderContext : public HTMLValueContext {
   /// @}
 
  private:
-  static void appendIndent(std::string& line, int units);
+  /// Appends the blanks of so many levels, or of as many as are shown.
+  void appendIndent(int units);
 
   std::vector<std::string> headers;  // labels of the open levels
-  std::vector<std::string> lines;    // the output, piece by piece
+  std::string lines;                 // the output, in one piece: it grows as one block
   bool firstAttribute = true;        // set by each level; nothing depends on it
   bool subHeaderOpen = false;        // the last startSubHeader opened a level
   int indent = 0;                    // levels around what comes next
