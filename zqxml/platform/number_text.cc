@@ -1,8 +1,10 @@
 #include <locale.h>
 #include <zqxml/platform/number_text.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstddef>
 #include <cstdlib>
 #include <limits>
 #include <string>
@@ -20,6 +22,13 @@ struct Decimal {
   std::uint64_t magnitude = 0;
 };
 
+constexpr bool isDigit(char32_t unit) {
+  return unit >= '0' && unit <= '9';
+}
+constexpr std::uint64_t digitOf(char32_t unit) {
+  return unit - U'0';
+}
+
 template <class View>
 Decimal scanDecimal(View text) {
   Decimal number;
@@ -27,17 +36,18 @@ Decimal scanDecimal(View text) {
   const auto end = text.end();
   while (at != end && isSpace(static_cast<char32_t>(*at))) ++at;
   if (at != end && (*at == '-' || *at == '+')) number.negative = *at++ == '-';
-  for (; at != end && *at >= '0' && *at <= '9'; ++at) {
-    number.found = true;
-    const auto digit = static_cast<std::uint64_t>(*at - '0');
+  const auto digits = at;
+  // What has so many digits fits, whatever they are.
+  const auto sure = at + std::min<std::ptrdiff_t>(end - at, std::numeric_limits<std::uint64_t>::digits10);
+  for (; at != sure && isDigit(*at); ++at) number.magnitude = number.magnitude * 10 + digitOf(*at);
+  for (; at != end && isDigit(*at) && !number.overflow; ++at) {
     constexpr std::uint64_t kMax = std::numeric_limits<std::uint64_t>::max();
-    if (number.magnitude > (kMax - digit) / 10) {
+    if (number.magnitude > (kMax - digitOf(*at)) / 10)
       number.overflow = true;
-    } else {
-      number.magnitude = number.magnitude * 10 + digit;
-    }
-    if (number.overflow) break;
+    else
+      number.magnitude = number.magnitude * 10 + digitOf(*at);
   }
+  number.found = at != digits;
   return number;
 }
 
