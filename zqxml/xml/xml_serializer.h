@@ -66,7 +66,9 @@ class ZQXML_EXPORT XMLSerializer : public XMLSerializationSupport {
   /// @{
   /// Fills `msg`; unless `keepExisting`, it is reset first, whatever the text turns out to be. On failure it
   /// holds what was read so far. XN_MSG_FAILED for an empty text, XN_MSG_PARSE_ERROR for one that is not well
-  /// formed, XN_MSG_XML_LIBRARY_ERROR for any other exception; each with a line.
+  /// formed, XN_MSG_XML_LIBRARY_ERROR for any other exception; each with a line. The text may be part of
+  /// `msg`: a message that may hold it (it has lists, maps or objects, or a string of its length) is read
+  /// from a copy. Throws std::bad_alloc when there is no memory to begin with.
   eXNMsgRet unserialize(XNMessageBase& msg, const std::string& xml, bool keepExisting);
   eXNMsgRet unserialize(XNMessageBase& msg, std::string& xml, bool keepExisting);
   /// @}

@@ -3,6 +3,7 @@
 #include <zqxml/message/internal/message_access.h>
 #include <zqxml/message/internal/nesting_limit.h>
 #include <zqxml/platform/internal/xerces_ptr.h>
+#include <zqxml/xml/internal/held_text.h>
 #include <zqxml/xml/internal/message_reader.h>
 #include <zqxml/xml/internal/sax_parse.h>
 #include <zqxml/xml/internal/xml_scanner.h>
@@ -110,12 +111,14 @@ bool refuseEmpty(bool empty) {
 
 eXNMsgRet XMLSerializer::unserialize(XNMessageBase& msg, const std::string& xml, bool keepExisting) {
   if (refuseEmpty(xml.empty())) return XN_MSG_FAILED;
+  std::string copy;
+  const std::string& text = mayHoldText(msg, xml.size()) ? (copy = xml) : xml;
   if (!keepExisting) MessageAccess::resetAndWipe(msg);
   XNMessageBase* root = &msg;
-  if (const auto result = readPlain<char>(root, xml, flags_, context_)) return *result;
+  if (const auto result = readPlain<char>(root, text, flags_, context_)) return *result;
   MySAX2Handler handler(&msg);
   if (keepExisting) handler.setDefaultsWhileUnserialization();
-  return parserHelper(&handler, xml);
+  return parserHelper(&handler, text);
 }
 
 eXNMsgRet XMLSerializer::unserialize(XNMessageBase& msg, std::string& xml, bool keepExisting) {
@@ -125,12 +128,15 @@ eXNMsgRet XMLSerializer::unserialize(XNMessageBase& msg, std::string& xml, bool 
 eXNMsgRet XMLSerializer::unserialize(XNMessageBase& msg, const char16_t* xml, bool ignored,
                                      bool keepExisting) {
   if (refuseEmpty(xml == nullptr || *xml == 0)) return XN_MSG_FAILED;
+  std::u16string_view text(xml);
+  std::u16string copy;
+  if (mayHoldText(msg, text.size() * sizeof(char16_t))) text = copy = text;
   if (!keepExisting) MessageAccess::resetAndWipe(msg);
   XNMessageBase* root = &msg;
-  if (const auto result = readPlain<char16_t>(root, xml, flags_, context_)) return *result;
+  if (const auto result = readPlain<char16_t>(root, text, flags_, context_)) return *result;
   MySAX2Handler handler(&msg);
   if (keepExisting) handler.setDefaultsWhileUnserialization();
-  return parserHelperWideChar(&handler, xml, ignored);
+  return parserHelperWideChar(&handler, text.data(), ignored);
 }
 
 XNMessageBase* XMLSerializer::unserialize(const std::string& xml, bool keepExisting) {
