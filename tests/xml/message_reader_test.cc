@@ -319,6 +319,38 @@ TEST(MessageReader, WithoutALimitObjectsNestFreely) {
   EXPECT_EQ(depth, 2000);
 }
 
+// --- Lists whose length is known
+
+TEST(MessageReader, ListsAreGivenRoomForTheElementsThatFollow) {
+  Node node;
+  Events events(&node);
+  events.open(u"root");
+  events.start(u"items", {}, 99);
+  events.close(u"items");
+  const AttributeView val{u"val", u"1"};
+  events.start(u"counts", {&val, 1}, 49);
+  events.close(u"counts").close(u"root");
+  EXPECT_EQ(vectorOf(node, Node::FieldNumber::kItems)->capacity(), 100u);
+  EXPECT_EQ(node.getCounts().capacity(), 50u);
+}
+
+TEST(MessageReader, ManyShortRunsDoNotMakeAListGrowByLittle) {
+  Node node;
+  Events events(&node);
+  events.open(u"root");
+  std::size_t growths = 0;
+  std::size_t capacity = 0;
+  for (int i = 0; i < 1000; ++i) {
+    events.start(u"items", {}, 1);
+    events.close(u"items").open(u"items").close(u"items");
+    const std::size_t now = vectorOf(node, Node::FieldNumber::kItems)->capacity();
+    growths += now == capacity ? 0 : 1;
+    capacity = now;
+  }
+  EXPECT_EQ(node.getItems().size(), 2000u);
+  EXPECT_LE(growths, 12u);
+}
+
 // --- Finding fields
 
 TEST(FieldFinder, GivesTheFirstFieldOfAHashForEveryClassOfTheCatalogue) {

@@ -1,3 +1,4 @@
+#include <zqxml/xml/internal/name_filter.h>
 #include <zqxml/xml/internal/xml_characters.h>
 #include <zqxml/xml/internal/xml_scanner.h>
 
@@ -6,6 +7,9 @@
 
 namespace zqxml {
 namespace {
+
+/// Most texts have no more than one part in so many units.
+constexpr std::size_t kUnitsOfPart = 12;
 
 void append(std::u16string& out, char32_t c) {
   if (c < 0x10000) {
@@ -41,6 +45,7 @@ bool XmlScanner<Char>::scan(View text) {
   text_ = at_ = text.data();
   end_ = text_ + text.size();
   parts_.clear();
+  parts_.reserve(text.size() / kUnitsOfPart);
   open_.clear();
   if (at_[0] == '<' && at_[1] == '?' && !scanDeclaration()) return false;
   if (!scanMisc() || !scanStartTag()) return false;
@@ -88,95 +93,141 @@ template <class Char>
 bool XmlScanner<Char>::scanStartTag() {
   if (at_[0] != '<' || open_.size() >= kMostLevels) return false;
   ++at_;
-  const std::size_t tag = parts_.size();
-  Part name;
-  if (!scanName(name)) return false;
-  parts_.push_back(name);
-  if (!scanAttributes(tag)) return false;
+  const std::size_t number = parts_.size();
+  const std::size_t like = open_.empty() ? 0 : open_.back().run;
+  const Name name = scanName(at_, like);
+  if (name.length == 0) return false;
+  parts_.push_back(Part{.start = offset(at_), .hash = name.hash, .nameLength = name.length});
+  countAlike(number);
+  at_ += name.length;
+  if (!scanAttributes(number, like)) return false;
   if (*at_ == '>') {
     ++at_;
-    open_.push_back(static_cast<std::uint32_t>(tag));
+    open_.push_back({static_cast<std::uint32_t>(number), 0});
     return true;
   }
   if (!skipWord("/>")) return false;
-  name.kind = Kind::end;
-  parts_.push_back(name);
+  ++parts_.back().ends;
   return true;
 }
 
+/// Of elements that follow each other with one name, the first counts the others.
 template <class Char>
-bool XmlScanner<Char>::scanAttributes(std::size_t tag) {
-  for (std::size_t count = 0;; ++count) {
-    const bool space = skipSpace();
-    if (*at_ == '>' || *at_ == '/') return true;
-    if (!space || count >= kMostAttributes || !scanAttribute(tag)) return false;
+void XmlScanner<Char>::countAlike(std::size_t tag) {
+  if (open_.empty()) return;
+  std::uint32_t& run = open_.back().run;
+  if (run != 0 && parts_[run].hash == parts_[tag].hash)
+    ++parts_[run].length;
+  else
+    run = static_cast<std::uint32_t>(tag);
+}
+
+/// `like` is an earlier tag, whose attributes these may have again, in its order.
+template <class Char>
+bool XmlScanner<Char>::scanAttributes(std::size_t tag, std::size_t like) {
+  NameFilter names;
+  bool coded = false;
+  for (const Char* at = at_;;) {
+    const Char* const before = std::exchange(at, behindSpace(at));
+    if (*at == '>' || *at == '/') {
+      at_ = at;
+      parts_[tag].coded = coded;
+      return true;
+    }
+    if (at == before || parts_.size() - tag > kMostAttributes) return false;
+    const Name name = scanName(at, ++like);
+    if (name.length == 0 || (names.mayHave(name.hash) && !isNew({at, name.length}, tag))) return false;
+    const Value value = scanValue(at + name.length);
+    if (value.end == nullptr) return false;
+    coded |= value.coded;
+    parts_.push_back(Part{.start = offset(at),
+                          .length = static_cast<std::uint32_t>(value.end - value.start),
+                          .hash = name.hash,
+                          .kind = Kind::attribute,
+                          .coded = value.coded,
+                          .gap = static_cast<std::uint32_t>(value.start - at - name.length) & kWidestGap,
+                          .nameLength = name.length});
+    at = value.end + 1;
   }
 }
 
+/// Whether the tag has no attribute of that name yet.
 template <class Char>
-bool XmlScanner<Char>::scanAttribute(std::size_t tag) {
-  Part attribute{.kind = Kind::attribute};
-  if (!scanName(attribute) || !isNew(attribute, tag) || !skipEquals() || !scanValue(attribute)) return false;
-  parts_.push_back(attribute);
-  return true;
-}
-
-/// Whether the tag has no attribute of that name yet. It is about to be the next part.
-template <class Char>
-bool XmlScanner<Char>::isNew(const Part& attribute, std::size_t tag) {
-  std::uint32_t& latest = names_[attribute.hash % names_.size()];
-  const std::size_t before = std::exchange(latest, static_cast<std::uint32_t>(parts_.size()));
-  if (before <= tag || before >= parts_.size()) return true;
+bool XmlScanner<Char>::isNew(View name, std::size_t tag) const {
   for (std::size_t i = tag + 1; i < parts_.size(); ++i)
-    if (parts_[i].hash == attribute.hash && nameOf(parts_[i]).text == nameOf(attribute).text) return false;
+    if (nameOf(parts_[i]).text == name) return false;
   return true;
 }
 
+/// The name that begins here; one of no length when none does. `like` is an earlier part that may have the
+/// same: to compare takes less time than to look at each character.
 template <class Char>
-bool XmlScanner<Char>::scanName(Part& part) {
+inline typename XmlScanner<Char>::Name XmlScanner<Char>::scanName(const Char* at, std::size_t like) const {
+  if (like >= parts_.size() || !isNameOf(parts_[like], at)) return scanNewName(at);
+  return {parts_[like].hash, parts_[like].nameLength};
+}
+
+/// Whether the part has a name, and that name stands here.
+template <class Char>
+inline bool XmlScanner<Char>::isNameOf(const Part& part, const Char* at) const {
+  const std::size_t length = part.nameLength;
+  return length != 0 && static_cast<std::size_t>(end_ - at) >= length &&
+         equalBytes(at, text_ + part.start, length * sizeof(Char)) && !is(at[length], kInName);
+}
+
+template <class Char>
+typename XmlScanner<Char>::Name XmlScanner<Char>::scanNewName(const Char* at) {
   constexpr std::ptrdiff_t kLongest = std::numeric_limits<std::uint16_t>::max();
-  if (!is(*at_, kFirstOfName)) return false;
-  const Char* const first = at_;
+  if (!is(*at, kFirstOfName)) return {};
+  const Char* const first = at;
   std::uint32_t hash = 0;
   do {
-    hash = hash * 31 + unitOf(*at_++);
-  } while (is(*at_, kInName));
-  if (at_ - first > kLongest) return false;
-  part.start = offset(first);
-  part.nameLength = static_cast<std::uint16_t>(at_ - first);
-  part.hash = hash & 0xffffff;
-  return first[0] != 'x' || first[1] != 'm' || first[2] != 'l';
+    hash = hash * 31 + unitOf(*at++);
+  } while (is(*at, kInName));
+  if (at - first > kLongest || (first[0] == 'x' && first[1] == 'm' && first[2] == 'l')) return {};
+  return {hash & 0xffffff, static_cast<std::uint16_t>(at - first)};
 }
 
+/// The value of an attribute, from behind its name; one without an end when it is not plain.
 template <class Char>
-bool XmlScanner<Char>::scanValue(Part& attribute) {
-  constexpr std::uint32_t kWidest = std::numeric_limits<std::uint8_t>::max();
-  const Char quote = *at_;
-  if (quote != '"' && quote != '\'') return false;
-  const Char* at = ++at_;
-  const std::uint32_t gap = offset(at) - attribute.start - attribute.nameLength;
-  if (gap > kWidest) return false;
+inline typename XmlScanner<Char>::Value XmlScanner<Char>::scanValue(const Char* at) const {
+  if (at[0] == '=' && (at[1] == '"' || at[1] == '\'')) {
+    const Char* const end = behindBlocks(at + 2, end_, at[1]);
+    if (*end == at[1]) return {at + 2, end};
+  }
+  return scanUnusualValue(at);
+}
+
+/// The same for one that is spaced, near the end of the text, or has references or characters beyond ASCII.
+template <class Char>
+typename XmlScanner<Char>::Value XmlScanner<Char>::scanUnusualValue(const Char* at) const {
+  const Char* const name = at;
+  at = behindSpace(at);
+  if (*at != '=') return {};
+  at = behindSpace(at + 1);
+  const Char quote = *at++;
+  if ((quote != '"' && quote != '\'') || at - name > kWidestGap) return {};
+  Value value{at};
   for (;;) {
+    at = behindBlocks(at, end_, quote);
     while (is(*at, kInValue)) ++at;
     if (*at == quote) break;
     if (*at == '&') {
       const Reference reference = referenceAt(at);
-      if (reference.size == 0) return false;
+      if (reference.size == 0) return {};
       at += reference.size;
-      attribute.coded = true;
+      value.coded = true;
     } else if (*at == '"' || *at == '\'') {
       ++at;
     } else if (is(*at, kSpace)) {
       ++at;
-      attribute.coded = true;
+      value.coded = true;
     } else if (at = skipCharacter(at); at == nullptr) {
-      return false;
+      return {};
     }
   }
-  attribute.gap = static_cast<std::uint8_t>(gap);
-  attribute.length = static_cast<std::uint32_t>(at - at_);
-  at_ = at + 1;
-  return true;
+  value.end = at;
+  return value;
 }
 
 /// Behind the character beyond ASCII; null when there is none, or one that XML does not allow.
@@ -201,8 +252,7 @@ bool XmlScanner<Char>::scanMarkup() {
 
 template <class Char>
 bool XmlScanner<Char>::scanEndTag() {
-  Part name = parts_[open_.back()];
-  const View opened = nameOf(name).text;
+  const View opened = nameOf(parts_[open_.back().tag]).text;
   at_ += 2;
   if (static_cast<std::size_t>(end_ - at_) < opened.size() || View(at_, opened.size()) != opened)
     return false;
@@ -211,8 +261,7 @@ bool XmlScanner<Char>::scanEndTag() {
   if (*at_ != '>') return false;
   ++at_;
   open_.pop_back();
-  name.kind = Kind::end;
-  parts_.push_back(name);
+  ++parts_.back().ends;
   return true;
 }
 
@@ -221,6 +270,7 @@ bool XmlScanner<Char>::scanText() {
   Part text{.start = offset(at_), .kind = Kind::text};
   const Char* at = at_;
   for (;;) {
+    at = behindBlocks(at, end_, Char{'>'});
     while (is(*at, kInText)) ++at;
     if (*at == '<') break;
     if (*at == '&') {
@@ -277,8 +327,7 @@ bool XmlScanner<Char>::scanSection() {
 
 template <class Char>
 bool XmlScanner<Char>::skipSpace() {
-  const Char* const before = at_;
-  while (is(*at_, kSpace)) ++at_;
+  const Char* const before = std::exchange(at_, behindSpace(at_));
   return at_ != before;
 }
 

@@ -1,9 +1,11 @@
 // InlineList: a growing array whose first elements need no heap. Not installed.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <span>
 #include <type_traits>
 #include <utility>
@@ -11,7 +13,7 @@
 namespace zqxml {
 
 /// Holds up to `kInline` elements in the object itself, and more of them on the heap. What it has taken it
-/// keeps until it ends.
+/// keeps until it ends. Throws std::bad_alloc, and then holds what it held.
 template <class T, std::size_t kInline>
 class InlineList {
   static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
@@ -21,9 +23,14 @@ class InlineList {
   InlineList(const InlineList&) = delete;
   InlineList& operator=(const InlineList&) = delete;
 
+  /// Makes room for as many elements in all.
+  void reserve(std::size_t count) {
+    if (count > capacity_) [[unlikely]]
+      grow(std::max(count, capacity_ * 2));
+  }
   void push_back(const T& element) {
     if (size_ == capacity_) [[unlikely]]
-      grow(element);
+      growFor(element);
     else
       new (elements_ + size_++) T(element);
   }
@@ -32,19 +39,23 @@ class InlineList {
 
   std::size_t size() const { return size_; }
   bool empty() const { return size_ == 0; }
+  T& operator[](std::size_t i) { return elements_[i]; }
   const T& operator[](std::size_t i) const { return elements_[i]; }
+  T& back() { return elements_[size_ - 1]; }
   const T& back() const { return elements_[size_ - 1]; }
   std::span<const T> view() const { return {elements_, size_}; }
 
  private:
-  void grow(T element) {
-    const std::size_t capacity = capacity_ * 4;
+  void growFor(T element) {
+    reserve(size_ + 1);
+    push_back(element);
+  }
+  void grow(std::size_t capacity) {
     std::unique_ptr<std::byte[]> larger = std::make_unique_for_overwrite<std::byte[]>(capacity * sizeof(T));
     std::memcpy(larger.get(), static_cast<const void*>(elements_), size_ * sizeof(T));
     heap_ = std::move(larger);
     elements_ = reinterpret_cast<T*>(heap_.get());
     capacity_ = capacity;
-    push_back(element);
   }
 
   T* elements_;

@@ -81,7 +81,7 @@ BasicMessageReader<Char>::BasicMessageReader(XNMessageBase* root, std::size_t ma
 }
 
 template <class Char>
-void BasicMessageReader<Char>::start(Name name, Attributes attributes) {
+void BasicMessageReader<Char>::start(Name name, Attributes attributes, std::size_t alike) {
   checkDepth();
   const bool isRoot = !std::exchange(started_, true);
   if (!isRoot && path_.empty()) return;  // the root had no class
@@ -93,7 +93,7 @@ void BasicMessageReader<Char>::start(Name name, Attributes attributes) {
 
   const std::uint32_t hash = name.hash;
   const FieldDef* field = find(path_.current(), hash);
-  const bool isObject = field != nullptr && openObject(*field, attributes);
+  const bool isObject = field != nullptr && openObject(*field, attributes, alike);
   if (!isRoot && field == nullptr && hash != kMapKeyHash && hash != kMapValueHash) {
     logDebug(kStart, 10, "Skipping member : [%s]", name.text);
     skipTag_ = name.text;
@@ -113,7 +113,7 @@ void BasicMessageReader<Char>::start(Name name, Attributes attributes) {
   if (!isObject && !processAttributes(attributes)) logBadAttributes(name.text);
   if (attributes.size() == 1 && (field != nullptr || inMap()) &&
       attributes.front().name.text == kValText<Char>)
-    readVal(field, attributes.front().value);
+    readVal(field, attributes.front().value, alike);
 }
 
 /// An object in a map takes two elements, and a value inside the innermost object one more. What is nested
@@ -143,9 +143,10 @@ void BasicMessageReader<Char>::openRoot(Name name, Attributes attributes) {
 
 /// Makes the object of an object field, or the next one of a list, the current one. False for other fields.
 template <class Char>
-bool BasicMessageReader<Char>::openObject(const FieldDef& field, Attributes attributes) {
+bool BasicMessageReader<Char>::openObject(const FieldDef& field, Attributes attributes, std::size_t alike) {
   if (!kObjectFields.contains(field.getType())) return false;
-  const bool opened = field.getType() == FDT_OBJECT ? path_.openMember(field) : path_.openElement(field);
+  const bool opened =
+      field.getType() == FDT_OBJECT ? path_.openMember(field) : path_.openElement(field, alike);
   if (opened && !processAttributes(attributes)) logBadAttributes(field.getName());
   return opened;
 }
@@ -168,9 +169,9 @@ bool BasicMessageReader<Char>::processAttributes(Attributes attributes) {
 }
 
 template <class Char>
-void BasicMessageReader<Char>::readVal(const FieldDef* field, View value) {
+void BasicMessageReader<Char>::readVal(const FieldDef* field, View value, std::size_t alike) {
   readSpecialCharsSetting();
-  if (field != nullptr) values_.appendVal(path_.current(), *field, value);
+  if (field != nullptr) values_.appendVal(path_.current(), *field, value, alike);
   if (inMap()) readSide(value);
 }
 

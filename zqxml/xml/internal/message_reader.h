@@ -44,7 +44,8 @@ class BasicMessageReader {
   /// names. `maxLevels` objects may be nested, 0 for any number, in the elements that so many take at most.
   explicit BasicMessageReader(XNMessageBase* root, std::size_t maxLevels);
 
-  void start(Name name, Attributes attributes);
+  /// `alike` elements of that name are known to follow, one behind the other: there may be more.
+  void start(Name name, Attributes attributes, std::size_t alike = 0);
   void end(Name name);
   /// A part of a text; one text may come in several.
   void characters(View text) {
@@ -90,9 +91,9 @@ class BasicMessageReader {
   // Elements.
   void checkDepth();
   void openRoot(Name name, Attributes attributes);
-  bool openObject(const FieldDef& field, Attributes attributes);
+  bool openObject(const FieldDef& field, Attributes attributes, std::size_t alike);
   bool processAttributes(Attributes attributes);
-  void readVal(const FieldDef* field, View value);
+  void readVal(const FieldDef* field, View value, std::size_t alike);
   bool endObject(std::uint32_t hash);
   void endUnknown(View name, bool wasCapturing);
   const FieldDef* find(const XNMessageBase& object, std::uint32_t hash);

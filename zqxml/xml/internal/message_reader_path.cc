@@ -1,9 +1,11 @@
 #include <zqxml/message/internal/message_access.h>
 #include <zqxml/platform/format.h>
+#include <zqxml/xml/internal/list_growth.h>
 #include <zqxml/xml/internal/message_reader_path.h>
 
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace zqxml {
 namespace {
@@ -31,7 +33,7 @@ bool ObjectPath::openMember(const FieldDef& field) {
   return true;
 }
 
-bool ObjectPath::openElement(const FieldDef& field) {
+bool ObjectPath::openElement(const FieldDef& field, std::size_t alike) {
   checkDepth();
   const ClassRef ref = ClassRef::read(field.namePointer());
   if (ref.subsystem >= kSubsystemCount)
@@ -39,6 +41,7 @@ bool ObjectPath::openElement(const FieldDef& field) {
   Elements*& elements = MessageAccess::owned<Elements>(current(), field);
   const bool madeVector = elements == nullptr;
   if (madeVector) elements = new Elements;
+  growFor(*elements, alike);
   XNMessageBase& element = elements->emplace_back();
   enter({.object = &element, .list = &field, .madeVector = madeVector});
   MessageAccess::initialize(element, ref);
@@ -88,7 +91,7 @@ void ObjectPath::checkDepth() {
   if (maxLevels_ != 0 && levels_.size() >= maxLevels_)
     throw std::length_error(formatText("Objects are nested in more than [%zu] levels", maxLevels_));
   // Room for the level that follows, so that no object is lost for want of it.
-  if (levels_.size() == levels_.capacity()) levels_.reserve(levels_.size() * 2 + 8);
+  levels_.reserve(levels_.size() + 1);
 }
 
 void ObjectPath::enter(const Level& level) {

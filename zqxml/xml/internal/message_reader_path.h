@@ -3,11 +3,11 @@
 
 #include <zqxml/catalogue/records.h>
 #include <zqxml/message/xn_message_base.h>
+#include <zqxml/xml/internal/inline_list.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <vector>
 
 namespace zqxml {
 
@@ -35,7 +35,7 @@ class ObjectPath {
   XNMessageBase& current() const { return *levels_.back().object; }
   /// The object around the innermost one. REQUIRES: size() > 1.
   XNMessageBase& parent() const { return *levels_[levels_.size() - 2].object; }
-  XNMessageBase* root() const { return empty() ? nullptr : levels_.front().object; }
+  XNMessageBase* root() const { return empty() ? nullptr : levels_[0].object; }
   PathRole role() const { return levels_.back().role; }
   /// The map entry that a key or value object was made for.
   std::uint64_t entry() const { return levels_.back().entry; }
@@ -49,8 +49,8 @@ class ObjectPath {
 
   /// The sub-object of an FDT_OBJECT field: the one that is there, or a new one that hangs nowhere yet.
   bool openMember(const FieldDef& field);
-  /// A new element at the end of an FDT_LIST_OBJECT field's vector.
-  bool openElement(const FieldDef& field);
+  /// A new element at the end of an FDT_LIST_OBJECT field's vector, which is given room for `alike` more.
+  bool openElement(const FieldDef& field, std::size_t alike);
   /// A new object, of the class that the ClassRef bytes name, for one side of a map entry.
   bool openSide(const char* classRef, PathRole side, std::uint64_t entry);
 
@@ -84,7 +84,7 @@ class ObjectPath {
   void discard(const Level& level);
   void dropLastElement(const Level& level);
 
-  std::vector<Level> levels_;
+  InlineList<Level, 8> levels_;
   std::size_t maxLevels_;
 };
 

@@ -7,6 +7,7 @@
 #include <zqxml/platform/text.h>
 #include <zqxml/xml/base64_decode.h>
 #include <zqxml/xml/date_text.h>
+#include <zqxml/xml/internal/list_growth.h>
 #include <zqxml/xml/internal/message_reader_values.h>
 #include <zqxml/xml/internal/name_view.h>
 #include <zqxml/xml/xml_decoder.h>
@@ -119,6 +120,7 @@ struct FieldTextReader<Char>::ListAppend {
   XNMessageBase& object;
   const FieldDef& field;
   View text;
+  std::size_t alike = 0;
 
   void operator()(List<element::Int32>) const {
     // The two lists share their storage, not their reading: the one keeps the low half, the other saturates.
@@ -139,7 +141,9 @@ struct FieldTextReader<Char>::ListAppend {
 
   template <class T>
   std::vector<T>& list() const {
-    return MessageAccess::make<std::vector<T>>(object, field, true);
+    std::vector<T>& elements = MessageAccess::make<std::vector<T>>(object, field, true);
+    growFor(elements, alike);
+    return elements;
   }
   template <class T>
   void add(T value) const {
@@ -170,8 +174,9 @@ void FieldTextReader<Char>::storeText(XNMessageBase& object, const FieldDef& fie
 }
 
 template <class Char>
-void FieldTextReader<Char>::appendVal(XNMessageBase& object, const FieldDef& field, View text) {
-  visitStorage(field.getType(), ListAppend{*this, object, field, text});
+void FieldTextReader<Char>::appendVal(XNMessageBase& object, const FieldDef& field, View text,
+                                      std::size_t alike) {
+  visitStorage(field.getType(), ListAppend{*this, object, field, text, alike});
 }
 
 template <class Char>

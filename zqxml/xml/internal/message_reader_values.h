@@ -5,6 +5,7 @@
 #include <zqxml/message/xn_message_base.h>
 #include <zqxml/xml/encoding_flags.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -30,9 +31,9 @@ class FieldTextReader {
   /// The text inside an element that is named after the field: the same, but numbers may have white space
   /// around them, and a list gets one more element.
   void storeText(XNMessageBase& object, const FieldDef& field, View text, const char* where);
-  /// The attribute `val` of an element that is named after a list field: one more element. Anything but a
-  /// list of values takes none.
-  void appendVal(XNMessageBase& object, const FieldDef& field, View text);
+  /// The attribute `val` of an element that is named after a list field: one more element, with room for
+  /// `alike` others. Anything but a list of values takes none.
+  void appendVal(XNMessageBase& object, const FieldDef& field, View text, std::size_t alike);
 
   /// The text as UTF-8 into `out`, with what XML cannot hold restored.
   void readString(View text, std::string& out);

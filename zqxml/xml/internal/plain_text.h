@@ -82,6 +82,24 @@ inline bool isLegalText(std::string_view utf8) {
   return true;
 }
 
+/// Whether two texts, which are short as a rule, have the same bytes.
+inline bool equalBytes(const void* left, const void* right, std::size_t size) {
+  const auto* a = static_cast<const char*>(left);
+  const auto* b = static_cast<const char*>(right);
+  const auto equalAt = [a, b]<class Word>(std::size_t i, Word) {
+    return internal::loadWord<Word>(a + i) == internal::loadWord<Word>(b + i);
+  };
+  if (size >= 8) {
+    for (std::size_t i = 0; i + 8 < size; i += 8)
+      if (!equalAt(i, std::uint64_t{})) return false;
+    return equalAt(size - 8, std::uint64_t{});
+  }
+  if (size >= 4) return equalAt(0, std::uint32_t{}) && equalAt(size - 4, std::uint32_t{});
+  for (std::size_t i = 0; i < size; ++i)
+    if (a[i] != b[i]) return false;
+  return true;
+}
+
 /// Copies a text of any length; most are short, which a call of memcpy would take more time for.
 inline char* copyText(char* to, std::string_view text) {
   const char* const from = text.data();

@@ -4,11 +4,16 @@
 #include <zqxml/xml/internal/plain_text.h>
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <type_traits>
 #include <utility>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace zqxml {
 
@@ -56,6 +61,37 @@ template <class Char>
 bool is(Char c, CharacterClass what) {
   const unsigned unit = unitOf(c);
   return unit < 0x80 && (kClasses[unit] & what) != 0;
+}
+
+/// Behind the white space that begins here, if any does.
+template <class Char>
+const Char* behindSpace(const Char* at) {
+  while (is(*at, kSpace)) ++at;
+  return at;
+}
+
+/// Behind characters from 0x20 to 0x7f that are none of `stop`, '&' and '<', block by block: where blocks do
+/// not reach, more of them may follow.
+inline const char* behindBlocks(const char* at, [[maybe_unused]] const char* end,
+                                [[maybe_unused]] char stop) {
+#ifdef __SSE2__
+  constexpr std::ptrdiff_t kBlock = sizeof(__m128i);
+  for (; end - at >= kBlock; at += kBlock) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+    const auto equals = [block](char c) { return _mm_cmpeq_epi8(block, _mm_set1_epi8(c)); };
+    // As signed numbers, bytes from 0x80 up are below 0x20 too.
+    const __m128i outside = _mm_cmplt_epi8(block, _mm_set1_epi8(0x20));
+    const __m128i found =
+        _mm_or_si128(_mm_or_si128(equals(stop), outside), _mm_or_si128(equals('&'), equals('<')));
+    if (const int places = _mm_movemask_epi8(found); places != 0)
+      return at + std::countr_zero(static_cast<unsigned>(places));
+  }
+#endif
+  return at;
+}
+/// UTF-16 is looked at unit by unit.
+inline const char16_t* behindBlocks(const char16_t* at, const char16_t*, char16_t) {
+  return at;
 }
 
 inline bool isHighSurrogate(unsigned unit) {

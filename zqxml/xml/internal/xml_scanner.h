@@ -7,14 +7,14 @@
 // not plain is said by itself.
 //
 // What is plain is less than what is well-formed: names are ASCII without colons, and none begins with "xml";
-// no "]" stands before a ">" of a text, and no "<!" in a CDATA section; a declaration has 1,000 characters;
-// elements nest in 5,000 levels and have 200 attributes at most: names of one bucket are compared one by one.
+// no "]" stands before a ">" of a text, and no "<!" in a CDATA section; a declaration has 1,000 characters,
+// and 13 stand around the "=" of an attribute; elements nest in 5,000 levels and have 200 attributes at most:
+// names with similar hashes are compared one by one.
 #pragma once
 
 #include <zqxml/xml/internal/inline_list.h>
 #include <zqxml/xml/internal/name_view.h>
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -32,46 +32,72 @@ class XmlScanner {
   /// std::bad_alloc.
   bool scan(View text);
 
-  /// Gives the parts of a plain text to a reader: start(NameView, attributes), end(NameView),
-  /// characters(View). What that throws passes through.
+  /// Gives the parts of a plain text to a reader: start(NameView, attributes, alike), end(NameView),
+  /// characters(View). `alike` elements of that name follow on the same level, one behind the other; only the
+  /// first of them tells. What the reader throws passes through.
   template <class Reader>
   void drive(Reader& reader);
 
  private:
-  enum class Kind : std::uint8_t { start, attribute, end, text, section };
-  /// A tag's name, an attribute, or a text. Small, since a text has many.
+  enum class Kind : std::uint32_t { start, attribute, text, section };
+  /// A start tag, an attribute, or a text. Small, since a text has many.
   struct Part {
     std::uint32_t start = 0;
-    std::uint32_t length = 0;  ///< of an attribute, that of its value
-    std::uint32_t hash = 0;    ///< of a name
-    std::uint16_t nameLength = 0;
-    /// From the end of an attribute's name to its value.
-    std::uint8_t gap = 0;
-    Kind kind : 4 = Kind::start;
-    /// It holds references, or white space that stands for other white space.
+    /// Of a text, or of an attribute's value. Of a start tag: how many elements of its name follow it
+    /// directly.
+    std::uint32_t length = 0;
+    std::uint32_t hash : 24 = 0;  ///< of a name
+    Kind kind : 3 = Kind::start;
+    /// It holds references, or white space that stands for other white space; of a start tag: an attribute
+    /// does.
     bool coded : 1 = false;
+    /// From the end of an attribute's name to its value.
+    std::uint32_t gap : 4 = 0;
+    std::uint16_t nameLength = 0;
+    /// How many elements end behind this part.
+    std::uint16_t ends = 0;
   };
   static_assert(sizeof(Part) == 16);
+  /// An element that is not closed yet: its start tag, and the first of the latest elements in it that have
+  /// one name; 0 for none, since the root is in no other.
+  struct OpenElement {
+    std::uint32_t tag;
+    std::uint32_t run;
+  };
+  struct Name {
+    std::uint32_t hash : 24 = 0;
+    std::uint16_t length = 0;
+  };
+  /// The value of an attribute, without its quotes.
+  struct Value {
+    const Char* start = nullptr;
+    const Char* end = nullptr;
+    bool coded = false;
+  };
   using Attribute = BasicAttributeView<Char>;
 
   static constexpr std::size_t kMostAttributes = 200;
   static constexpr std::size_t kMostLevels = 5000;
+  static constexpr std::uint32_t kWidestGap = 15;
 
   bool scanDeclaration();
   bool scanMisc();
   bool scanStartTag();
-  bool scanAttributes(std::size_t tag);
-  bool scanAttribute(std::size_t tag);
+  bool scanAttributes(std::size_t tag, std::size_t like);
   bool scanEndTag();
   bool scanContent();
   bool scanMarkup();
   bool scanText();
   bool scanComment();
   bool scanSection();
-  bool scanValue(Part& attribute);
-  bool scanName(Part& part);
+  Name scanName(const Char* at, std::size_t like) const;
+  static Name scanNewName(const Char* at);
+  bool isNameOf(const Part& part, const Char* at) const;
+  Value scanValue(const Char* at) const;
+  Value scanUnusualValue(const Char* at) const;
   const Char* skipCharacter(const Char* at) const;
-  bool isNew(const Part& attribute, std::size_t tag);
+  void countAlike(std::size_t tag);
+  bool isNew(View name, std::size_t tag) const;
   bool skipSpace();
   bool skipWord(std::string_view ascii);
   bool skipEquals();
@@ -87,16 +113,14 @@ class XmlScanner {
   std::uint32_t offset(const Char* at) const { return static_cast<std::uint32_t>(at - text_); }
   /// What the part stands for, which is no longer than itself; at the end of decoded_.
   View decoded(const Part& part);
-  void gatherAttributes(std::size_t& i);
+  /// Views of the attributes of a tag; gives the part behind them.
+  std::size_t gatherAttributes(std::size_t tag);
 
   const Char* text_ = nullptr;
   const Char* at_ = nullptr;
   const Char* end_ = nullptr;
   InlineList<Part, 128> parts_;
-  /// The start tags of the elements that are open.
-  InlineList<std::uint32_t, 32> open_;
-  /// The latest attribute name with such a hash, by its part; what is older than the tag does not count.
-  std::array<std::uint32_t, 128> names_{};
+  InlineList<OpenElement, 32> open_;
   std::basic_string<Char> decoded_;
   InlineList<Attribute, 32> attributes_;
 };
@@ -108,28 +132,35 @@ void XmlScanner<Char>::drive(Reader& reader) {
     const Part& part = parts_[i++];
     decoded_.clear();
     if (part.kind == Kind::start) {
-      gatherAttributes(i);
-      reader.start(nameOf(part), attributes_.view());
-    } else if (part.kind == Kind::end) {
-      reader.end(nameOf(part));
+      open_.push_back({static_cast<std::uint32_t>(i - 1), 0});
+      i = gatherAttributes(i - 1);
+      reader.start(nameOf(part), attributes_.view(), part.length);
     } else if (reader.takesCharacters()) {
       if (part.coded) decoded_.reserve(part.length);
       reader.characters(part.coded ? decoded(part) : contentOf(part));
+    }
+    for (unsigned ends = parts_[i - 1].ends; ends > 0; --ends) {
+      reader.end(nameOf(parts_[open_.back().tag]));
+      open_.pop_back();
     }
   }
 }
 
 template <class Char>
-void XmlScanner<Char>::gatherAttributes(std::size_t& i) {
+std::size_t XmlScanner<Char>::gatherAttributes(std::size_t tag) {
   attributes_.clear();
-  std::size_t coded = 0;
-  for (std::size_t k = i; k < parts_.size() && parts_[k].kind == Kind::attribute; ++k)
-    if (parts_[k].coded) coded += parts_[k].length;
-  decoded_.reserve(coded);  // what the views show does not move
-  for (; i < parts_.size() && parts_[i].kind == Kind::attribute; ++i) {
+  std::size_t end = tag + 1;
+  while (end < parts_.size() && parts_[end].kind == Kind::attribute) ++end;
+  if (parts_[tag].coded) {
+    std::size_t coded = 0;
+    for (std::size_t i = tag + 1; i < end; ++i) coded += parts_[i].coded ? parts_[i].length : 0;
+    decoded_.reserve(coded);  // what the views show does not move
+  }
+  for (std::size_t i = tag + 1; i < end; ++i) {
     const Part& part = parts_[i];
     attributes_.push_back({nameOf(part), part.coded ? decoded(part) : contentOf(part)});
   }
+  return end;
 }
 
 }  // namespace zqxml
