@@ -22,11 +22,13 @@ struct Decimal {
   std::uint64_t magnitude = 0;
 };
 
-constexpr bool isDigit(char32_t unit) {
+template <class Char>
+constexpr bool isDigit(Char unit) {
   return unit >= '0' && unit <= '9';
 }
-constexpr std::uint64_t digitOf(char32_t unit) {
-  return unit - U'0';
+template <class Char>
+constexpr std::uint64_t digitOf(Char unit) {
+  return static_cast<std::uint64_t>(unit - '0');
 }
 
 template <class View>
