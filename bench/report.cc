@@ -18,20 +18,20 @@ std::string number(double value, const std::string& unit) {
   return text;
 }
 
-/// Empty without a reach.
-std::string reachOf(const Row& row) {
+/// Empty without a reach. That of one alone has the unit.
+std::string reachOf(const Row& row, const std::string& unit) {
   if (row.reach == 0) return "";
-  char text[32];
+  char text[64];
   std::snprintf(text, sizeof text, "%s %.4g", row.atMost ? "<=" : ">=", row.reach);
-  return text;
+  return row.peer ? text : text + (" " + unit);
 }
 
 void print(const Row& row, const std::string& unit) {
   char ratio[16] = "";
   if (row.peer) std::snprintf(ratio, sizeof ratio, "%.2f", row.ratio());
-  std::printf("| %-42s | %14s | %14s | %7s | %8s | %-3s |\n", row.what.c_str(),
+  std::printf("| %-42s | %14s | %14s | %7s | %14s | %-3s |\n", row.what.c_str(),
               number(row.ours.low, unit).c_str(), row.peer ? number(row.peer->low, unit).c_str() : "", ratio,
-              reachOf(row).c_str(),
+              reachOf(row, unit).c_str(),
               row.reach == 0 ? ""
               : row.isMet()  ? "yes"
                              : "NO");
@@ -50,7 +50,7 @@ Json jsonOf(const Table& table) {
       made["ratio"] = row.ratio();
     }
     if (row.reach != 0) {
-      made["reach"] = reachOf(row);
+      made["reach"] = reachOf(row, table.unit);
       made["met"] = row.isMet();
     }
     rows.push_back(std::move(made));
@@ -98,10 +98,10 @@ Report::Report(int argc, char** argv) {
 }
 
 void Report::add(Table table) {
-  std::printf("\n| %-42s | %14s | %14s | %7s | %8s | %-3s |\n", table.title.c_str(), table.ours.c_str(),
+  std::printf("\n| %-42s | %14s | %14s | %7s | %14s | %-3s |\n", table.title.c_str(), table.ours.c_str(),
               table.peer.c_str(), "ratio", "reach", "met");
   std::printf(
-      "|--------------------------------------------|---------------:|---------------:|--------:|---------:|"
+      "|--------------------------------------------|---------------:|---------------:|--------:|---------------:|"
       "-----|\n");
   for (const Row& row : table.rows) print(row, table.unit);
   std::fflush(stdout);

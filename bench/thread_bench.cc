@@ -1,4 +1,5 @@
-// What two threads get done on two cores beside one, on every road.
+// What two threads get done on two cores beside one, on every road; or on those alone whose names begin with
+// an argument.
 //
 // A sample is a while of one thread's work, or of two at once, each with a message of its own. One and two
 // take turns, and so do the roads. Times are those of the wall: a thread that waits for a lock uses no
@@ -6,10 +7,10 @@
 #include <bench/report.h>
 #include <bench/roads.h>
 #include <bench/subject.h>
+#include <time.h>
 
 #include <array>
 #include <barrier>
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -24,12 +25,29 @@ namespace {
 
 constexpr double kReach = 1.9;
 constexpr std::size_t kThreads = 2;
-using Clock = std::chrono::steady_clock;
 using Work = std::function<void()>;
 
-double nanosecondsSince(Clock::time_point start) {
-  return std::chrono::duration<double, std::nano>(Clock::now() - start).count();
-}
+/// Nanoseconds, of the wall and of this thread's processor.
+struct Cost {
+  double wall = 0;
+  double processor = 0;
+
+  static Cost now() { return {read(CLOCK_MONOTONIC), read(CLOCK_THREAD_CPUTIME_ID)}; }
+  /// What so many calls cost.
+  static Cost of(const Work& work, std::size_t calls) {
+    const Cost start = now();
+    for (std::size_t i = 0; i < calls; ++i) work();
+    const Cost end = now();
+    return {end.wall - start.wall, end.processor - start.processor};
+  }
+
+ private:
+  static double read(clockid_t clock) {
+    timespec time = {};
+    clock_gettime(clock, &time);
+    return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
+  }
+};
 
 /// Threads that wait for work and begin it together.
 class Crew {
@@ -74,52 +92,65 @@ class Contest {
   Contest(std::string name, std::array<Work, kThreads> works, const Road* road = nullptr)
       : name_(std::move(name)), works_(std::move(works)), road_(road) {}
 
+  bool isCalled(const std::string& start) const { return name_.starts_with(start); }
+
   /// How many calls take `nanoseconds`, more or less.
   void calibrate(double nanoseconds) {
     const auto way = roadOf();
     works_[0]();
     double time = 0;
-    for (calls_ = 1; (time = timeOf(works_[0], calls_)) < nanoseconds / 4; calls_ *= 2) {
+    for (calls_ = 1; (time = Cost::of(works_[0], calls_).processor) < nanoseconds / 4; calls_ *= 2) {
     }
     calls_ = static_cast<std::size_t>(static_cast<double>(calls_) * nanoseconds / time) + 1;
   }
 
   void sample(Crew& crew) {
     const auto way = roadOf();
-    one_.push_back(rateOf(crew, 1));
-    two_.push_back(rateOf(crew, kThreads));
+    one_.add(costOf(crew, 1));
+    two_.add(costOf(crew, kThreads));
   }
 
-  Row row() const { return {name_, figureOf(two_), figureOf(one_), false, road_ == nullptr ? 0 : kReach}; }
+  /// How many times as much gets done.
+  Row throughput() const {
+    return {name_, figureOf(two_.wall), figureOf(one_.wall), false, road_ == nullptr ? 0 : kReach};
+  }
+  /// What a message costs each.
+  Row processor() const { return {name_, figureOf(two_.processor), figureOf(one_.processor), true}; }
 
  private:
+  struct Samples {
+    std::vector<double> wall, processor;
+    void add(Cost cost) {
+      wall.push_back(cost.wall);
+      processor.push_back(cost.processor);
+    }
+  };
+
   std::unique_ptr<WithRoad> roadOf() const {
     return road_ == nullptr ? nullptr : std::make_unique<WithRoad>(*road_);
   }
 
-  static double timeOf(const Work& work, std::size_t calls) {
-    const Clock::time_point start = Clock::now();
-    for (std::size_t i = 0; i < calls; ++i) work();
-    return nanosecondsSince(start);
-  }
-
-  /// Nanoseconds for a message, of so many threads together.
-  double rateOf(Crew& crew, std::size_t threads) {
-    std::array<double, kThreads> times = {};
+  /// Of a message: by the wall when so many threads work together, and by each one's processor.
+  Cost costOf(Crew& crew, std::size_t threads) {
+    std::array<Cost, kThreads> costs = {};
     std::array<Work, kThreads> tasks;
     for (std::size_t i = 0; i < threads; ++i)
-      tasks[i] = [this, i, &times] { times[i] = timeOf(works_[i], calls_); };
+      tasks[i] = [this, i, &costs] { costs[i] = Cost::of(works_[i], calls_); };
     crew.run(std::move(tasks));
-    double perNanosecond = 0;
-    for (std::size_t i = 0; i < threads; ++i) perNanosecond += static_cast<double>(calls_) / times[i];
-    return 1 / perNanosecond;
+    const auto calls = static_cast<double>(calls_);
+    double perNanosecond = 0, processor = 0;
+    for (std::size_t i = 0; i < threads; ++i) {
+      perNanosecond += calls / costs[i].wall;
+      processor += costs[i].processor / calls / static_cast<double>(threads);
+    }
+    return {1 / perNanosecond, processor};
   }
 
   std::string name_;
   std::array<Work, kThreads> works_;
   const Road* road_;
   std::size_t calls_ = 1;
-  std::vector<double> one_, two_;
+  Samples one_, two_;
 };
 
 /// Work that shares nothing: what the machine has to give.
@@ -135,6 +166,9 @@ int run(int argc, char** argv) {
   Table table{"Two threads beside one", {}, "ns", "two", "one"};
   table.note =
       "Time for a message by the wall. \"Nothing shared\" is arithmetic: what this machine has to give.";
+  Table processor{"Processor time, two threads beside one", {}, "ns", "two", "one"};
+  processor.note =
+      "Time of the processor for a message of each thread: more than 1 where they disturb each other.";
   if (std::thread::hardware_concurrency() < kThreads) {
     report.fact(table.title, "not measured: there is one processor");
     return report.finish();
@@ -155,12 +189,19 @@ int run(int argc, char** argv) {
       contests.emplace_back(road.name + ", " + name, std::move(works), &road);
     }
   }
-  for (Contest& contest : contests) contest.calibrate(report.isQuick() ? 1e6 : 2e7);
+  if (report.arguments().size() > 1)
+    std::erase_if(contests, [&](const Contest& contest) { return !contest.isCalled(report.arguments()[1]); });
+  // Short samples: on a machine that does other things too, some of them are left alone.
+  for (Contest& contest : contests) contest.calibrate(report.isQuick() ? 1e6 : 4e6);
   Crew crew;
-  for (int round = report.isQuick() ? 4 : 30; round > 0; --round)
+  for (int round = report.isQuick() ? 4 : 80; round > 0; --round)
     for (Contest& contest : contests) contest.sample(crew);
-  for (const Contest& contest : contests) table.rows.push_back(contest.row());
+  for (const Contest& contest : contests) {
+    table.rows.push_back(contest.throughput());
+    processor.rows.push_back(contest.processor());
+  }
   report.add(std::move(table));
+  report.add(std::move(processor));
   return report.finish();
 }
 
