@@ -4,6 +4,7 @@
 #include <tests/support/every_type.h>
 #include <tests/support/message_dump.h>
 #include <tests/support/open_message.h>
+#include <tests/support/xml_roads.h>
 #include <zqxml/binary/binary_buffer.h>
 #include <zqxml/binary/binary_serializer.h>
 #include <zqxml/catalogue/lookup.h>
@@ -60,12 +61,7 @@ class ManyThreads : public ::testing::Test {
   void expect(bool holds) { failures_ += holds ? 0 : 1; }
   void TearDown() override { EXPECT_EQ(failures_.load(), 0); }
 
-  std::atomic<int> lines_ = 0;
-  std::atomic<int> failures_ = 0;
-};
-
-TEST_F(ManyThreads, ThreadsWriteAndReadXmlAtOnce) {
-  onAllThreads([&](int thread) {
+  void writeAndReadXml(int thread) {
     for (int round = 0; round < kRounds; ++round) {
       OpenMessage message = messageOf(thread);
       std::string xml;
@@ -75,7 +71,20 @@ TEST_F(ManyThreads, ThreadsWriteAndReadXmlAtOnce) {
       expect(read.unserialize(xml) == XN_MSG_OK && dump(read) == dump(message));
       expect(read.unserialize(wide.c_str()) == XN_MSG_OK && dump(read) == dump(message));
     }
-  });
+  }
+
+  std::atomic<int> lines_ = 0;
+  std::atomic<int> failures_ = 0;
+};
+
+TEST_F(ManyThreads, ThreadsWriteAndReadXmlAtOnce) {
+  onAllThreads([&](int thread) { writeAndReadXml(thread); });
+  EXPECT_EQ(lines_.load(), 0);
+}
+
+TEST_F(ManyThreads, ThreadsWriteAndReadXmlThroughTheLibraryAtOnce) {
+  const FastXmlRoads closed(false);
+  onAllThreads([&](int thread) { writeAndReadXml(thread); });
   EXPECT_EQ(lines_.load(), 0);
 }
 

@@ -26,12 +26,13 @@ struct ReadingOutcome {
   }
 };
 
-/// Reads the text into a copy of the message, on top of its values or not.
+/// Reads the text into a copy of the message, on top of its values or not; with the lines up to that level.
 template <class Text>
-ReadingOutcome readInto(const XNMessageBase& message, const Text& xml, bool keepExisting, bool fast) {
+ReadingOutcome readInto(const XNMessageBase& message, const Text& xml, bool keepExisting, bool fast,
+                        int level = 0) {
   const FastXmlRoads roads(fast);
   XNMessageBase copy(message);
-  LogCapture capture;
+  LogCapture capture(level);
   ReadingOutcome outcome;
   if constexpr (sizeof(xml[0]) == 1)
     outcome.result = XMLSerializer().unserialize(copy, xml, keepExisting);

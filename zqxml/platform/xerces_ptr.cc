@@ -3,6 +3,8 @@
 
 #include <cstring>
 #include <limits>
+#include <typeinfo>
+#include <xercesc/internal/MemoryManagerImpl.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 
 namespace zqxml::internal {
@@ -29,17 +31,33 @@ std::string utf8Of(const XMLCh* text) {
   return toUtf8(viewOf(text));
 }
 
+xercesc::MemoryManager& lastingMemory() {
+  static auto& manager = *new xercesc::MemoryManagerImpl;
+  return manager;
+}
+
+bool platformMemoryIsLasting() {
+  return typeid(*xercesc::XMLPlatformUtils::fgMemoryManager) == typeid(xercesc::MemoryManagerImpl);
+}
+
 LimitedMemoryManager::LimitedMemoryManager(std::size_t inputSize)
-    : limit_(limitFor(inputSize)), turnover_(turnoverFor(limit_)) {}
+    : upstream_(platformMemoryIsLasting() ? lastingMemory() : *xercesc::XMLPlatformUtils::fgMemoryManager),
+      limit_(limitFor(inputSize)),
+      turnover_(turnoverFor(limit_)) {}
 
 LimitedMemoryManager::~LimitedMemoryManager() = default;
 
+void LimitedMemoryManager::startAgain(std::size_t inputSize) {
+  limit_ = limitFor(inputSize);
+  turnover_ = turnoverFor(limit_);
+}
+
 void* LimitedMemoryManager::allocate(XMLSize_t size) {
-  if (size > limit_ - inUse_ || size > turnover_ ||
+  if (inUse_ > limit_ || size > limit_ - inUse_ || size > turnover_ ||
       size > std::numeric_limits<std::size_t>::max() - kHeader) {
     throw xercesc::OutOfMemoryException();
   }
-  void* const start = xercesc::XMLPlatformUtils::fgMemoryManager->allocate(size + kHeader);
+  void* const start = upstream_.allocate(size + kHeader);
   std::memcpy(start, &size, sizeof size);
   inUse_ += size;
   turnover_ -= size;
@@ -52,7 +70,7 @@ void LimitedMemoryManager::deallocate(void* block) {
   XMLSize_t size = 0;
   std::memcpy(&size, start, sizeof size);
   inUse_ -= size;
-  xercesc::XMLPlatformUtils::fgMemoryManager->deallocate(start);
+  upstream_.deallocate(start);
 }
 
 xercesc::MemoryManager* LimitedMemoryManager::getExceptionMemoryManager() {

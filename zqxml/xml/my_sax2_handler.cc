@@ -2,6 +2,7 @@
 #include <zqxml/message/internal/nesting_limit.h>
 #include <zqxml/platform/internal/xerces_ptr.h>
 #include <zqxml/xml/internal/message_reader.h>
+#include <zqxml/xml/internal/my_sax2_handler_target.h>
 #include <zqxml/xml/my_sax2_handler.h>
 
 #include <cstddef>
@@ -26,6 +27,10 @@ struct MySAX2Handler::State {
   MessageReader reader;
   std::vector<AttributeView> attributes;  // reused from element to element
 };
+
+MessageReader& messageReaderOf(MySAX2Handler& handler) {
+  return handler.state_->reader;
+}
 
 MySAX2Handler::MySAX2Handler() : MySAX2Handler(nullptr) {}
 MySAX2Handler::MySAX2Handler(XNMessageBase* object) : state_(std::make_unique<State>(object)) {}

@@ -10,6 +10,8 @@
 
 namespace zqxml {
 
+template <class Char>
+class BasicMessageReader;
 class XNMessageBase;
 class ZqXMLContextInfo;
 
@@ -59,6 +61,8 @@ class ZQXML_EXPORT MySAX2Handler : public xercesc::DefaultHandler {
   void fatalError(const xercesc::SAXParseException& error) override;
 
  private:
+  friend BasicMessageReader<char16_t>& messageReaderOf(MySAX2Handler& handler);  // the library's own parses
+
   struct State;
   std::unique_ptr<State> state_;
   bool defaultsWhileUnserialization_ = false;

@@ -14,7 +14,7 @@ std::optional<TextPlace> placeOfParseError(std::string_view xml) {
   MySAX2Handler handler;
   try {
     const TextSource source{xml};
-    SaxParse(handler, xml.size()).reader().parse(source);
+    SaxParse(handler, xml.size()).parse(source);
   } catch (const xercesc::SAXParseException& error) {
     place = TextPlace{error.getLineNumber(), error.getColumnNumber()};
   } catch (...) {

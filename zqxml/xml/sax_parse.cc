@@ -1,40 +1,92 @@
+#include <zqxml/platform/internal/xerces_ptr.h>
+#include <zqxml/xml/internal/parse_arena.h>
 #include <zqxml/xml/internal/sax_parse.h>
+#include <zqxml/xml/internal/sax_reader.h>
 #include <zqxml/xml/internal/xml_start_up_once.h>
 #include <zqxml/xml/my_sax2_handler.h>
 
-#include <xercesc/sax2/XMLReaderFactory.hpp>
-#include <xercesc/util/XMLUni.hpp>
+#include <utility>
+#include <xercesc/framework/XMLPScanToken.hpp>
 
 namespace zqxml {
 
-using xercesc::XMLUni;
-
 TextSource::TextSource(const void* bytes, std::size_t size)
-    : MemBufInputSource(static_cast<const XMLByte*>(bytes), size, u"unknown"), size_(size) {
+    : MemBufInputSource(static_cast<const XMLByte*>(bytes), size, u"unknown"),
+      bytes_(static_cast<const char*>(bytes), size) {
   setCopyBufToStream(false);
 }
 TextSource::TextSource(std::string_view text) : TextSource(text.data(), text.size()) {}
 TextSource::TextSource(std::u16string_view text) : TextSource(text.data(), text.size() * sizeof(char16_t)) {}
 
+/// A reader with its memory.
+struct SaxParse::Reader {
+  Reader(std::size_t inputBytes, bool withNamespaces)
+      : namespaces(withNamespaces), memory(inputBytes), sax(&memory, withNamespaces) {}
+
+  const bool namespaces;
+  ParseArena memory;
+  SaxReader sax;
+};
+
+/// What a thread keeps, in plain variables: they may still be asked for while the thread ends.
+struct SaxParse::Kept {
+  static constinit thread_local Reader* reader;
+  static constinit thread_local bool threadEnds;
+
+  /// Ends the reader with its thread.
+  struct Closer {
+    ~Closer() {
+      threadEnds = true;
+      dropKept();
+    }
+  };
+};
+
+constinit thread_local SaxParse::Reader* SaxParse::Kept::reader = nullptr;
+constinit thread_local bool SaxParse::Kept::threadEnds = false;
+
 SaxParse::SaxParse(MySAX2Handler& handler, std::size_t inputBytes)
-    : memory_(inputBytes), reader_(xercesc::XMLReaderFactory::createXMLReader(&memory_, nullptr)) {
-  reader_->setContentHandler(&handler);
-  reader_->setErrorHandler(&handler);
-  reader_->setFeature(XMLUni::fgSAX2CoreValidation, false);
-  reader_->setFeature(XMLUni::fgXercesLoadExternalDTD, false);
-  if (XmlStartUp::process().validationDisabled()) {
-    for (const XMLCh* feature :
-         {XMLUni::fgSAX2CoreNameSpaces, XMLUni::fgXercesSchema, XMLUni::fgXercesDynamic,
-          XMLUni::fgSAX2CoreNameSpacePrefixes, XMLUni::fgXercesSchemaFullChecking})
-      reader_->setFeature(feature, false);
-  }
-  // No entity is expanded; that closes the entity bomb.
-  security_.setEntityExpansionLimit(0);
-  reader_->setProperty(XMLUni::fgXercesSecurityManager, &security_);
-  reader_->setEntityResolver(nullptr);
-  // Without these two, external parameter entities and the schemas that xsi:schemaLocation names are fetched.
-  reader_->setFeature(XMLUni::fgXercesDisableDefaultEntityResolution, true);
-  reader_->setFeature(XMLUni::fgXercesLoadSchema, false);
+    : reader_(std::exchange(Kept::reader, nullptr)) {
+  const bool namespaces = !XmlStartUp::process().validationDisabled();
+  if (reader_ != nullptr && reader_->namespaces == namespaces)
+    reader_->memory.startAgain(inputBytes);
+  else
+    reader_ = std::make_unique<Reader>(inputBytes, namespaces);
+  reader_->sax.attach(handler);
+}
+
+SaxParse::~SaxParse() {
+  if (!mayKeep()) return;
+  static const thread_local Kept::Closer closer;
+  reader_->sax.detach();
+  Kept::reader = reader_.release();
+}
+
+bool SaxParse::mayKeep() const {
+  return finished_ && reader_->sax.isLikeNew() && reader_->memory.inUse() <= kMostKept &&
+         internal::platformMemoryIsLasting() && Kept::reader == nullptr && !Kept::threadEnds;
+}
+
+void SaxParse::parse(const xercesc::InputSource& source) {
+  reader_->sax.parse(source);
+  finished_ = true;
+}
+
+SaxParse::RootTag SaxParse::parseRootTag(const xercesc::InputSource& source) {
+  xercesc::XMLPScanToken token;
+  if (!reader_->sax.parseFirst(source, token)) return RootTag::noStart;
+  if (!reader_->sax.parseNext(token)) return RootTag::noTag;
+  reader_->sax.parseReset(token);
+  finished_ = true;
+  return RootTag::read;
+}
+
+std::size_t SaxParse::keptBytes() {
+  return Kept::reader == nullptr ? 0 : Kept::reader->memory.inUse();
+}
+
+void SaxParse::dropKept() {
+  const std::unique_ptr<Reader> dropped(std::exchange(Kept::reader, nullptr));
 }
 
 }  // namespace zqxml

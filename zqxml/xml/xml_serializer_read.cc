@@ -16,7 +16,6 @@
 #include <new>
 #include <optional>
 #include <string_view>
-#include <xercesc/framework/XMLPScanToken.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/util/XMLException.hpp>
 #include <xercesc/util/XMLUni.hpp>
@@ -167,7 +166,7 @@ eXNMsgRet XMLSerializer::parserHelper(MySAX2Handler* handler, const std::string&
   handler->setEncodingFlags(flags_);
   return guardParse(kNarrow, [&] {
     const TextSource source{std::string_view(xml)};
-    SaxParse(*handler, xml.size()).reader().parse(source);
+    SaxParse(*handler, xml.size()).parse(source);
   });
 }
 
@@ -183,7 +182,7 @@ eXNMsgRet XMLSerializer::parserHelperWideChar(MySAX2Handler* handler, const char
     TextSource source(text);
     // A text with a declaration says its encoding itself.
     if (!text.starts_with(u"<?xml ")) source.setEncoding(xercesc::XMLUni::fgUTF16LEncodingString);
-    SaxParse(*handler, text.size() * sizeof(char16_t)).reader().parse(source);
+    SaxParse(*handler, text.size() * sizeof(char16_t)).parse(source);
   });
 }
 
@@ -223,15 +222,14 @@ bool XMLSerializer::_GetTagAndTagIDFromXML(xercesc::MemBufInputSource* source, s
   const MainObjectOwner owner{handler};
   try {
     const auto* text = dynamic_cast<const TextSource*>(source);
-    SaxParse parse(handler, text == nullptr ? 0 : text->size());
-    xercesc::XMLPScanToken token;
-    if (!parse.reader().parseFirst(*source, token)) {
+    const SaxParse::RootTag end =
+        SaxParse(handler, text == nullptr ? 0 : text->bytes().size()).parseRootTag(*source);
+    if (end == SaxParse::RootTag::noStart) {
       logError(kTagStart, "Unable to retrieve token for given xml");
       return false;
     }
-    const bool parsed = parse.reader().parseNext(token);
     const XNMessageBase* root = handler.getMainObject();
-    if (!parsed || root == nullptr) {
+    if (end == SaxParse::RootTag::noTag || root == nullptr) {
       logError(kTagStart, "Unable to retrieve tag for given xml");
       return false;
     }

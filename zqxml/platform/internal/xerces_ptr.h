@@ -43,13 +43,22 @@ inline std::u16string_view viewOf(const XMLCh* text) {
 /// A text of Xerces-C, which may be null, as UTF-8.
 std::string utf8Of(const XMLCh* text);
 
+/// Xerces-C's own memory manager, which passes requests on to operator new and delete, in a copy that never
+/// ends: what is from there may be given back after Xerces-C was terminated. Any thread.
+xercesc::MemoryManager& lastingMemory();
+
+/// Whether the platform's memory manager is Xerces-C's own, and not one of the host program's, so that
+/// lastingMemory() may stand for it. REQUIRES: Xerces-C runs.
+bool platformMemoryIsLasting();
+
 /// Passes requests on to the platform's memory manager until the blocks that are in use together are larger
 /// than the limit, or all that were ever asked for larger than kTurnover limits: then it throws
 /// xercesc::OutOfMemoryException, as the parser expects of a full memory. An input can so take no more than a
 /// fixed multiple of its size, whatever it declares, and no more time than it takes to use that memory a few
 /// times: a nest of entities makes a new reader of some 200 KB for each reference, and gives it back again.
 ///
-/// One per parse; it must outlive the parser, and belongs to one thread at a time.
+/// It must outlive the parser, and belongs to one thread at a time. Where the platform's manager is
+/// Xerces-C's own it may also outlive a termination of Xerces-C.
 class LimitedMemoryManager final : public xercesc::MemoryManager {
  public:
   static constexpr std::size_t kBase = std::size_t{64} << 20;
@@ -68,12 +77,17 @@ class LimitedMemoryManager final : public xercesc::MemoryManager {
   /// Exceptions outlive the parse, so they are not counted.
   xercesc::MemoryManager* getExceptionMemoryManager() override;
 
+  /// Starts to count for another parse, with an input of so many bytes. What is still in use goes on
+  /// counting.
+  void startAgain(std::size_t inputSize);
+
   std::size_t limit() const { return limit_; }
   /// Bytes in use now.
   std::size_t inUse() const { return inUse_; }
 
  private:
-  const std::size_t limit_;
+  xercesc::MemoryManager& upstream_;
+  std::size_t limit_;
   std::size_t inUse_ = 0;
   /// What may still be asked for.
   std::size_t turnover_;

@@ -11,10 +11,10 @@ namespace zqxml {
 
 /// Gives a parser its memory from a few large blocks, within a limit that follows from the size of the input.
 ///
-/// A parser makes hundreds of small blocks for each text and ends them all with it. Here one costs a few
-/// instructions, a small block that was given back serves again for one of its size, and whatever is left
-/// goes with the arena: also what the parser does not give back after it ran out of memory. Beyond the limit
-/// allocate throws xercesc::OutOfMemoryException. Belongs to one thread, and outlives the parser.
+/// A parser makes hundreds of small blocks for each text. Here one costs a few instructions, a small block
+/// that was given back serves again for one of its size, and whatever is left goes with the arena: also what
+/// the parser does not give back after it ran out of memory. Beyond the limit allocate throws
+/// xercesc::OutOfMemoryException. Belongs to one thread at a time, and outlives the parser.
 class ParseArena final : public xercesc::MemoryManager {
  public:
   explicit ParseArena(std::size_t inputSize) : upstream_(inputSize) {}
@@ -28,6 +28,9 @@ class ParseArena final : public xercesc::MemoryManager {
   xercesc::MemoryManager* getExceptionMemoryManager() override {
     return upstream_.getExceptionMemoryManager();
   }
+
+  /// Starts to count for another parse, with an input of so many bytes. What was taken goes on counting.
+  void startAgain(std::size_t inputSize) { upstream_.startAgain(inputSize); }
 
   /// Bytes taken from the platform now.
   std::size_t inUse() const { return upstream_.inUse(); }

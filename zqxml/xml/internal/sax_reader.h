@@ -1,0 +1,66 @@
+// A reader of Xerces-C for the parses of a thread, one after the other. Not installed.
+#pragma once
+
+#include <zqxml/xml/internal/message_reader.h>
+
+#include <cstddef>
+#include <vector>
+#include <xercesc/parsers/SAX2XMLReaderImpl.hpp>
+#include <xercesc/util/SecurityManager.hpp>
+
+namespace zqxml {
+
+class MySAX2Handler;
+
+/// The SAX2 reader that XMLReaderFactory makes, set up to validate nothing, to load nothing from outside and
+/// to expand no entity.
+///
+/// What its scanner finds goes straight to the message reader of a handler, which gets what it would get as
+/// the content handler; the lists and names that SAX2 makes of it are left out. Errors go to the handler.
+/// It also notes what could show in a later parse. Throws what Xerces-C throws; belongs to one thread at a
+/// time.
+class SaxReader final : public xercesc::SAX2XMLReaderImpl {
+ public:
+  /// The memory outlives it. Without `namespaces`, prefixes and declarations are part of plain names.
+  SaxReader(xercesc::MemoryManager* memory, bool namespaces);
+
+  /// Events and errors go to `handler` from now on, which outlives the parse or is taken away after it.
+  void attach(MySAX2Handler& handler);
+  void detach();
+
+  /// Whether the parse since attach() has left the reader as a new one would be: it met no error, document
+  /// type, XML 1.1 or name of a schema. Xerces-C resets most of that, but not all.
+  bool isLikeNew() const { return likeNew_; }
+
+  // What the scanner calls; all else is as in the base.
+  void startElement(const xercesc::XMLElementDecl& declaration, unsigned uri, const XMLCh* prefix,
+                    const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t count, bool isEmpty,
+                    bool isRoot) override;
+  void endElement(const xercesc::XMLElementDecl& declaration, unsigned uri, bool isRoot,
+                  const XMLCh* prefix) override;
+  void docCharacters(const XMLCh* text, XMLSize_t length, bool section) override;
+  void XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
+               const XMLCh* actualEncoding) override;
+  void resetDocType() override;
+  void error(unsigned code, const XMLCh* domain, ErrTypes type, const XMLCh* text, const XMLCh* systemId,
+             const XMLCh* publicId, XMLFileLoc line, XMLFileLoc column) override;
+
+ private:
+  /// As many attributes as one element of a message has; the list of more is not kept.
+  static constexpr std::size_t kUsualAttributes = 1000;
+
+  const NameView<char16_t>& nameOf(const xercesc::XMLElementDecl& declaration);
+  bool isDeclaration(const xercesc::XMLAttr& attribute) const;
+
+  const bool namespaces_;
+  xercesc::SecurityManager security_;
+  MessageReader* target_ = nullptr;
+  std::vector<AttributeView> attributes_;
+  /// The latest element's, and its name.
+  const xercesc::XMLElementDecl* declaration_ = nullptr;
+  NameView<char16_t> name_;
+  std::size_t depth_ = 0;
+  bool likeNew_ = true;
+};
+
+}  // namespace zqxml

@@ -1,0 +1,134 @@
+#include <zqxml/platform/internal/xerces_ptr.h>
+#include <zqxml/xml/internal/my_sax2_handler_target.h>
+#include <zqxml/xml/internal/sax_reader.h>
+#include <zqxml/xml/my_sax2_handler.h>
+
+#include <utility>
+#include <xercesc/framework/XMLAttr.hpp>
+#include <xercesc/framework/XMLElementDecl.hpp>
+#include <xercesc/util/XMLUni.hpp>
+#include <xercesc/validators/schema/SchemaSymbols.hpp>
+
+namespace zqxml {
+
+using internal::viewOf;
+using xercesc::XMLUni;
+
+namespace {
+
+/// A name with its hash, in one pass over one that is ASCII.
+NameView<char16_t> nameAt(const XMLCh* text) {
+  std::uint32_t hash = 0;
+  const XMLCh* at = text;
+  for (; *at != 0; ++at) {
+    if (*at > 0x7f) return {text};
+    hash = hash * 31 + *at;
+  }
+  return {{text, static_cast<std::size_t>(at - text)}, hash & 0xffffff};
+}
+
+}  // namespace
+
+SaxReader::SaxReader(xercesc::MemoryManager* memory, bool namespaces)
+    : SAX2XMLReaderImpl(memory), namespaces_(namespaces) {
+  setFeature(XMLUni::fgSAX2CoreValidation, false);
+  setFeature(XMLUni::fgXercesLoadExternalDTD, false);
+  if (!namespaces) {
+    for (const XMLCh* feature :
+         {XMLUni::fgSAX2CoreNameSpaces, XMLUni::fgXercesSchema, XMLUni::fgXercesDynamic,
+          XMLUni::fgSAX2CoreNameSpacePrefixes, XMLUni::fgXercesSchemaFullChecking})
+      setFeature(feature, false);
+  }
+  // No entity is expanded; that closes the entity bomb.
+  security_.setEntityExpansionLimit(0);
+  setProperty(XMLUni::fgXercesSecurityManager, &security_);
+  setEntityResolver(nullptr);
+  // Without these two, external parameter entities and the schemas that xsi:schemaLocation names are fetched.
+  setFeature(XMLUni::fgXercesDisableDefaultEntityResolution, true);
+  setFeature(XMLUni::fgXercesLoadSchema, false);
+}
+
+void SaxReader::attach(MySAX2Handler& handler) {
+  target_ = &messageReaderOf(handler);
+  setContentHandler(&handler);
+  setErrorHandler(&handler);
+  setDTDHandler(&handler);  // for resetDocType, which the scanner then calls
+  declaration_ = nullptr;
+  depth_ = 0;
+  likeNew_ = true;
+}
+
+void SaxReader::detach() {
+  setContentHandler(nullptr);
+  setErrorHandler(nullptr);
+  setDTDHandler(nullptr);
+  target_ = nullptr;
+  if (attributes_.capacity() > kUsualAttributes) attributes_ = {};
+}
+
+void SaxReader::startElement(const xercesc::XMLElementDecl& declaration, unsigned, const XMLCh*,
+                             const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t count,
+                             bool isEmpty, bool) {
+  attributes_.clear();
+  for (XMLSize_t i = 0; i < count; ++i) {
+    const xercesc::XMLAttr& attribute = *attributes.elementAt(i);
+    const std::u16string_view value = viewOf(attribute.getValue());
+    if (namespaces_ && isDeclaration(attribute)) {
+      if (value == xercesc::SchemaSymbols::fgURI_XSI) likeNew_ = false;
+    } else {
+      const XMLCh* const local = attribute.getName();
+      attributes_.push_back({nameAt(*local != 0 ? local : attribute.getQName()), value});
+    }
+  }
+  target_->start(nameOf(declaration), attributes_);
+  if (isEmpty)
+    target_->end(name_);
+  else
+    ++depth_;
+}
+
+void SaxReader::endElement(const xercesc::XMLElementDecl& declaration, unsigned, bool, const XMLCh*) {
+  target_->end(nameOf(declaration));
+  if (depth_ != 0) --depth_;
+}
+
+void SaxReader::docCharacters(const XMLCh* text, XMLSize_t length, bool) {
+  if (depth_ != 0) target_->characters({text, length});  // not the white space around the root
+}
+
+void SaxReader::XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
+                        const XMLCh* actualEncoding) {
+  // The scanner remembers the version, also for a text that says none.
+  if (viewOf(version) != XMLUni::fgVersion1_0) likeNew_ = false;
+  SAX2XMLReaderImpl::XMLDecl(version, encoding, standalone, actualEncoding);
+}
+
+void SaxReader::resetDocType() {
+  likeNew_ = false;
+  SAX2XMLReaderImpl::resetDocType();
+}
+
+void SaxReader::error(unsigned code, const XMLCh* domain, ErrTypes type, const XMLCh* text,
+                      const XMLCh* systemId, const XMLCh* publicId, XMLFileLoc line, XMLFileLoc column) {
+  likeNew_ = false;
+  SAX2XMLReaderImpl::error(code, domain, type, text, systemId, publicId, line, column);
+}
+
+/// The local name, or all of it where prefixes are part of plain names.
+const NameView<char16_t>& SaxReader::nameOf(const xercesc::XMLElementDecl& declaration) {
+  // There is one declaration for all elements of a name, and it lives as long as the parse.
+  if (std::exchange(declaration_, &declaration) != &declaration) {
+    const xercesc::QName& name = *declaration.getElementName();
+    name_ = nameAt(namespaces_ ? name.getLocalPart() : name.getRawName());
+  }
+  return name_;
+}
+
+/// Whether it is "xmlns" or has that prefix.
+bool SaxReader::isDeclaration(const xercesc::XMLAttr& attribute) const {
+  const XMLCh* const prefix = attribute.getPrefix();
+  const XMLCh* const name = *prefix != 0 ? prefix : attribute.getName();
+  return *name == u'x' && viewOf(name) == XMLUni::fgXMLNSString;
+}
+
+}  // namespace zqxml
