@@ -30,14 +30,15 @@ namespace {
 
 constexpr int kFormVersion = 2;
 
-/// The library's registry takes a lock of the process and parses the feature's name, so what it gave is kept.
+/// The library's registry takes a lock of the process and parses the feature's name, so it is known when it
+/// gives the library's own implementation; of others, and of one that ended with a start of the library,
+/// nothing is known.
 xercesc::DOMImplementation* findDomImplementation() {
   static std::atomic<xercesc::DOMImplementation*> known = nullptr;
-  xercesc::DOMImplementation* found = known.load(std::memory_order_acquire);
-  if (found == nullptr) {
-    found = xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
-    known.store(found, std::memory_order_release);
-  }
+  xercesc::DOMImplementation* const own = xercesc::DOMImplementation::getImplementation();
+  if (own != nullptr && known.load(std::memory_order_acquire) == own) return own;
+  xercesc::DOMImplementation* const found = xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
+  if (found == own) known.store(found, std::memory_order_release);
   return found;
 }
 
