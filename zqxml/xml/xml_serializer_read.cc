@@ -67,11 +67,19 @@ eXNMsgRet guardParse(const ParseTexts& texts, Parse parse) {
   return XN_MSG_XML_LIBRARY_ERROR;
 }
 
+/// A plain text ends with a tag or a comment. One that was cut, or ends otherwise, need not be scanned.
+template <class Char>
+bool endsPlainly(std::basic_string_view<Char> xml) {
+  const auto isSpace = [](Char unit) { return unit == ' ' || unit == '\n' || unit == '\r' || unit == '\t'; };
+  while (!xml.empty() && isSpace(xml.back())) xml.remove_suffix(1);
+  return xml.size() > 1 && xml.back() == '>' && xml[xml.size() - 2] != '?';
+}
+
 /// Whether the text is plain, so that a scanner can take the place of the parser.
 template <class Char>
 bool scans(XmlScanner<Char>& scanner, std::basic_string_view<Char> xml) {
   const XmlStartUp& startUp = XmlStartUp::process();
-  if (!startUp.isStarted() || !startUp.fastXml()) return false;
+  if (!startUp.isStarted() || !startUp.fastXml() || !endsPlainly(xml)) return false;
   try {
     return scanner.scan(xml);
   } catch (const std::bad_alloc&) {
