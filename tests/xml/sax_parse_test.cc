@@ -191,6 +191,29 @@ TEST_F(SaxParses, ParserOfAnotherSettingIsNotUsed) {
   EXPECT_EQ(readNew(xml), "none");
 }
 
+/// The room of a list of a hundred elements, each of them that text, behind another text.
+std::size_t roomOfAHundred(const std::string& before, const std::string& element) {
+  Node node;
+  const std::string xml = "<XmlRead_Node>" + before + repeated(element, 100) + "<id>1</id></XmlRead_Node>";
+  EXPECT_EQ(XMLSerializer().unserialize(node, xml, false), XN_MSG_OK) << xml;
+  EXPECT_EQ(node.getCounts().size(), 100u) << xml;
+  return node.getCounts().capacity();
+}
+
+TEST_F(SaxParses, LongListTakesItsRoomAtOnce) {
+  for (const char* before :
+       {"", "\n<child/>\r\n\n", "<!-- <counts val='1'/> -->", "<name>\xc3\xa9\xc3\xa9</name>"})
+    for (const char* element : {"<counts val='1'/>", "<counts val='1' />\n", "<counts val='1'></counts>",
+                                "<counts\nval='1'\n></counts >"})
+      EXPECT_EQ(roomOfAHundred(before, element), 100u) << before << element;
+}
+
+TEST_F(SaxParses, ListWhoseLengthTheTextDoesNotShowGrowsAsItArrives) {
+  EXPECT_EQ(roomOfAHundred("\r<child/>\r", "<counts val='1'/>"), 128u) << "no line ends as it looks";
+  EXPECT_EQ(roomOfAHundred("", "<counts val='1'/><!-- c -->"), 128u);
+  EXPECT_EQ(roomOfAHundred("", "<counts val='1'/><name/>"), 128u);
+}
+
 TEST_F(SaxParses, LookingUpATagKeepsTheParserToo) {
   EXPECT_EQ(readTag(usual_).front(), '1');
   EXPECT_NE(SaxParse::keptBytes(), 0u);

@@ -67,7 +67,8 @@ bool SaxParse::mayKeep() const {
          internal::platformMemoryIsLasting() && Kept::reader == nullptr && !Kept::threadEnds;
 }
 
-void SaxParse::parse(const xercesc::InputSource& source) {
+void SaxParse::parse(const TextSource& source) {
+  reader_->sax.lookAheadIn(source.bytes());
   reader_->sax.parse(source);
   finished_ = true;
 }

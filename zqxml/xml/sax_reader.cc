@@ -3,6 +3,7 @@
 #include <zqxml/xml/internal/sax_reader.h>
 #include <zqxml/xml/my_sax2_handler.h>
 
+#include <string>
 #include <utility>
 #include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/framework/XMLElementDecl.hpp>
@@ -50,15 +51,19 @@ SaxReader::SaxReader(xercesc::MemoryManager* memory, bool namespaces)
 
 void SaxReader::attach(MySAX2Handler& handler) {
   target_ = &messageReaderOf(handler);
-  setContentHandler(&handler);
+  setContentHandler(&place_);
   setErrorHandler(&handler);
   setDTDHandler(&handler);  // for resetDocType, which the scanner then calls
   declaration_ = nullptr;
   depth_ = 0;
+  text_ = {};
+  line_ = 1;
+  lineStart_ = 0;
   likeNew_ = true;
 }
 
 void SaxReader::detach() {
+  place_.locator = nullptr;
   setContentHandler(nullptr);
   setErrorHandler(nullptr);
   setDTDHandler(nullptr);
@@ -80,7 +85,9 @@ void SaxReader::startElement(const xercesc::XMLElementDecl& declaration, unsigne
       attributes_.push_back({nameAt(*local != 0 ? local : attribute.getQName()), value});
     }
   }
-  target_->start(nameOf(declaration), attributes_);
+  run_ = declaration_ == &declaration && runDepth_ == depth_ ? run_ + 1 : 1;
+  runDepth_ = depth_;
+  target_->start(nameOf(declaration), attributes_, run_ == kRun ? alikeBehind(declaration) : 0);
   if (isEmpty)
     target_->end(name_);
   else
@@ -122,6 +129,30 @@ const NameView<char16_t>& SaxReader::nameOf(const xercesc::XMLElementDecl& decla
     name_ = nameAt(namespaces_ ? name.getLocalPart() : name.getRawName());
   }
   return name_;
+}
+
+/// How many elements of that name follow, without any other between them, as far as the text shows without
+/// being parsed: where it does not, a list only grows as it would have.
+std::size_t SaxReader::alikeBehind(const xercesc::XMLElementDecl& declaration) {
+  for (; line_ < place_.locator->getLineNumber(); ++line_) {
+    const std::size_t end = text_.find('\n', lineStart_);
+    if (end == text_.npos) return 0;
+    lineStart_ = end + 1;
+  }
+  const std::string name = internal::utf8Of(declaration.getFullName());
+  const auto begins = [&name](std::string_view tag) {
+    return tag.starts_with(name) && tag.find_first_of(" />\t\r\n", name.size()) == name.size();
+  };
+  std::size_t count = 0;
+  std::size_t at = lineStart_ + static_cast<std::size_t>(place_.locator->getColumnNumber()) - 1;
+  for (at = text_.find('<', at); at != text_.npos; at = text_.find('<', at + 1)) {
+    const std::string_view tag = text_.substr(at + 1, name.size() + 2);
+    if (begins(tag))
+      ++count;
+    else if (!tag.starts_with('/') || !begins(tag.substr(1)))
+      break;
+  }
+  return count;
 }
 
 /// Whether it is "xmlns" or has that prefix.

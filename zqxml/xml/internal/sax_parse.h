@@ -43,7 +43,7 @@ class SaxParse {
   SaxParse& operator=(const SaxParse&) = delete;
 
   /// Reads the whole text.
-  void parse(const xercesc::InputSource& source);
+  void parse(const TextSource& source);
 
   /// How far parseRootTag came.
   enum class RootTag { noStart, noTag, read };

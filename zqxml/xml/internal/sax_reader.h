@@ -4,8 +4,11 @@
 #include <zqxml/xml/internal/message_reader.h>
 
 #include <cstddef>
+#include <string_view>
 #include <vector>
 #include <xercesc/parsers/SAX2XMLReaderImpl.hpp>
+#include <xercesc/sax/Locator.hpp>
+#include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/util/SecurityManager.hpp>
 
 namespace zqxml {
@@ -27,6 +30,9 @@ class SaxReader final : public xercesc::SAX2XMLReaderImpl {
   /// Events and errors go to `handler` from now on, which outlives the parse or is taken away after it.
   void attach(MySAX2Handler& handler);
   void detach();
+  /// The bytes of the text to come, where the lengths of lists are looked up; empty for none. They outlive
+  /// the parse.
+  void lookAheadIn(std::string_view text) { text_ = text; }
 
   /// Whether the parse since attach() has left the reader as a new one would be: it met no error, document
   /// type, XML 1.1 or name of a schema. Xerces-C resets most of that, but not all.
@@ -49,7 +55,17 @@ class SaxReader final : public xercesc::SAX2XMLReaderImpl {
   /// As many attributes as one element of a message has; the list of more is not kept.
   static constexpr std::size_t kUsualAttributes = 1000;
 
+  /// Elements of one name behind one another, from which on a list is taken for a long one.
+  static constexpr std::size_t kRun = 16;
+
+  /// Knows where the scanner is.
+  struct Place final : xercesc::DefaultHandler {
+    const xercesc::Locator* locator = nullptr;
+    void setDocumentLocator(const xercesc::Locator* given) override { locator = given; }
+  };
+
   const NameView<char16_t>& nameOf(const xercesc::XMLElementDecl& declaration);
+  std::size_t alikeBehind(const xercesc::XMLElementDecl& declaration);
   bool isDeclaration(const xercesc::XMLAttr& attribute) const;
 
   const bool namespaces_;
@@ -60,6 +76,14 @@ class SaxReader final : public xercesc::SAX2XMLReaderImpl {
   const xercesc::XMLElementDecl* declaration_ = nullptr;
   NameView<char16_t> name_;
   std::size_t depth_ = 0;
+  /// Elements of the latest one's name, on its level and without any other between them, itself included.
+  std::size_t run_ = 0;
+  std::size_t runDepth_ = 0;
+  Place place_;
+  std::string_view text_;
+  /// A line of the text that the scanner has reached, and where it begins.
+  XMLFileLoc line_ = 1;
+  std::size_t lineStart_ = 0;
   bool likeNew_ = true;
 };
 
