@@ -35,6 +35,20 @@ TEST(NumberText, SignedNumberEndsAtTheFirstOtherCharacter) {
   EXPECT_EQ(parseInt64("5\0 6"s), 5);
 }
 
+TEST(NumberText, EachCharacterAtEachPlaceEndsASignedNumber) {
+  const std::string digits = "987654321012345678";
+  for (std::size_t size = 1; size <= digits.size(); ++size) {
+    const std::string number = digits.substr(0, size);
+    EXPECT_EQ(parseInt64(number), std::stoll(number));
+    for (std::size_t place = 0; place < size; ++place)
+      for (int c = 1; c < 256; ++c) {
+        std::string text = number;
+        text[place] = static_cast<char>(c);
+        EXPECT_EQ(parseInt64(text), std::strtoll(text.c_str(), nullptr, 10)) << text;
+      }
+  }
+}
+
 TEST(NumberText, SignedNumberSkipsLeadingWhiteSpaceAndTakesASign) {
   EXPECT_EQ(parseInt64(" \t\n\v\f\r+15"), 15);
   EXPECT_EQ(parseInt64(u" \t\n\v\f\r-15"), -15);

@@ -128,7 +128,14 @@ constexpr bool startsHexadecimal(std::string_view text) {
 }  // namespace
 
 std::int64_t parseInt64(std::string_view text) {
-  return parseSigned<std::int64_t>(text);
+  // Most numbers are a few digits and nothing else.
+  if (text.size() > std::numeric_limits<std::int64_t>::digits10) return parseSigned<std::int64_t>(text);
+  std::uint64_t value = 0;
+  for (const char unit : text) {
+    if (!isDigit(unit)) return parseSigned<std::int64_t>(text);
+    value = value * 10 + digitOf(unit);
+  }
+  return static_cast<std::int64_t>(value);
 }
 std::int64_t parseInt64(std::u16string_view text) {
   return parseSigned<std::int64_t>(text);

@@ -1,5 +1,6 @@
 #include <zqxml/xml/internal/name_filter.h>
 #include <zqxml/xml/internal/xml_characters.h>
+#include <zqxml/xml/internal/xml_names.h>
 #include <zqxml/xml/internal/xml_scanner.h>
 
 #include <limits>
@@ -61,6 +62,12 @@ bool XmlScanner<Char>::scanDeclaration() {
   constexpr bool kWide = sizeof(Char) != 1;
   constexpr std::ptrdiff_t kLongest = 1000;
   const Char* const first = at_;
+  if constexpr (!kWide) {
+    if (View(at_, static_cast<std::size_t>(end_ - at_)).starts_with(kUtf8Declaration)) {
+      at_ += sizeof kUtf8Declaration - 1;
+      return true;
+    }
+  }
   if (!skipWord("<?xml ")) return false;
   skipSpace();
   if (!skipWord("version") || !skipEquals() || !skipQuoted("1.0")) return false;
@@ -97,7 +104,8 @@ bool XmlScanner<Char>::scanStartTag() {
   const std::size_t like = open_.empty() ? 0 : open_.back().run;
   const Name name = scanName(at_, like);
   if (name.length == 0) return false;
-  parts_.push_back(Part{.start = offset(at_), .hash = name.hash, .nameLength = name.length});
+  parts_.push_back(
+      {.start = offset(at_), .marks = Part::marksOf(name.hash, Kind::start), .nameLength = name.length});
   countAlike(number);
   at_ += name.length;
   if (!scanAttributes(number, like)) return false;
@@ -116,7 +124,7 @@ template <class Char>
 void XmlScanner<Char>::countAlike(std::size_t tag) {
   if (open_.empty()) return;
   std::uint32_t& run = open_.back().run;
-  if (run != 0 && parts_[run].hash == parts_[tag].hash)
+  if (run != 0 && parts_[run].hash() == parts_[tag].hash())
     ++parts_[run].length;
   else
     run = static_cast<std::uint32_t>(tag);
@@ -126,12 +134,10 @@ void XmlScanner<Char>::countAlike(std::size_t tag) {
 template <class Char>
 bool XmlScanner<Char>::scanAttributes(std::size_t tag, std::size_t like) {
   NameFilter names;
-  bool coded = false;
   for (const Char* at = at_;;) {
     const Char* const before = std::exchange(at, behindSpace(at));
     if (*at == '>' || *at == '/') {
       at_ = at;
-      parts_[tag].coded = coded;
       return true;
     }
     if (at == before || parts_.size() - tag > kMostAttributes) return false;
@@ -139,14 +145,11 @@ bool XmlScanner<Char>::scanAttributes(std::size_t tag, std::size_t like) {
     if (name.length == 0 || (names.mayHave(name.hash) && !isNew({at, name.length}, tag))) return false;
     const Value value = scanValue(at + name.length);
     if (value.end == nullptr) return false;
-    coded |= value.coded;
-    parts_.push_back(Part{.start = offset(at),
-                          .length = static_cast<std::uint32_t>(value.end - value.start),
-                          .hash = name.hash,
-                          .kind = Kind::attribute,
-                          .coded = value.coded,
-                          .gap = static_cast<std::uint32_t>(value.start - at - name.length) & kWidestGap,
-                          .nameLength = name.length});
+    const auto gap = static_cast<std::uint32_t>(value.start - at - name.length);
+    parts_.push_back({.start = offset(at),
+                      .length = static_cast<std::uint32_t>(value.end - value.start),
+                      .marks = Part::marksOf(name.hash, Kind::attribute, value.coded, gap),
+                      .nameLength = name.length});
     at = value.end + 1;
   }
 }
@@ -164,7 +167,7 @@ bool XmlScanner<Char>::isNew(View name, std::size_t tag) const {
 template <class Char>
 inline typename XmlScanner<Char>::Name XmlScanner<Char>::scanName(const Char* at, std::size_t like) const {
   if (like >= parts_.size() || !isNameOf(parts_[like], at)) return scanNewName(at);
-  return {parts_[like].hash, parts_[like].nameLength};
+  return {parts_[like].hash(), parts_[like].nameLength};
 }
 
 /// Whether the part has a name, and that name stands here.
@@ -191,14 +194,15 @@ typename XmlScanner<Char>::Name XmlScanner<Char>::scanNewName(const Char* at) {
 /// The value of an attribute, from behind its name; one without an end when it is not plain.
 template <class Char>
 inline typename XmlScanner<Char>::Value XmlScanner<Char>::scanValue(const Char* at) const {
-  if (at[0] == '=' && (at[1] == '"' || at[1] == '\'')) {
-    const Char* const end = behindBlocks(at + 2, end_, at[1]);
-    if (*end == at[1]) return {at + 2, end};
+  if (at[0] == '=' && at[1] == '"') {
+    const Char* const end = behindBlocks(at + 2, end_, Char{'"'});
+    if (*end == '"') return {at + 2, end};
   }
   return scanUnusualValue(at);
 }
 
-/// The same for one that is spaced, near the end of the text, or has references or characters beyond ASCII.
+/// The same for one that is spaced or quoted in another way, near the end of the text, or has references or
+/// characters beyond ASCII.
 template <class Char>
 typename XmlScanner<Char>::Value XmlScanner<Char>::scanUnusualValue(const Char* at) const {
   const Char* const name = at;
@@ -267,7 +271,7 @@ bool XmlScanner<Char>::scanEndTag() {
 
 template <class Char>
 bool XmlScanner<Char>::scanText() {
-  Part text{.start = offset(at_), .kind = Kind::text};
+  bool coded = false;
   const Char* at = at_;
   for (;;) {
     at = behindBlocks(at, end_, Char{'>'});
@@ -277,10 +281,10 @@ bool XmlScanner<Char>::scanText() {
       const Reference reference = referenceAt(at);
       if (reference.size == 0) return false;
       at += reference.size;
-      text.coded = true;
+      coded = true;
     } else if (*at == '\r') {
       ++at;
-      text.coded = true;
+      coded = true;
     } else if (*at == '>') {
       if (at[-1] == ']') return false;
       ++at;
@@ -288,10 +292,16 @@ bool XmlScanner<Char>::scanText() {
       return false;
     }
   }
+  addText(Kind::text, at_, at, coded);
   at_ = at;
-  text.length = offset(at) - text.start;
-  parts_.push_back(text);
   return true;
+}
+
+template <class Char>
+void XmlScanner<Char>::addText(Kind kind, const Char* first, const Char* end, bool coded) {
+  parts_.push_back({.start = offset(first),
+                    .length = static_cast<std::uint32_t>(end - first),
+                    .marks = Part::marksOf(0, kind, coded)});
 }
 
 template <class Char>
@@ -309,19 +319,19 @@ bool XmlScanner<Char>::scanComment() {
 template <class Char>
 bool XmlScanner<Char>::scanSection() {
   if (!skipWord("<![CDATA[")) return false;
-  Part section{.start = offset(at_), .kind = Kind::section};
+  const Char* const first = at_;
+  bool coded = false;
   for (;;) {
     if (at_[0] == ']' && at_[1] == ']' && at_[2] == '>') break;
     if (at_[0] == '<' && at_[1] == '!') return false;
-    if (*at_ == '\r') section.coded = true;
+    if (*at_ == '\r') coded = true;
     if (is(*at_, kLegal))
       ++at_;
     else if (at_ = skipCharacter(at_); at_ == nullptr)
       return false;
   }
-  section.length = offset(at_) - section.start;
+  addText(Kind::section, first, at_, coded);
   at_ += 3;
-  parts_.push_back(section);
   return true;
 }
 
@@ -367,7 +377,7 @@ typename XmlScanner<Char>::View XmlScanner<Char>::decoded(const Part& part) {
   const View content = contentOf(part);
   const Char* const end = content.data() + content.size();
   for (const Char* at = content.data(); at != end;) {
-    if (*at == '&' && part.kind != Kind::section) {
+    if (*at == '&' && part.kind() != Kind::section) {
       const Reference reference = referenceAt(at);
       append(decoded_, reference.character);
       at += reference.size;
@@ -375,7 +385,7 @@ typename XmlScanner<Char>::View XmlScanner<Char>::decoded(const Part& part) {
       // The end of a line, however written, is one character.
       const bool two = at[0] == '\r' && at + 1 != end && at[1] == '\n';
       const Char unit = *at == '\r' ? Char{'\n'} : *at;
-      decoded_ += part.kind == Kind::attribute ? Char{' '} : unit;
+      decoded_ += part.kind() == Kind::attribute ? Char{' '} : unit;
       at += two ? 2 : 1;
     } else {
       decoded_ += *at++;

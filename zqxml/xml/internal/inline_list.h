@@ -34,6 +34,11 @@ class InlineList {
     else
       new (elements_ + size_++) T(element);
   }
+  /// Adds as many elements, which the caller fills: their place.
+  T* extend(std::size_t count) {
+    reserve(size_ + count);
+    return elements_ + std::exchange(size_, size_ + count);
+  }
   void pop_back() { --size_; }
   void clear() { size_ = 0; }
 

@@ -1,8 +1,6 @@
 #include <zqxml/annotation/annotation_record.h>
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/logging/xml_log_context.h>
-#include <zqxml/message/internal/message_access.h>
-#include <zqxml/platform/number_text.h>
 #include <zqxml/platform/platform_info.h>
 #include <zqxml/platform/text.h>
 #include <zqxml/xml/base64_decode.h>
@@ -152,8 +150,8 @@ struct FieldTextReader<Char>::ListAppend {
 };
 
 template <class Char>
-void FieldTextReader<Char>::storeAttribute(XNMessageBase& object, const FieldDef& field, View text,
-                                           const char* where) {
+void FieldTextReader<Char>::storeScalar(XNMessageBase& object, const FieldDef& field, View text,
+                                        const char* where) {
   visitStorage(field.getType(), ScalarStore{*this, object, field, text, text, where});
 }
 
@@ -181,13 +179,13 @@ void FieldTextReader<Char>::appendVal(XNMessageBase& object, const FieldDef& fie
 
 template <class Char>
 void FieldTextReader<Char>::readString(View text, std::string& out) {
+  out.clear();
   if constexpr (std::is_same_v<Char, char>) {
     if (!XmlInvalidCharHandler::isEscaped(text)) {
-      out = text;
+      out.append(text);
       return;
     }
   }
-  out.clear();
   appendUtf8(out, restored(text));
 }
 

@@ -2,13 +2,16 @@
 #pragma once
 
 #include <zqxml/catalogue/records.h>
+#include <zqxml/message/internal/message_access.h>
 #include <zqxml/message/xn_message_base.h>
+#include <zqxml/platform/number_text.h>
 #include <zqxml/xml/encoding_flags.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace zqxml {
 
@@ -27,7 +30,13 @@ class FieldTextReader {
   ZqXMLContextInfo* context = nullptr;
 
   /// The value of an attribute that is named after the field. Lists, maps and objects take none.
-  void storeAttribute(XNMessageBase& object, const FieldDef& field, View text, const char* where);
+  void storeAttribute(XNMessageBase& object, const FieldDef& field, View text, const char* where) {
+    // What most attributes are, in front of all that is asked of the others.
+    if (kPlainIntegers.contains(field.getType()) && !field.hasAnnotation())
+      MessageAccess::setInteger(object, field, parseInt64(text));
+    else
+      storeScalar(object, field, text, where);
+  }
   /// The text inside an element that is named after the field: the same, but numbers may have white space
   /// around them, and a list gets one more element.
   void storeText(XNMessageBase& object, const FieldDef& field, View text, const char* where);
@@ -42,6 +51,14 @@ class FieldTextReader {
   struct ScalarStore;
   struct ListAppend;
 
+  /// Integers that are read by one rule, as long as no annotation says otherwise.
+  static constexpr FieldTypeSet kPlainIntegers = FieldTypeSet::ofStorage(Overloaded{
+      []<class E>(Scalar<E>) {
+        return element::Integer<E> && !std::is_same_v<E, element::Bool> && !std::is_same_v<E, element::Enum>;
+      },
+      [](auto) { return false; }});
+
+  void storeScalar(XNMessageBase& object, const FieldDef& field, View text, const char* where);
   void storeNumber(XNMessageBase& object, const FieldDef& field, View text, const char* where);
   void storePassword(XNMessageBase& object, const FieldDef& field, View text, const char* where);
   /// As UTF-16 with what XML cannot hold restored: the text itself, or a place in scratch_.

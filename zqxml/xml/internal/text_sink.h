@@ -9,6 +9,7 @@
 #include <zqxml/xml/encoding_flags.h>
 #include <zqxml/xml/internal/class_plan.h>
 #include <zqxml/xml/internal/text_writer.h>
+#include <zqxml/xml/internal/xml_names.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -109,7 +110,7 @@ class TextSink {
 
   void declare() {
     if constexpr (sizeof(Char) == 1)
-      writer_.putLiteral(R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)");
+      writer_.putLiteral(kUtf8Declaration);
     else
       writer_.putLiteral(R"(<?xml version="1.0" encoding="UTF-16" standalone="no" ?>)");
   }

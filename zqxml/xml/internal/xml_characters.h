@@ -30,8 +30,9 @@ enum CharacterClass : std::uint8_t {
   kLegal = 32,
 };
 
-inline constexpr std::array<std::uint8_t, 128> kClasses = [] {
-  std::array<std::uint8_t, 128> classes{};
+/// By the unit; nothing beyond ASCII is any of it.
+inline constexpr std::array<std::uint8_t, 256> kClasses = [] {
+  std::array<std::uint8_t, 256> classes{};
   const auto add = [&](int from, int to, int what) {
     for (int c = from; c <= to; ++c)
       classes[static_cast<std::size_t>(c)] =
@@ -60,12 +61,14 @@ unsigned unitOf(Char c) {
 template <class Char>
 bool is(Char c, CharacterClass what) {
   const unsigned unit = unitOf(c);
-  return unit < 0x80 && (kClasses[unit] & what) != 0;
+  return unit < kClasses.size() && (kClasses[unit] & what) != 0;
 }
 
 /// Behind the white space that begins here, if any does.
 template <class Char>
 const Char* behindSpace(const Char* at) {
+  // A single blank, as a rule.
+  if (*at == ' ') ++at;
   while (is(*at, kSpace)) ++at;
   return at;
 }

@@ -12,4 +12,7 @@ inline constexpr const char16_t (&kValName)[4] = kValText<char16_t>;
 inline constexpr char16_t kMapKeyName[] = u"__mapKey__";
 inline constexpr char16_t kMapValueName[] = u"__mapValue__";
 
+/// What our texts in UTF-8 begin with.
+inline constexpr char kUtf8Declaration[] = R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)";
+
 }  // namespace zqxml

@@ -46,16 +46,23 @@ class XmlScanner {
     /// Of a text, or of an attribute's value. Of a start tag: how many elements of its name follow it
     /// directly.
     std::uint32_t length = 0;
-    std::uint32_t hash : 24 = 0;  ///< of a name
-    Kind kind : 3 = Kind::start;
-    /// It holds references, or white space that stands for other white space; of a start tag: an attribute
-    /// does.
-    bool coded : 1 = false;
-    /// From the end of an attribute's name to its value.
-    std::uint32_t gap : 4 = 0;
+    /// Bits 0-23 the hash of a name, 24 and 25 the kind, 27 coded, 28-31 the gap.
+    std::uint32_t marks = 0;
     std::uint16_t nameLength = 0;
     /// How many elements end behind this part.
     std::uint16_t ends = 0;
+
+    static std::uint32_t marksOf(std::uint32_t hash, Kind kind, bool coded = false, std::uint32_t gap = 0) {
+      return hash | static_cast<std::uint32_t>(kind) << 24 | static_cast<std::uint32_t>(coded) << 27 |
+             gap << 28;
+    }
+
+    std::uint32_t hash() const { return marks & 0xffffff; }
+    Kind kind() const { return static_cast<Kind>(marks >> 24 & 3); }
+    /// It holds references, or white space that stands for other white space.
+    bool coded() const { return (marks >> 27 & 1) != 0; }
+    /// From the end of an attribute's name to its value.
+    std::uint32_t gap() const { return marks >> 28; }
   };
   static_assert(sizeof(Part) == 16);
   /// An element that is not closed yet: its start tag, and the first of the latest elements in it that have
@@ -65,7 +72,7 @@ class XmlScanner {
     std::uint32_t run;
   };
   struct Name {
-    std::uint32_t hash : 24 = 0;
+    std::uint32_t hash = 0;
     std::uint16_t length = 0;
   };
   /// The value of an attribute, without its quotes.
@@ -96,6 +103,7 @@ class XmlScanner {
   Value scanValue(const Char* at) const;
   Value scanUnusualValue(const Char* at) const;
   const Char* skipCharacter(const Char* at) const;
+  void addText(Kind kind, const Char* first, const Char* end, bool coded);
   void countAlike(std::size_t tag);
   bool isNew(View name, std::size_t tag) const;
   bool skipSpace();
@@ -104,11 +112,11 @@ class XmlScanner {
   bool skipQuoted(std::string_view ascii);
 
   NameView<Char> nameOf(const Part& part) const {
-    return {View(text_ + part.start, part.nameLength), part.hash};
+    return {View(text_ + part.start, part.nameLength), part.hash()};
   }
   /// A text, or the value of an attribute, as it stands.
   View contentOf(const Part& part) const {
-    return {text_ + part.start + part.nameLength + part.gap, part.length};
+    return {text_ + part.start + part.nameLength + part.gap(), part.length};
   }
   std::uint32_t offset(const Char* at) const { return static_cast<std::uint32_t>(at - text_); }
   /// What the part stands for, which is no longer than itself; at the end of decoded_.
@@ -119,7 +127,7 @@ class XmlScanner {
   const Char* text_ = nullptr;
   const Char* at_ = nullptr;
   const Char* end_ = nullptr;
-  InlineList<Part, 128> parts_;
+  InlineList<Part, 512> parts_;
   InlineList<OpenElement, 32> open_;
   std::basic_string<Char> decoded_;
   InlineList<Attribute, 32> attributes_;
@@ -131,13 +139,13 @@ void XmlScanner<Char>::drive(Reader& reader) {
   for (std::size_t i = 0; i < parts_.size();) {
     const Part& part = parts_[i++];
     decoded_.clear();
-    if (part.kind == Kind::start) {
+    if (part.kind() == Kind::start) {
       open_.push_back({static_cast<std::uint32_t>(i - 1), 0});
       i = gatherAttributes(i - 1);
       reader.start(nameOf(part), attributes_.view(), part.length);
     } else if (reader.takesCharacters()) {
-      if (part.coded) decoded_.reserve(part.length);
-      reader.characters(part.coded ? decoded(part) : contentOf(part));
+      if (part.coded()) decoded_.reserve(part.length);
+      reader.characters(part.coded() ? decoded(part) : contentOf(part));
     }
     for (unsigned ends = parts_[i - 1].ends; ends > 0; --ends) {
       reader.end(nameOf(parts_[open_.back().tag]));
@@ -148,18 +156,16 @@ void XmlScanner<Char>::drive(Reader& reader) {
 
 template <class Char>
 std::size_t XmlScanner<Char>::gatherAttributes(std::size_t tag) {
+  const std::size_t first = tag + 1;
+  std::size_t end = first;
+  std::size_t coded = 0;
+  for (; end < parts_.size() && parts_[end].kind() == Kind::attribute; ++end)
+    if (parts_[end].coded()) coded += parts_[end].length;
+  if (coded != 0) decoded_.reserve(coded);  // what the views show does not move
   attributes_.clear();
-  std::size_t end = tag + 1;
-  while (end < parts_.size() && parts_[end].kind == Kind::attribute) ++end;
-  if (parts_[tag].coded) {
-    std::size_t coded = 0;
-    for (std::size_t i = tag + 1; i < end; ++i) coded += parts_[i].coded ? parts_[i].length : 0;
-    decoded_.reserve(coded);  // what the views show does not move
-  }
-  for (std::size_t i = tag + 1; i < end; ++i) {
-    const Part& part = parts_[i];
-    attributes_.push_back({nameOf(part), part.coded ? decoded(part) : contentOf(part)});
-  }
+  Attribute* view = attributes_.extend(end - first);
+  for (const Part& part : parts_.view().subspan(first, end - first))
+    *view++ = {nameOf(part), part.coded() ? decoded(part) : contentOf(part)};
   return end;
 }
 
