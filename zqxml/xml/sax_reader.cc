@@ -96,7 +96,7 @@ void SaxReader::startElement(const xercesc::XMLElementDecl& declaration, unsigne
 
 void SaxReader::endElement(const xercesc::XMLElementDecl& declaration, unsigned, bool, const XMLCh*) {
   target_->end(nameOf(declaration));
-  if (depth_ != 0) --depth_;
+  --depth_;
 }
 
 void SaxReader::docCharacters(const XMLCh* text, XMLSize_t length, bool) {
