@@ -156,6 +156,25 @@ TEST_F(SaxParses, EveryTextIsReadAsThroughSax2) {
     EXPECT_EQ(zqxml::readInto(Node(), text, true, false, 25), readBySax2(Node(), text, 25)) << text;
 }
 
+TEST_F(SaxParses, TagsAreFoundAlikeWithoutTheParser) {
+  std::vector<std::string> all = allTexts();
+  for (const char* more :
+       {"<XmlRead_Node></XmlRead_Node>", "<XmlRead_Node id='1'/><!-- </ -->",
+        "<XmlRead_Node><id>1</id></XmlRead_Node>", "<XmlRead_Node level='none' unknown='u' id='1'/>",
+        "<XmlRead_Node id='1'/>\n", "<NoSuch_Class>x</NoSuch_Class>"})
+    all.emplace_back(more);
+  all.push_back("<XmlRead_Node name='" + std::string(5000, 'x') + "'/>");
+  for (const std::string& text : all) {
+    LogCapture log(25);
+    const std::string byParser = readTag(text);
+    const std::vector<CapturedLine> lines = log.lines();
+    log.clear();
+    const FastXmlRoads open(true);
+    EXPECT_EQ(readTag(text), byParser) << text;
+    EXPECT_EQ(log.lines(), lines) << text;
+  }
+}
+
 TEST_F(SaxParses, ParserIsKeptUnlessTheTextLeavesSomethingBehind) {
   const LogCapture quiet;
   for (const std::string& text : allTexts()) {

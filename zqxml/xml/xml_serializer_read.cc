@@ -103,6 +103,52 @@ std::optional<eXNMsgRet> readPlain(XNMessageBase*& root, std::basic_string_view<
   return result;
 }
 
+/// Passes on to a reader what the parser gives of a first tag: its start, and its end when that is part of
+/// it.
+struct FirstTag {
+  BasicMessageReader<char>& reader;
+  bool isEmptyElement;
+  bool started = false;
+
+  void start(NameView<char> name, BasicMessageReader<char>::Attributes attributes, std::size_t) {
+    if (!std::exchange(started, true)) reader.start(name, attributes);
+  }
+  void end(NameView<char> name) {
+    if (isEmptyElement) reader.end(name);
+  }
+  void characters(std::string_view) {}
+  bool takesCharacters() const { return false; }
+};
+
+void tellTag(const XNMessageBase& root, std::string& tag, unsigned& tagId) {
+  tag = root.getTagName();
+  tagId = root.getTagID();
+}
+
+/// Looks up the tag of a small plain text, as the parser would. Nothing when the text is for the parser,
+/// which looks at less of a long one than a scanner.
+std::optional<bool> lookUpPlainTag(std::string_view xml, std::string& tag, unsigned& tagId) {
+  constexpr std::size_t kMostScanned = 4096;
+  XmlScanner<char> scanner;
+  // In a comment, "</" is no end of an element.
+  if (xml.size() > kMostScanned || xml.find("<!") != xml.npos || !scans(scanner, xml)) return std::nullopt;
+  BasicMessageReader<char> reader(nullptr, static_cast<std::size_t>(NestingLimit::get()));
+  FirstTag firstTag{reader, xml.find("</") == xml.npos};
+  try {
+    scanner.drive(firstTag);
+    tellTag(*reader.root(), tag, tagId);
+  } catch (...) {
+    logError(kTagStart, "Unknown Exception!");
+  }
+  reader.finish();
+  const std::unique_ptr<XNMessageBase> made(reader.root());
+  return !tag.empty();
+}
+/// Wide text is read as the parser guesses its encoding.
+std::optional<bool> lookUpPlainTag(std::u16string_view, std::string&, unsigned&) {
+  return std::nullopt;
+}
+
 /// Ends the object that a handler has made, whatever became of the parse.
 struct MainObjectOwner {
   MySAX2Handler& handler;
@@ -216,10 +262,15 @@ bool XMLSerializer::lookUpTag(View xml, std::string& tag, unsigned& tagId) {
     logError(kTag, "Error initializing xerces library");
     return false;
   }
-  TextSource source(xml);
-  const bool found = _GetTagAndTagIDFromXML(&source, tag, tagId);
-  if (!found) logError(kTag, "Error retrieving tag for given xml.");
-  return found;
+  tag.clear();
+  tagId = 0;
+  std::optional<bool> found = lookUpPlainTag(xml, tag, tagId);
+  if (!found.has_value()) {
+    TextSource source(xml);
+    found = _GetTagAndTagIDFromXML(&source, tag, tagId);
+  }
+  if (!*found) logError(kTag, "Error retrieving tag for given xml.");
+  return *found;
 }
 
 bool XMLSerializer::_GetTagAndTagIDFromXML(xercesc::MemBufInputSource* source, std::string& tag,
@@ -241,8 +292,7 @@ bool XMLSerializer::_GetTagAndTagIDFromXML(xercesc::MemBufInputSource* source, s
       logError(kTagStart, "Unable to retrieve tag for given xml");
       return false;
     }
-    tag = root->getTagName();
-    tagId = root->getTagID();
+    tellTag(*root, tag, tagId);
     return true;
   } catch (const xercesc::XMLException& error) {
     logError(kTagStart, "XMLException : [%s]", viewOf(error.getMessage()));
