@@ -36,7 +36,7 @@ bool isPlainName(std::string_view name) {
 }
 
 std::string_view textOf(PlannedName name) {
-  return {name.text, name.length};
+  return {name.text(), name.length};
 }
 
 /// Whether the field is found by its name, and in the class that the tag id leads to: what the look-up of an
@@ -70,20 +70,20 @@ ClassPlan::ClassPlan(const XNMessageBase& message, const _ClassDef& classDef) {
       fields.push_back(&field);
 
   const std::string root = rootElementName(message);
-  std::size_t bytes = root.size() + PlannedName::kBlock;
-  for (const FieldDef* field : fields) bytes += std::string_view(field->getName()).size();
-  names_.reserve(bytes);
-  std::vector<std::size_t> starts;
-  const auto keep = [&](std::string_view name) {
-    starts.push_back(names_.size());
-    names_ += name;
+  const auto keep = [this](std::string_view name) {
+    names_.append(1, ' ').append(name).append("=\"");
     return PlannedName{nullptr, static_cast<std::uint32_t>(name.size())};
   };
   rootName = keep(root);
   for (const FieldDef* field : fields) declared.push_back({field, keep(field->getName())});
-  names_.resize(bytes);
-  rootName.text = names_.data();
-  for (std::size_t i = 0; i < declared.size(); ++i) declared[i].name.text = names_.data() + starts[i + 1];
+  names_.append(PlannedName::kBlock, ' ');
+  const char* next = names_.data();
+  const auto place = [&next](PlannedName& name) {
+    name.attribute = next;
+    next += name.attributeLength();
+  };
+  place(rootName);
+  for (PlannedField& item : declared) place(item.name);
 
   attributesFirst = declared;
   const auto elements =
@@ -100,6 +100,14 @@ ClassPlan::ClassPlan(const XNMessageBase& message, const _ClassDef& classDef) {
                    if (!record.isSensitive() || !FieldDef::isPrimitiveType(field->getType())) return true;
                    return !isCdata(*field) && isFoundByName(message, classDef, *field);
                  });
+}
+
+void ClassPlan::noteLength(std::size_t length) const {
+  // What writers ask room for goes beyond what they write.
+  constexpr std::size_t kRoom = 1024;
+  const std::size_t expected = expectedLength();
+  if (length + kRoom > expected || length < expected / 2)
+    expectedLength_.store(length + length / 8 + kRoom, std::memory_order_relaxed);
 }
 
 const ClassPlan* ClassPlan::of(const XNMessageBase& message) {

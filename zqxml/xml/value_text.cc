@@ -3,6 +3,7 @@
 #include <zqxml/message/pstring.h>
 #include <zqxml/platform/base64.h>
 #include <zqxml/platform/text.h>
+#include <zqxml/xml/internal/decimal_text.h>
 #include <zqxml/xml/value_text.h>
 
 #include <charconv>
@@ -74,21 +75,23 @@ std::string getStringFromFld(int type, const void* value) {
 
 namespace internal {
 namespace {
-template <class... Form>
-std::size_t print(NumberBuffer& buffer, Form... form) {
-  const std::to_chars_result printed = std::to_chars(buffer.data(), buffer.data() + buffer.size(), form...);
-  return static_cast<std::size_t>(printed.ptr - buffer.data());
+std::size_t lengthTo(const char* end, const NumberBuffer& buffer) {
+  return static_cast<std::size_t>(end - buffer.data());
 }
 }  // namespace
 
+static_assert(sizeof(NumberBuffer) >= kNumberRoom);
+
 std::size_t printSigned(NumberBuffer& buffer, std::int64_t value) {
-  return print(buffer, value);
+  return lengthTo(printDecimal(buffer.data(), value), buffer);
 }
 std::size_t printUnsigned(NumberBuffer& buffer, std::uint64_t value) {
-  return print(buffer, value);
+  return lengthTo(printDecimal(buffer.data(), value), buffer);
 }
 std::size_t printFloating(NumberBuffer& buffer, double value) {
-  return print(buffer, value, std::chars_format::general, 6);
+  if (const char* const end = printUsualFloating(buffer.data(), value)) return lengthTo(end, buffer);
+  constexpr auto kForm = std::chars_format::general;
+  return lengthTo(std::to_chars(buffer.begin(), buffer.end(), value, kForm, 6).ptr, buffer);
 }
 }  // namespace internal
 

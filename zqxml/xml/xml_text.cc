@@ -15,12 +15,14 @@ bool write(XNMessageBase& message, const XmlWalkCall& call, bool rootOnly,
     const ClassPlan* plan = ClassPlan::of(message);
     if (plan == nullptr) return false;
     TextSink<Char> sink(call.flags);
+    sink.text().expect(plan->expectedLength());
     if (!rootOnly) sink.declare();
     const auto root = sink.element({}, plan->rootName);
     XmlWalk<TextSink<Char>>(sink, call).writeFields(message, root);
     if (sink.gaveUp()) return false;
     sink.end(root);
     if (!rootOnly) sink.endDocument();
+    if (!sink.text().isShort()) plan->noteLength(sink.text().size());
     sink.text().moveTo(out);
     return true;
   } catch (...) {

@@ -3,6 +3,8 @@
 
 #include <zqxml/catalogue/records.h>
 
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -16,8 +18,12 @@ class XNMessageBase;
 struct PlannedName {
   static constexpr std::size_t kBlock = 16;
 
-  const char* text = nullptr;
+  /// What stands before the value of an attribute of that name: ` name="`.
+  const char* attribute = nullptr;
   std::uint32_t length = 0;
+
+  const char* text() const { return attribute + 1; }
+  std::size_t attributeLength() const { return length + std::size_t{3}; }
 };
 
 struct PlannedField {
@@ -38,6 +44,12 @@ struct ClassPlan {
   /// Whether that holds for masked fields too.
   bool masksCertain = false;
 
+  /// The length that the text of an object may turn out to have, in units: a little more than that of a
+  /// recent one, 0 before there was any.
+  std::size_t expectedLength() const { return expectedLength_.load(std::memory_order_relaxed); }
+  /// Takes note of a text's length. Any thread; few of them come to write.
+  void noteLength(std::size_t length) const;
+
   /// The plan of the message's class, made at first use and kept for the process. Null when the class is not
   /// a record of the catalogue. Any thread may call it; throws std::bad_alloc.
   static const ClassPlan* of(const XNMessageBase& message);
@@ -47,6 +59,7 @@ struct ClassPlan {
   static const ClassPlan* make(const XNMessageBase& message, const _ClassDef& classDef);
 
   std::string names_;
+  mutable std::atomic<std::size_t> expectedLength_ = 0;
 };
 
 }  // namespace zqxml

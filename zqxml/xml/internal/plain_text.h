@@ -1,6 +1,7 @@
 // Which texts an XML writer may copy as they stand. Not installed.
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -17,39 +18,59 @@ Word loadWord(const char* bytes) {
   return word;
 }
 
-/// Eight bytes at once: a bit is set when any of them is below 0x20, from 0x80 up, or one of `"&<>`.
-constexpr std::uint64_t unusualBytes(std::uint64_t word) {
-  constexpr std::uint64_t kOnes = 0x0101010101010101u;
-  constexpr std::uint64_t kHighs = 0x80 * kOnes;
-  constexpr auto anyZero = [](std::uint64_t x) { return (x - kOnes) & ~x; };
-  // '"' and '&' differ in one bit, and so do '<' and '>'.
-  const std::uint64_t quotes = anyZero((word | 0x04 * kOnes) ^ '&' * kOnes);
-  const std::uint64_t brackets = anyZero((word | 0x02 * kOnes) ^ '>' * kOnes);
-  const std::uint64_t controls = (word - 0x20 * kOnes) & ~word;
-  return (word | quotes | brackets | controls) & kHighs;
+/// Sixteen bytes side by side.
+using Bytes16 __attribute__((vector_size(16))) = signed char;
+
+/// All bits of those bytes that are below 0x20, from 0x80 up, or one of `"&<>`.
+inline Bytes16 unusualBytes(Bytes16 bytes) {
+  // Signed, what is from 0x80 up is below 0x20 too. '"' and '&' differ in one bit, and so do '<' and '>'.
+  return (bytes < 0x20) | ((bytes | 0x04) == '&') | ((bytes | 0x02) == '>');
+}
+inline bool isUsual(Bytes16 unusual) {
+  const auto halves = std::bit_cast<std::array<std::uint64_t, 2>>(unusual);
+  return (halves[0] | halves[1]) == 0;
+}
+inline bool isUsual(std::uint64_t low, std::uint64_t high) {
+  return isUsual(unusualBytes(std::bit_cast<Bytes16>(std::array<std::uint64_t, 2>{low, high})));
+}
+
+/// Hands the text on in pieces, `keep(position, piece)`, which may overlap; whether it has only characters
+/// from 0x20 to 0x7f, and none that XML escapes.
+template <class Keep>
+[[gnu::always_inline]] inline bool isUsual(std::string_view text, Keep keep) {
+  const char* const bytes = text.data();
+  const std::size_t size = text.size();
+  const auto load = [bytes, keep]<class Piece>(std::size_t position, Piece piece) {
+    std::memcpy(&piece, bytes + position, sizeof piece);
+    keep(position, piece);
+    return piece;
+  };
+  constexpr std::uint64_t kBlanks = 0x2020'2020'2020'2020u;
+  if (size >= 16) {
+    Bytes16 unusual = unusualBytes(load(size - 16, Bytes16{}));
+    for (std::size_t i = 0; i + 16 < size; i += 16) unusual |= unusualBytes(load(i, Bytes16{}));
+    return isUsual(unusual);
+  }
+  if (size >= 8) return isUsual(load(0, std::uint64_t{}), load(size - 8, std::uint64_t{}));
+  if (size >= 4)
+    return isUsual(load(0, std::uint32_t{}) | std::uint64_t{load(size - 4, std::uint32_t{})} << 32, kBlanks);
+  std::uint64_t word = kBlanks;
+  for (std::size_t i = 0; i < size; ++i) word = word << 8 | load(i, static_cast<unsigned char>(0));
+  return isUsual(word, kBlanks);
 }
 }  // namespace internal
 
 /// Whether the text has only characters from 0x20 to 0x7f, and none that XML escapes.
 inline bool isUsualText(std::string_view text) {
-  using internal::loadWord;
-  using internal::unusualBytes;
-  const char* const bytes = text.data();
-  const std::size_t size = text.size();
-  if (size >= 8) {
-    std::uint64_t unusual = 0;
-    for (std::size_t i = 0; i + 8 < size; i += 8) unusual |= unusualBytes(loadWord<std::uint64_t>(bytes + i));
-    return (unusual | unusualBytes(loadWord<std::uint64_t>(bytes + size - 8))) == 0;
-  }
-  constexpr std::uint64_t kBlanks = 0x2020202020202020u;
-  if (size >= 4) {
-    const std::uint64_t low = loadWord<std::uint32_t>(bytes);
-    const std::uint64_t high = loadWord<std::uint32_t>(bytes + size - 4);
-    return unusualBytes(low | high << 32) == 0;
-  }
-  std::uint64_t word = kBlanks;
-  for (std::size_t i = 0; i < size; ++i) word = word << 8 | static_cast<unsigned char>(bytes[i]);
-  return unusualBytes(word) == 0;
+  return internal::isUsual(text, [](std::size_t, auto) {});
+}
+
+/// Copies such a text, and gives its end; null for any other, with anything in its place at `to`.
+inline char* copyUsualText(char* to, std::string_view text) {
+  const auto copy = [to](std::size_t position, auto piece) {
+    std::memcpy(to + position, &piece, sizeof piece);
+  };
+  return internal::isUsual(text, copy) ? to + text.size() : nullptr;
 }
 
 /// Bytes of the UTF-8 character at the start of a text, of those that XML can hold in one UTF-16 unit, and
@@ -70,8 +91,10 @@ inline std::size_t wideCharacter(std::string_view text) {
 inline bool isLegalText(std::string_view utf8) {
   for (std::size_t i = 0; i < utf8.size();) {
     const auto byte = static_cast<unsigned char>(utf8[i]);
-    if (byte < 0x80) {
-      if (byte < 0x20 && byte != '\t' && byte != '\n' && byte != '\r') return false;
+    if (byte >= 0x20 && byte < 0x80) {
+      ++i;
+    } else if (byte < 0x20) {
+      if (byte != '\t' && byte != '\n' && byte != '\r') return false;
       ++i;
     } else if (const std::size_t size = wideCharacter(utf8.substr(i)); size != 0) {
       i += size;
@@ -126,6 +149,9 @@ inline char* copyText(char* to, std::string_view text) {
 inline char16_t* copyText(char16_t* to, std::string_view ascii) {
   for (const char byte : ascii) *to++ = static_cast<unsigned char>(byte);
   return to;
+}
+inline char16_t* copyUsualText(char16_t* to, std::string_view text) {
+  return isUsualText(text) ? copyText(to, text) : nullptr;
 }
 
 }  // namespace zqxml

@@ -15,6 +15,7 @@
 #include <cstddef>
 #include <span>
 #include <string_view>
+#include <utility>
 
 namespace zqxml {
 
@@ -26,7 +27,7 @@ class TextSink {
   /// An element by its name: elements end in the order of their nesting, so nothing else is to be kept.
   struct Node {
     PlannedName name;
-    explicit operator bool() const { return name.text != nullptr; }
+    explicit operator bool() const { return name.attribute != nullptr; }
   };
   using Entry = Node;
 
@@ -47,30 +48,26 @@ class TextSink {
     return elements_ ? plan->declared : plan->attributesFirst;
   }
   static const FieldDef& field(const PlannedField& item) { return *item.field; }
-  static Name name(const PlannedField& item) { return item.name; }
+  static const Name& name(const PlannedField& item) { return item.name; }
 
   template <class Value>
-  void scalar(Node parent, Name name, Value value) {
-    if (elements_) {
-      const Node child = element(parent, name);
-      content(value);
-      end(child);
-    } else {
+  [[gnu::always_inline]] void scalar(const Node& parent, const Name& name, Value value) {
+    if (elements_) [[unlikely]]
+      scalarElement(parent, name, value);
+    else
       attribute(name, value);
-    }
   }
   template <class Value>
-  void cdata(Node parent, Name name, Value value) {
+  [[gnu::noinline]] void cdata(const Node& parent, const Name& name, Value value) {
     const Node child = element(parent, name);
     section(value);
     end(child);
   }
-  Node element(Node, Name name) {
-    endTag();
-    if (pretty_) breakLine();
-    writer_.putName("<", name, "");
+  Node element(const Node&, const Name& name) {
+    if (pretty_) [[unlikely]]
+      breakLine();
+    writer_.putStartTag(name, std::exchange(tagOpen_, true));
     ++level_;
-    tagOpen_ = true;
     return {name};
   }
   template <class Value>
@@ -85,24 +82,18 @@ class TextSink {
   void entryCdata(Node, Value value) {
     section(value);
   }
-  Entry mapEntry(Node parent, Name name) { return element(parent, name); }
+  Entry mapEntry(const Node& parent, const Name& name) { return element(parent, name); }
   Node mapKey(Entry entry) { return element(entry, kMapKey); }
   Node mapValue(Entry entry) { return element(entry, kMapValue); }
-  void endEntry(Entry entry) { end(entry); }
+  void endEntry(const Entry& entry) { end(entry); }
 
-  void end(Node node) {
+  [[gnu::always_inline]] void end(const Node& node) {
     --level_;
-    if (tagOpen_) {
+    if (tagOpen_)
       writer_.putLiteral("/>");
-      tagOpen_ = false;
-    } else {
-      if (pretty_ && lastWasElement_) {
-        writer_.putLiteral("\n");
-        if (level_ == 0) writer_.putLiteral("\n");
-        writer_.putRepeated(' ', 2 * level_);
-      }
-      writer_.putName("</", node.name, ">");
-    }
+    else
+      writeEndTag(node);
+    tagOpen_ = false;
     lastWasElement_ = true;
   }
 
@@ -117,19 +108,26 @@ class TextSink {
   void endDocument() {
     if (pretty_) writer_.putLiteral("\n");
   }
-  ChunkedText<Char>& text() { return writer_.text(); }
+  TextBuffer<Char>& text() { return writer_.text(); }
 
  private:
   // Behind each name is a block of bytes that may be copied with it.
-  static constexpr char kNames[] = "val\0__mapKey__\0__mapValue__\0                ";
+  static constexpr char kNames[] = " val=\" __mapKey__=\" __mapValue__=\"                ";
   static constexpr PlannedName kVal{kNames, 3};
-  static constexpr PlannedName kMapKey{kNames + 4, 10};
-  static constexpr PlannedName kMapValue{kNames + 15, 12};
+  static constexpr PlannedName kMapKey{kNames + 6, 10};
+  static constexpr PlannedName kMapValue{kNames + 19, 12};
 
+  template <class Value>
+  [[gnu::noinline]] void scalarElement(const Node& parent, const Name& name, Value value) {
+    const Node child = element(parent, name);
+    content(value);
+    end(child);
+  }
   /// The order of the fields has all attributes first; one that comes later is not what the plan says.
   template <class Value>
-  void attribute(Name name, Value value) {
-    if (!tagOpen_) return giveUp();
+  [[gnu::always_inline]] void attribute(const Name& name, Value value) {
+    if (!tagOpen_) [[unlikely]]
+      return giveUp();
     writer_.putAttribute(name, value);
   }
   template <class Value>
@@ -175,7 +173,16 @@ class TextSink {
     if (tagOpen_) writer_.putLiteral(">");
     tagOpen_ = false;
   }
-  void breakLine() {
+  [[gnu::noinline]] void writeEndTag(const Node& node) {
+    if (pretty_ && lastWasElement_) {
+      writer_.putLiteral("\n");
+      if (level_ == 0) writer_.putLiteral("\n");
+      writer_.putRepeated(' ', 2 * level_);
+    }
+    writer_.putName("</", node.name, ">");
+  }
+  [[gnu::noinline]] void breakLine() {
+    endTag();
     writer_.putLiteral("\n");
     if (level_ == 1) writer_.putLiteral("\n");
     writer_.putRepeated(' ', 2 * level_);

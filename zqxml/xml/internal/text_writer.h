@@ -2,15 +2,18 @@
 #pragma once
 
 #include <zqxml/platform/base64.h>
-#include <zqxml/xml/internal/chunked_text.h>
 #include <zqxml/xml/internal/class_plan.h>
+#include <zqxml/xml/internal/decimal_text.h>
 #include <zqxml/xml/internal/plain_text.h>
+#include <zqxml/xml/internal/text_buffer.h>
 #include <zqxml/xml/internal/wide_text.h>
 #include <zqxml/xml/internal/xml_values.h>
 #include <zqxml/xml/value_text.h>
+#include <zqxml/xml/xml_invalid_char_handler.h>
 
-#include <charconv>
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 #include <type_traits>
@@ -24,108 +27,94 @@ enum class TextPlace { attribute, content, section };
 template <class Char>
 class TextWriter {
  public:
-  ChunkedText<Char>& text() { return text_; }
+  TextBuffer<Char>& text() { return text_; }
 
   /// `before`, the name, `after`: both of plain ASCII and short.
   template <std::size_t B, std::size_t A>
-  void putName(const char (&before)[B], PlannedName name, const char (&after)[A]) {
+  void putName(const char (&before)[B], const PlannedName& name, const char (&after)[A]) {
     Char* at = text_.room(B + A + name.length + PlannedName::kBlock);
-    text_.endAt(putLiteral(copyName(putLiteral(at, before), name), after));
+    at = copyBlocks(copyLiteral(at, before), name.text(), name.length);
+    text_.endAt(copyLiteral(at, after));
+  }
+  /// `<name`, behind the `>` of a start tag that is `open`.
+  void putStartTag(const PlannedName& name, bool open) {
+    Char* at = text_.room(2 + name.length + PlannedName::kBlock);
+    if (open) *at++ = '>';
+    *at++ = '<';
+    text_.endAt(copyBlocks(at, name.text(), name.length));
   }
   template <std::size_t N>
   void putLiteral(const char (&ascii)[N]) {
-    text_.endAt(putLiteral(text_.room(N), ascii));
+    text_.endAt(copyLiteral(text_.room(N), ascii));
   }
   void putRepeated(char ascii, std::size_t count) {
-    Char* at = text_.room(count);
-    for (std::size_t i = 0; i < count; ++i) *at++ = static_cast<Char>(ascii);
-    text_.endAt(at);
+    text_.endAt(std::fill_n(text_.room(count), count, static_cast<Char>(ascii)));
   }
 
   /// `name="value"` behind a blank.
   template <class Value>
-  void putAttribute(PlannedName name, Value value) {
-    Char* at = text_.room(4 + name.length + PlannedName::kBlock + most(value));
-    at = putLiteral(copyName(putLiteral(at, " "), name), "=\"");
-    if constexpr (std::is_same_v<Value, SignedValue> || std::is_same_v<Value, UnsignedValue>) {
-      at = printNumber(at, value.number);
-    } else if constexpr (std::is_same_v<Value, TextValue<char>>) {
-      if (isUsualText(value.text)) {
-        at = copyText(at, value.text);
-      } else {
-        text_.endAt(at);
-        putUnusual(value, TextPlace::attribute);
-        at = text_.room(1);
-      }
-    } else {
-      text_.endAt(at);
-      put(value, TextPlace::attribute);
-      at = text_.room(1);
-    }
+  [[gnu::always_inline]] void putAttribute(const PlannedName& name, Value value) {
+    const std::size_t length = name.attributeLength();
+    Char* at =
+        copyBlocks(text_.room(length + PlannedName::kBlock + mostUnits(value)), name.attribute, length);
+    if (Char* const end = print(at, value)) [[likely]]
+      at = end;
+    else
+      at = putUnusualAt(at, value);
     *at = '"';
     text_.endAt(at + 1);
   }
-
-  void put(SignedValue value, TextPlace) { putNumber(value.number); }
-  void put(UnsignedValue value, TextPlace) { putNumber(value.number); }
-  void put(FloatingValue value, TextPlace) { putAscii(NumberText::ofFloating(value.number)); }
-  void put(PlainValue value, TextPlace) { putAscii(value.text); }
-  void put(BytesValue value, TextPlace) {
-    if constexpr (std::is_same_v<Char, char>) {
-      const std::size_t length = UlBase64::encodedLength(value.bytes.size());
-      char* at = text_.room(length);
-      UlBase64::EncodeTo(value.bytes, at);
-      text_.endAt(at + length);
-    } else {
-      putAscii(UlBase64::Encode(value.bytes));
-    }
-  }
-  void put(TextValue<char> value, TextPlace place) {
-    if (isUsualText(value.text)) return putAscii(value.text);
+  template <class Value>
+  void put(Value value, TextPlace place) {
+    if (Char* const end = print(text_.room(mostUnits(value)), value)) return text_.endAt(end);
     putUnusual(value, place);
   }
-  void put(TextValue<char16_t> value, TextPlace place) { putWide(value, place); }
 
  private:
   template <std::size_t N>
-  static Char* putLiteral(Char* at, const char (&ascii)[N]) {
+  static Char* copyLiteral(Char* at, const char (&ascii)[N]) {
     for (std::size_t i = 0; i + 1 < N; ++i) at[i] = static_cast<Char>(ascii[i]);
     return at + N - 1;
   }
+  /// A text behind which stands a block that may be copied with it.
+  [[gnu::always_inline]] static Char* copyBlocks(Char* at, const char* ascii, std::size_t length) {
+    copyBlock(at, ascii);
+    for (std::size_t done = PlannedName::kBlock; done < length; done += PlannedName::kBlock)
+      copyBlock(at + done, ascii + done);
+    return at + length;
+  }
+  static void copyBlock(char* at, const char* ascii) { std::memcpy(at, ascii, PlannedName::kBlock); }
+  static void copyBlock(char16_t* at, const char* ascii) { copyText(at, {ascii, PlannedName::kBlock}); }
 
-  static constexpr std::size_t kMostDigits = 24;
+  // Units that the usual form of a value takes, or may touch, at most; and that form: the end of it, or null
+  // for a value that has none, with anything in its place.
 
-  /// Units that a value takes at the end of putAttribute, where that is known.
-  static std::size_t most(TextValue<char> value) { return value.text.size(); }
-  template <class Value>
-  static std::size_t most(Value) {
-    return kMostDigits;
+  static std::size_t mostUnits(SignedValue) { return kNumberRoom; }
+  static std::size_t mostUnits(UnsignedValue) { return kNumberRoom; }
+  static std::size_t mostUnits(FloatingValue) { return kNumberRoom; }
+  static std::size_t mostUnits(PlainValue value) { return value.text.size(); }
+  static std::size_t mostUnits(BytesValue value) { return UlBase64::encodedLength(value.bytes.size()); }
+  template <class Unit>
+  static std::size_t mostUnits(TextValue<Unit> value) {
+    return value.text.size();
   }
 
-  static Char* copyName(Char* at, PlannedName name) {
-    if constexpr (std::is_same_v<Char, char>) {
-      for (std::uint32_t done = 0; done < name.length; done += PlannedName::kBlock)
-        std::memcpy(at + done, name.text + done, PlannedName::kBlock);
-      return at + name.length;
-    } else {
-      return copyText(at, {name.text, name.length});
-    }
+  static Char* print(Char* at, SignedValue value) { return printDecimal(at, value.number); }
+  static Char* print(Char* at, UnsignedValue value) { return printDecimal(at, value.number); }
+  static Char* print(Char* at, FloatingValue value) {
+    if (Char* const end = printUsualFloating(at, value.number)) return end;
+    return copyText(at, NumberText::ofFloating(value.number).view());
   }
-
-  template <class Number>
-  static Char* printNumber(Char* at, Number number) {
-    if constexpr (std::is_same_v<Char, char>) {
-      return std::to_chars(at, at + kMostDigits, number).ptr;
-    } else {
-      char digits[kMostDigits];
-      const char* const end = std::to_chars(digits, digits + kMostDigits, number).ptr;
-      return copyText(at, {digits, static_cast<std::size_t>(end - digits)});
-    }
+  static Char* print(Char* at, PlainValue value) { return copyText(at, value.text); }
+  static char* print(char* at, BytesValue value) {
+    UlBase64::EncodeTo(value.bytes, at);
+    return at + mostUnits(value);
   }
-  template <class Number>
-  void putNumber(Number number) {
-    text_.endAt(printNumber(text_.room(kMostDigits), number));
+  static char16_t* print(char16_t* at, BytesValue value) {
+    return copyText(at, UlBase64::Encode(value.bytes));
   }
+  static Char* print(Char* at, TextValue<char> value) { return copyUsualText(at, value.text); }
+  static Char* print(Char*, TextValue<char16_t>) { return nullptr; }
 
   void putUnusual(TextValue<char> value, TextPlace place) {
     if constexpr (std::is_same_v<Char, char>) {
@@ -134,8 +123,30 @@ class TextWriter {
     }
     putWide(value, place);
   }
+  void putUnusual(TextValue<char16_t> value, TextPlace place) {
+    const std::u16string_view text = value.text.substr(0, value.text.find(u'\0'));
+    if (XmlInvalidCharHandler::isPlain(text)) return putEscaped(text, place);
+    putWide(value, place);
+  }
+  template <class Value>
+  void putUnusual(Value, TextPlace) {}
+  /// The value of an attribute; the place behind it, with room for a quotation mark.
+  template <class Value>
+  [[gnu::noinline]] Char* putUnusualAt(Char* at, Value value) {
+    text_.endAt(at);
+    putUnusual(value, TextPlace::attribute);
+    return text_.room(1);
+  }
 
-  void putAscii(std::string_view text) { text_.endAt(copyText(text_.room(text.size()), text)); }
+  /// Whether there is a place where a reference stands for the character.
+  static bool mayBeEscaped(char16_t character) {
+    constexpr std::uint64_t kEscaped = [] {
+      std::uint64_t bits = 0;
+      for (const char c : {'&', '<', '>', '"', '\t', '\n', '\r'}) bits |= std::uint64_t{1} << c;
+      return bits;
+    }();
+    return character < 64 && (kEscaped >> character & 1) != 0;
+  }
 
   /// The reference in whose place a character stands, null when it stands for itself.
   static const char* reference(char32_t character, TextPlace place) {
@@ -173,10 +184,10 @@ class TextWriter {
     constexpr std::size_t kPiece = 256;
     for (; !text.empty(); text.remove_prefix(std::min(kPiece, text.size()))) {
       const View piece = text.substr(0, kPiece);
-      Char* at = text_.room(kMostPerUnit * kPiece);
+      Char* at = text_.room(kMostPerUnit * piece.size());
       for (const auto unit : piece) {
         const auto code = static_cast<char16_t>(static_cast<std::make_unsigned_t<decltype(unit + 0)>>(unit));
-        const char* const instead = code <= '>' ? reference(code, place) : nullptr;
+        const char* const instead = mayBeEscaped(code) ? reference(code, place) : nullptr;
         at = instead == nullptr ? putUnit(at, unit) : putReference(at, instead);
       }
       text_.endAt(at);
@@ -208,7 +219,7 @@ class TextWriter {
     putEscaped(std::u16string_view(wide_.text()), place);
   }
 
-  ChunkedText<Char> text_;
+  TextBuffer<Char> text_;
   WideText wide_;
 };
 

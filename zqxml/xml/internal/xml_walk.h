@@ -36,6 +36,7 @@
 #include <zqxml/catalogue/field_types.h>
 #include <zqxml/catalogue/generated/Annotation.h>
 #include <zqxml/catalogue/lookup.h>
+#include <zqxml/catalogue/old_way.h>
 #include <zqxml/catalogue/records.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/internal/message_access.h>
@@ -78,27 +79,34 @@ class XmlWalk {
   void writeFields(XNMessageBase& msg, Node element) {
     const _ClassDef* classDef = MessageAccess::classDef(msg);
     if (classDef == nullptr) return;
-    const bool all = XNMessageBase::isOldWay(msg.getTagID());
-    const auto& fields = sink_.fields(msg, *classDef);
-    for (const auto& item : fields) {
+    const bool all = kOldWaySlots[msg.getTagID() >> 24];
+    for (const auto& item : sink_.fields(msg, *classDef)) {
       const FieldDef& field = sink_.field(item);
       // A trailing self record is no field, and its member number is that of the first one.
       if (field.getType() == FDT_NONE || field.getFieldHashId() == 0) continue;
       if (!all && !MessageAccess::isSet(msg, field.getMemNum())) continue;
       trace("Writing [%s]:[%s]", classDef->getName(), field.getName());
       if (isVetoed(msg, field)) continue;
-      const AnnotationRecord record(field);
-      const Name name = sink_.name(item);
-      if (isMasked(msg, field, record)) {
-        trace(
-            "Masking field [%s]:[%s] as sensitive annotation is present and encoding_options to mask the field is specified",
-            classDef->getName(), field.getName());
-        sink_.scalar(element, name, PlainValue{"########"});
-      } else {
-        visitStorage(field.getType(),
-                     FieldWriter{*this, msg, field, record, name, element,
-                                 record.isCdata() && !kNeverCdataTypes.contains(field.getType())});
+      const auto& name = sink_.name(item);
+      FieldWriter write{*this, msg, field, name, element};
+      if (field.hasAnnotation()) {
+        const AnnotationRecord record(field);
+        if (isMasked(msg, field, record)) {
+          trace(
+              "Masking field [%s]:[%s] as sensitive annotation is present and encoding_options to mask the field is specified",
+              classDef->getName(), field.getName());
+          sink_.scalar(element, name, PlainValue{"########"});
+          continue;
+        }
+        write.asCdata = record.isCdata() && !kNeverCdataTypes.contains(field.getType());
       }
+      // Most fields by far are of two storages, which here are written without a call.
+      if (kWholeNumberTypes.contains(field.getType()))
+        write(Scalar<element::Int64>{});
+      else if (kTextTypes.contains(field.getType()))
+        write(InPlace<element::Str>{});
+      else
+        visitStorage(field.getType(), FieldWriter(write));
       if (gaveUp()) return;
     }
   }
@@ -106,47 +114,54 @@ class XmlWalk {
  private:
   static constexpr const char* kFunction = "XMLSerializer::serializeXMLRecur";
 
-  /// One field on its way to the sink: a handler of visitStorage.
+  /// Types that are written as the number in their slot, all of them alike.
+  static constexpr FieldTypeSet kWholeNumberTypes = FieldTypeSet::ofStorage(Overloaded{
+      []<element::Integer E>(Scalar<E>) { return true; }, [](Scalar<element::Bool>) { return false; },
+      [](Scalar<element::Enum>) { return false; }, [](auto) { return false; }});
+  static constexpr FieldTypeSet kTextTypes = FieldTypeSet::ofStorage(
+      Overloaded{[](InPlace<element::Str>) { return true; }, [](auto) { return false; }});
+
+  /// One field on its way to the sink: a handler of visitStorage. What is not written in the loop over the
+  /// fields stays a function of its own, so that the frame of a list is not set up for every number.
   struct FieldWriter {
     XmlWalk& walk;
     XNMessageBase& msg;
     const FieldDef& field;
-    const AnnotationRecord& record;
     const Name& name;
-    Node parent;
-    bool asCdata;
+    const Node& parent;
+    bool asCdata = false;
 
     auto& sink() const { return walk.sink_; }
+    AnnotationRecord record() const { return AnnotationRecord(field); }
     const EncodingFlags& flags() const { return walk.call_.flags; }
 
     template <class Value>
-    void scalar(Value value) const {
-      if (asCdata) {
+    [[gnu::always_inline]] void scalar(Value value) const {
+      if (asCdata) [[unlikely]]
         sink().cdata(parent, name, value);
-      } else {
+      else
         sink().scalar(parent, name, value);
-      }
     }
 
     void operator()(Nothing) const {}
 
     template <element::Integer E>
-    void operator()(Scalar<E>) const {
+    [[gnu::always_inline]] void operator()(Scalar<E>) const {
       const std::int64_t value = MessageAccess::slot(msg, field);
-      if (!flags().readable || !(record.isTime() || record.dateType() != 0))
+      if (!flags().readable || !(record().isTime() || record().dateType() != 0))
         return scalar(SignedValue{value});
       std::array<char, 512> text{};
       if (printDateOrTime(static_cast<std::int32_t>(value), text.data()))
         scalar(PlainValue{std::string_view(text.data())});
     }
 
-    void operator()(Scalar<element::Bool>) const {
+    [[gnu::noinline]] void operator()(Scalar<element::Bool>) const {
       const std::int64_t value = MessageAccess::slot(msg, field);
       if (!flags().readable) return scalar(SignedValue{value});
       scalar(PlainValue{value != 0 ? "true" : "false"});
     }
 
-    void operator()(Scalar<element::Enum>) const {
+    [[gnu::noinline]] void operator()(Scalar<element::Enum>) const {
       const std::int64_t value = MessageAccess::slot(msg, field);
       if (!flags().readable && !flags().enumAsText) return scalar(SignedValue{value});
       const char* enumerator = enumeratorName(static_cast<int>(value));
@@ -156,28 +171,28 @@ class XmlWalk {
     }
 
     template <element::Floating E>
-    void operator()(Scalar<E>) const {
+    [[gnu::noinline]] void operator()(Scalar<E>) const {
       scalar(FloatingValue{MessageAccess::scalar<typename E::Value>(msg, field)});
     }
 
     template <class E>
-    void operator()(InPlace<E>) const {
+    [[gnu::always_inline]] void operator()(InPlace<E>) const {
       scalar(valueOf(E{}, MessageAccess::inPlace<typename E::Value>(msg, field)));
     }
 
-    void operator()(Owned<element::BStr>) const {
+    [[gnu::noinline]] void operator()(Owned<element::BStr>) const {
       const bstring* value = MessageAccess::owned<bstring>(msg, field);
       if (value != nullptr) scalar(valueOf(element::BStr{}, *value));
     }
 
-    void operator()(Owned<element::PStr>) const {
+    [[gnu::noinline]] void operator()(Owned<element::PStr>) const {
       const pstring* value = MessageAccess::owned<pstring>(msg, field);
       if (value != nullptr) password(*value);
     }
 
     // The list is made, and the field marked, when there is none: what callers of an old-way object rely on.
     template <class E>
-    void operator()(List<E>) const {
+    [[gnu::noinline]] void operator()(List<E>) const {
       for (auto& value : MessageAccess::make<typename List<E>::Value>(msg, field, true)) {
         const Node entry = sink().element(parent, name);
         if (!entry) {
@@ -197,7 +212,7 @@ class XmlWalk {
     }
 
     template <class K, class V>
-    void operator()(Map<K, V>) const {
+    [[gnu::noinline]] void operator()(Map<K, V>) const {
       auto* entries = MessageAccess::owned<typename Map<K, V>::Value>(msg, field);
       if (entries == nullptr) return;
       for (auto& [key, value] : *entries) {
@@ -213,7 +228,7 @@ class XmlWalk {
       }
     }
 
-    void operator()(Object) const {
+    [[gnu::noinline]] void operator()(Object) const {
       XNMessageBase* value = MessageAccess::owned<XNMessageBase>(msg, field);
       if (value == nullptr) {
         if (std::strcmp(field.getName(), "processinginstructioninfo") != 0) walk.report("Please check");
@@ -276,32 +291,32 @@ class XmlWalk {
     /// is none. QUIRK: with both marks both are done: a bad time ends the field, else the date is what is
     /// written; a date of 0 is not written at all.
     bool printDateOrTime(std::int32_t value, char* text) const {
-      if (record.isTime() && !formatTimeOfDay(value, text)) {
+      if (record().isTime() && !formatTimeOfDay(value, text)) {
         walk.report("Invalid time in seconds [%d]", value);
         return false;
       }
-      if (record.dateType() == 0) return true;
+      if (record().dateType() == 0) return true;
       if (value == 0) return false;
-      if (formatDateAnnotation(value, record.dateType(), text)) return true;
+      if (formatDateAnnotation(value, record().dateType(), text)) return true;
       walk.report("[%s]", "Unable to convert timestamp to date");
       return false;
     }
 
     void password(const pstring& value) const {
-      if (!record.exists())
+      if (!record().exists())
         return walk.report("There are no annotations specified on this field : [%s]", field.getName());
-      if (record.passwordType() == 0)
+      if (record().passwordType() == 0)
         return walk.report("Password annotation is not specified on this field : [%s]", field.getName());
       if ((flags().encoding_options & MASK_PASSWORDS) != 0) return scalar(PlainValue{"*******"});
       if (walk.call_.version < 2) return scalar(BytesValue{value.c_str()});
       if constexpr (Sink::kMayGiveUp) {
         const bool isPlain = value.getEncryptionType() == kPlainText &&
-                             writtenType(flags(), record.passwordType()) == kPlainText;
+                             writtenType(flags(), record().passwordType()) == kPlainText;
         if (!isPlain) return sink().giveUp();
         scalar(TextValue<char>{value.str()});
       } else {
         std::string form;
-        if (XMLDecoder(flags(), walk.call_.context).encryptPassword(record.passwordType(), value, form) ==
+        if (XMLDecoder(flags(), walk.call_.context).encryptPassword(record().passwordType(), value, form) ==
             XN_MSG_NO_PASSWORD_HANDLER)
           return walk.report("Password Handler Not Found while serializing bstring field [%s]",
                              field.getName());
