@@ -40,10 +40,6 @@ const FieldDef* fieldAtIndex(const _ClassDef& classDef, FieldTypeSet fits, short
   return nullptr;
 }
 
-bool isMember(const _ClassDef* classDef, short memNum) {
-  return classDef != nullptr && memNum >= 0 && memNum < classDef->getNumberOfFields();
-}
-
 }  // namespace
 
 void logInvalidMember(const XNMessageBase& message, const char* function, short memNum) {
@@ -71,8 +67,8 @@ const FieldDef* findFieldByHash(const XNMessageBase& message, const char* functi
   return nullptr;
 }
 
-const FieldDef* resolveField(const XNMessageBase& message, const char* function, FieldTypeSet fits,
-                             const FieldAddress& address) {
+const FieldDef* searchField(const XNMessageBase& message, const char* function, FieldTypeSet fits,
+                            FieldAddress address) {
   const _ClassDef* classDef = MessageAccess::classDef(message);
   if (!isMember(classDef, address.memNum)) {
     logInvalidMember(message, function, address.memNum);
@@ -81,8 +77,6 @@ const FieldDef* resolveField(const XNMessageBase& message, const char* function,
   if (message.getTagID() != address.msgTag)
     return findFieldByHash(message, function, fits, address.msgTag, address.fieldHash);
 
-  const FieldDef& field = classDef->getFields()[address.memNum];
-  if (field.getIndex() == address.index && fits.contains(field.getType())) return &field;
   if (address.index < 0 || address.index >= classDef->getNumberOfElements()) {
     logInvalidMember(message, function, address.memNum);
     return nullptr;
@@ -92,14 +86,13 @@ const FieldDef* resolveField(const XNMessageBase& message, const char* function,
   return other;
 }
 
-int resolvePosition(const XNMessageBase& message, const char* function, short memNum, std::uint32_t msgTag,
-                    std::uint32_t fieldHash) {
+int searchPosition(const XNMessageBase& message, const char* function, short memNum, std::uint32_t msgTag,
+                   std::uint32_t fieldHash) {
   const _ClassDef* classDef = MessageAccess::classDef(message);
   if (!isMember(classDef, memNum)) {
     logInvalidMember(message, function, memNum);
     return -1;
   }
-  if (message.getTagID() == msgTag) return memNum;
   const FieldDef* field = findFieldByHash(message, function, kMemberTypes, msgTag, fieldHash);
   return field == nullptr ? -1 : static_cast<int>(field - classDef->getFields());
 }

@@ -35,10 +35,8 @@ class AnyMessage : public XNMessageBase {
 template <class T, class Target>
 using ConstAs = std::conditional_t<std::is_const_v<T>, const Target, Target>;
 
-/// Appends a new object of the class.
-inline XNMessageBase& append(std::vector<XNMessageBase>& list, int subsystem, int classIndex) {
-  return list.emplace_back(AnyMessage(subsystem, classIndex));
-}
+/// Appends a new object of the class, made in its place.
+ZQXML_EXPORT XNMessageBase& append(std::vector<XNMessageBase>& list, int subsystem, int classIndex);
 
 /// Takes out the objects from position `first` up to `last`. The others are moved, never assigned: assignment
 /// between classes throws.

@@ -16,7 +16,7 @@ constexpr bool kIsInPlace = std::is_same_v<Text, std::string> || std::is_same_v<
 
 /// The text of the field, null after the log line. Message is const or not, and so is the text.
 template <class Text, class Message>
-auto find(Message& message, const char* function, const FieldAddress& address,
+auto find(Message& message, const char* function, FieldAddress address,
           const FieldDef** found = nullptr)
     -> decltype(&MessageAccess::inPlace<Text>(message, *resolveField(message, function, {}, address))) {
   const FieldDef* field = resolveField(message, function, kTypesOf<Text>, address);
@@ -29,14 +29,14 @@ auto find(Message& message, const char* function, const FieldAddress& address,
 }
 
 template <class Text, class Message>
-Text copy(Message& message, const char* function, const FieldAddress& address) {
+Text copy(Message& message, const char* function, FieldAddress address) {
   const auto* text = find<Text>(message, function, address);
   return text == nullptr ? Text() : *text;
 }
 
 /// The text itself, not marked; an empty one when it cannot be had.
 template <class Text>
-const Text& constRef(const XNMessageBase& message, const char* function, const FieldAddress& address) {
+const Text& constRef(const XNMessageBase& message, const char* function, FieldAddress address) {
   static const Text kEmpty;
   const Text* text = find<Text>(message, function, address);
   return text == nullptr ? kEmpty : *text;
@@ -44,7 +44,7 @@ const Text& constRef(const XNMessageBase& message, const char* function, const F
 
 /// The text with its bit marked; the thread's fallback when it cannot be had.
 template <class Text>
-Text& byRef(XNMessageBase& message, const char* function, const FieldAddress& address) {
+Text& byRef(XNMessageBase& message, const char* function, FieldAddress address) {
   const FieldDef* field = nullptr;
   Text* text = find<Text>(message, function, address, &field);
   if (text == nullptr) return emptiedFallback<Text>();
@@ -54,7 +54,7 @@ Text& byRef(XNMessageBase& message, const char* function, const FieldAddress& ad
 
 /// Runs `assign` on the text and marks the bit.
 template <class Text, class Assign>
-void set(XNMessageBase& message, const char* function, const FieldAddress& address, Assign assign) {
+void set(XNMessageBase& message, const char* function, FieldAddress address, Assign assign) {
   const FieldDef* field = nullptr;
   Text* text = find<Text>(message, function, address, &field);
   if (text == nullptr) return;

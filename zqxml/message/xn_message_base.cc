@@ -66,6 +66,9 @@ struct InPlaceMover {
   void operator()(Storage) const {}
 };
 
+constexpr FieldTypeSet kInPlaceTypes =
+    FieldTypeSet::ofStorage(Overloaded{[]<class E>(InPlace<E>) { return true; }, [](auto) { return false; }});
+
 /// How many of the class's slots lie inside the object, so that no string is split between inside and
 /// outside.
 short inlineSlotCount(const _ClassDef& classDef) {
@@ -148,7 +151,7 @@ void XNMessageBase::initialize(int msgSysIndex, int msgIndex, bool useBlock, std
     if (kAlwaysBuiltTypes.contains(field.getType()))
       visitStorage(field.getType(), ContentBuilder{*this, field});
   }
-  setDefaults(-1);
+  if (record->defaultsStart() != -1) setDefaults(-1);
   if (gSubsystemTable[msgSysIndex].oldWay) {
     constructSubObjects();
     setEveryPrimitiveBitset(true);
@@ -197,7 +200,7 @@ void XNMessageBase::constructSubObjects() {
 void XNMessageBase::takeInlineStrings(XNMessageBase& other) noexcept {
   if (classDef_ == nullptr || buffer_.usesCallerBlock()) return;
   for (const FieldDef& field : *classDef_) {
-    if (field.getIndex() < buffer_.inlineCount())
+    if (kInPlaceTypes.contains(field.getType()) && field.getIndex() < buffer_.inlineCount())
       visitStorage(field.getType(),
                    InPlaceMover{*this, other.buffer_.inlineSlots() + field.getIndex(), field});
   }

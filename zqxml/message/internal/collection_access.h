@@ -16,7 +16,7 @@ inline constexpr FieldTypeSet kTypesHolding = FieldTypeSet::ofStorage(Overloaded
 
 /// The slot of the collection, made when there is none; marks the bit when markSet.
 template <class Collection>
-Collection*& contentMade(XNMessageBase& message, const char* function, const FieldAddress& address,
+Collection*& contentMade(XNMessageBase& message, const char* function, FieldAddress address,
                          bool markSet) {
   const FieldDef* field = resolveField(message, function, kTypesHolding<Collection>, address);
   if (field == nullptr) return emptiedFallback<Collection*>();
@@ -26,7 +26,7 @@ Collection*& contentMade(XNMessageBase& message, const char* function, const Fie
 
 /// The collection, null when there is none.
 template <class Collection>
-const Collection* content(const XNMessageBase& message, const char* function, const FieldAddress& address) {
+const Collection* content(const XNMessageBase& message, const char* function, FieldAddress address) {
   const FieldDef* field = resolveField(message, function, kTypesHolding<Collection>, address);
   return field == nullptr ? nullptr : MessageAccess::owned<Collection>(message, *field);
 }
@@ -34,7 +34,7 @@ const Collection* content(const XNMessageBase& message, const char* function, co
 /// Makes the collection a copy of `value` and marks the bit; null clears the member. Elements that are
 /// messages are cloned, never assigned: assignment between classes throws.
 template <class Collection>
-void setContent(XNMessageBase& message, const char* function, const FieldAddress& address,
+void setContent(XNMessageBase& message, const char* function, FieldAddress address,
                 const Collection* value) {
   if (value == nullptr)
     return MessageAccess::deleteMember(message, address.memNum, address.msgTag, address.fieldHash);

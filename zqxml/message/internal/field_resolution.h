@@ -18,17 +18,44 @@ struct FieldAddress {
   std::uint32_t fieldHash;
 };
 
+/// @{
+/// resolveField and resolvePosition for callers whose numbers are not those of the object's field.
+const FieldDef* searchField(const XNMessageBase& message, const char* function, FieldTypeSet fits,
+                            FieldAddress address);
+int searchPosition(const XNMessageBase& message, const char* function, short memNum, std::uint32_t msgTag,
+                   std::uint32_t fieldHash);
+/// @}
+
+/// Whether the number is one of a member of the class. False without a class.
+inline bool isMember(const _ClassDef* classDef, short memNum) {
+  return classDef != nullptr && memNum >= 0 && memNum < classDef->getNumberOfFields();
+}
+
 /// The field to act on: slot `index` and bit `memNum` as they are given when the object has the caller's tag,
 /// else those of the first field with the hash. Null, after a level 0 line under `function`, when there is no
 /// such field or its type is none of `fits`. Where a caller's numbers are those of two fields, the result is
 /// the thread's own record, valid until its next call.
-const FieldDef* resolveField(const XNMessageBase& message, const char* function, FieldTypeSet fits,
-                             const FieldAddress& address);
+inline const FieldDef* resolveField(const XNMessageBase& message, const char* function, FieldTypeSet fits,
+                                    FieldAddress address) {
+  const _ClassDef* classDef = MessageAccess::classDef(message);
+  if (message.getTagID() == address.msgTag && isMember(classDef, address.memNum)) [[likely]] {
+    const FieldDef& field = classDef->getFields()[address.memNum];
+    if (field.getIndex() == address.index && fits.contains(field.getType())) [[likely]]
+      return &field;
+  }
+  return searchField(message, function, fits, address);
+}
+
 /// Position of a member, which is also its bit, without looking at its slot: the given one when the object
 /// has the caller's tag, else that of the first field with the hash. -1 after a level 0 line under
 /// `function`.
-int resolvePosition(const XNMessageBase& message, const char* function, short memNum, std::uint32_t msgTag,
-                    std::uint32_t fieldHash);
+inline int resolvePosition(const XNMessageBase& message, const char* function, short memNum,
+                           std::uint32_t msgTag, std::uint32_t fieldHash) {
+  if (message.getTagID() == msgTag && isMember(MessageAccess::classDef(message), memNum)) [[likely]]
+    return memNum;
+  return searchPosition(message, function, memNum, msgTag, fieldHash);
+}
+
 /// First field with the hash and one of the types; logs and gives null when there is none.
 const FieldDef* findFieldByHash(const XNMessageBase& message, const char* function, FieldTypeSet fits,
                                 std::uint32_t msgTag, std::uint32_t fieldHash);

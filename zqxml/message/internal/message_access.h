@@ -47,13 +47,13 @@ class MessageAccess {
 
   // --- Set bits
   static bool isSet(const XNMessageBase& message, int memNum) {
-    return (message.buffer_.isSet_[memNum / 8] >> (memNum % 8) & 1) != 0;
+    return (message.buffer_.isSet_[byteOf(memNum)] & bitOf(memNum)) != 0;
   }
   static void mark(XNMessageBase& message, int memNum) {
-    message.buffer_.isSet_[memNum / 8] |= static_cast<unsigned char>(1u << (memNum % 8));
+    message.buffer_.isSet_[byteOf(memNum)] |= bitOf(memNum);
   }
   static void unmark(XNMessageBase& message, int memNum) {
-    message.buffer_.isSet_[memNum / 8] &= static_cast<unsigned char>(~(1u << (memNum % 8)));
+    message.buffer_.isSet_[byteOf(memNum)] &= static_cast<unsigned char>(~bitOf(memNum));
   }
 
   // --- Slots
@@ -122,6 +122,12 @@ class MessageAccess {
   }
   static void setCdata(XNMessageBase& message, const FieldDef& field, const cdata& value) {
     message.setcdataobject(field.getMemNum(), field.getIndex(), value, message.getTagID(), 0);
+  }
+
+ private:
+  static constexpr unsigned byteOf(int memNum) { return static_cast<unsigned>(memNum) / 8; }
+  static constexpr unsigned char bitOf(int memNum) {
+    return static_cast<unsigned char>(1u << static_cast<unsigned>(memNum) % 8);
   }
 };
 
