@@ -1,4 +1,5 @@
 #include <bench/job_data.h>
+#include <zqxml/platform/text.h>
 
 namespace zqxml::bench {
 namespace {
@@ -57,6 +58,7 @@ JobReport jobReport(std::size_t subObjects) {
                   "department, and "
                   "nothing was removed that should have stayed."};
   report.comment = u"Kapazit\u00e4t pr\u00fcfen: \u201eArchiv\u201c w\u00e4chst";
+  report.utf8Comment = toUtf8(report.comment);
   for (std::size_t i = 0; i < report.counts.size(); ++i)
     report.counts[i] = static_cast<std::int32_t>(i * i * 37 + 1);
   for (std::size_t i = 0; i < report.totals.size(); ++i)

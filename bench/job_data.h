@@ -37,6 +37,7 @@ inline constexpr std::array kRateNames{"savingsPercent", "throughput", "dedupRat
 struct JobReport {
   std::array<std::string, kTextNames.size()> texts;
   std::u16string comment;
+  std::string utf8Comment;  ///< the same, as protobuf takes it
   std::array<std::int32_t, kCountNames.size()> counts{};
   std::array<std::int64_t, kTotalNames.size()> totals{};
   std::array<bool, kMarkNames.size()> marks{};
