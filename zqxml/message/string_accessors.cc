@@ -16,8 +16,7 @@ constexpr bool kIsInPlace = std::is_same_v<Text, std::string> || std::is_same_v<
 
 /// The text of the field, null after the log line. Message is const or not, and so is the text.
 template <class Text, class Message>
-auto find(Message& message, const char* function, FieldAddress address,
-          const FieldDef** found = nullptr)
+auto find(Message& message, const char* function, FieldAddress address, const FieldDef** found = nullptr)
     -> decltype(&MessageAccess::inPlace<Text>(message, *resolveField(message, function, {}, address))) {
   const FieldDef* field = resolveField(message, function, kTypesOf<Text>, address);
   if (found != nullptr) *found = field;

@@ -16,8 +16,7 @@ inline constexpr FieldTypeSet kTypesHolding = FieldTypeSet::ofStorage(Overloaded
 
 /// The slot of the collection, made when there is none; marks the bit when markSet.
 template <class Collection>
-Collection*& contentMade(XNMessageBase& message, const char* function, FieldAddress address,
-                         bool markSet) {
+Collection*& contentMade(XNMessageBase& message, const char* function, FieldAddress address, bool markSet) {
   const FieldDef* field = resolveField(message, function, kTypesHolding<Collection>, address);
   if (field == nullptr) return emptiedFallback<Collection*>();
   MessageAccess::make<Collection>(message, *field, markSet);
@@ -34,8 +33,7 @@ const Collection* content(const XNMessageBase& message, const char* function, Fi
 /// Makes the collection a copy of `value` and marks the bit; null clears the member. Elements that are
 /// messages are cloned, never assigned: assignment between classes throws.
 template <class Collection>
-void setContent(XNMessageBase& message, const char* function, FieldAddress address,
-                const Collection* value) {
+void setContent(XNMessageBase& message, const char* function, FieldAddress address, const Collection* value) {
   if (value == nullptr)
     return MessageAccess::deleteMember(message, address.memNum, address.msgTag, address.fieldHash);
   const FieldDef* field = resolveField(message, function, kTypesHolding<Collection>, address);
