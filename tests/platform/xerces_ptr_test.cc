@@ -64,6 +64,21 @@ TEST_F(LimitedMemory, ThrowsAtTheLimitAndGoesOnBelowIt) {
   memory.deallocate(memory.allocate(1));
 }
 
+TEST_F(LimitedMemory, CountsAnewForAnotherParse) {
+  constexpr std::size_t kMebi = std::size_t{1} << 20;
+  LimitedMemoryManager memory(kMebi);
+  void* const large = memory.allocate(100 * kMebi);
+  memory.startAgain(0);
+  EXPECT_EQ(memory.limit(), 64 * kMebi);
+  EXPECT_EQ(memory.inUse(), 100 * kMebi) << "what is left of the parse before";
+  EXPECT_THROW(memory.allocate(1), xercesc::OutOfMemoryException);
+  memory.deallocate(large);
+  for (int i = 0; i < 16; ++i) memory.deallocate(memory.allocate(64 * kMebi));
+  EXPECT_THROW(memory.allocate(1), xercesc::OutOfMemoryException);
+  memory.startAgain(0);
+  memory.deallocate(memory.allocate(64 * kMebi));
+}
+
 TEST_F(LimitedMemory, ExceptionsAreNotCounted) {
   LimitedMemoryManager memory(0);
   EXPECT_EQ(memory.getExceptionMemoryManager(), xercesc::XMLPlatformUtils::fgMemoryManager);

@@ -68,7 +68,6 @@ void SaxReader::detach() {
   setErrorHandler(nullptr);
   setDTDHandler(nullptr);
   target_ = nullptr;
-  if (attributes_.capacity() > kUsualAttributes) attributes_ = {};
 }
 
 void SaxReader::startElement(const xercesc::XMLElementDecl& declaration, unsigned, const XMLCh*,

@@ -52,9 +52,6 @@ class SaxReader final : public xercesc::SAX2XMLReaderImpl {
              const XMLCh* publicId, XMLFileLoc line, XMLFileLoc column) override;
 
  private:
-  /// As many attributes as one element of a message has; the list of more is not kept.
-  static constexpr std::size_t kUsualAttributes = 1000;
-
   /// Elements of one name behind one another, from which on a list is taken for a long one.
   static constexpr std::size_t kRun = 16;
 
@@ -71,7 +68,7 @@ class SaxReader final : public xercesc::SAX2XMLReaderImpl {
   const bool namespaces_;
   xercesc::SecurityManager security_;
   MessageReader* target_ = nullptr;
-  std::vector<AttributeView> attributes_;
+  std::vector<AttributeView> attributes_;  // far fewer bytes than the scanner has for them
   /// The latest element's, and its name.
   const xercesc::XMLElementDecl* declaration_ = nullptr;
   NameView<char16_t> name_;
