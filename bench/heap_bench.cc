@@ -89,8 +89,9 @@ void addPerField(Report& report) {
   std::unique_ptr<XNMessageBase> stripped = ourMessage(data);
   const std::size_t count = withoutNumbers(*stripped);
   require(count > 10000, "the messages differ in too few fields");
-  RoadMessage without(std::move(stripped));
+  RoadMessage without(data, std::move(stripped));
   for (const Road& road : allRoads()) {
+    if (road.fromData) continue;
     const WithRoad way(road);
     const double more =
         static_cast<double>(allocationsOf(road, with)) - static_cast<double>(allocationsOf(road, without));

@@ -123,10 +123,6 @@ Reading readingOf(Read read) {
   return reading;
 }
 
-/// The class of our message that is filled from such data.
-template <class Data>
-using OurClass = std::conditional_t<std::is_same_v<Data, JobEntry>, Bench::JobEntry, Bench::JobReport>;
-
 /// Registers the measurements of one size, and gives its name.
 template <class Data>
 std::string measureAll(const std::string& name, const Data& data) {

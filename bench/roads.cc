@@ -35,7 +35,8 @@ void keep(const Made& made) {
 
 }  // namespace
 
-RoadMessage::RoadMessage(std::unique_ptr<XNMessageBase> message) : message_(std::move(message)) {
+RoadMessage::RoadMessage(Build maker, ReadFields reader, std::unique_ptr<XNMessageBase> message)
+    : build_(std::move(maker)), readFields_(reader), message_(std::move(message)) {
   require(message_->serialize(xml_) == XN_MSG_OK, "the message is not written as XML");
   xmlForTheParser_ = xml_ + "<?end?>";
   for (const std::string* text : {&xml_, &xmlForTheParser_}) {
@@ -45,6 +46,16 @@ RoadMessage::RoadMessage(std::unique_ptr<XNMessageBase> message) : message_(std:
   require(BinarySerializer::serialize(*message_, binary_) != 0, "the message has no binary form");
   const std::unique_ptr<XNMessageBase> back(BinarySerializer::unserialize(binary_, nullptr, false));
   require(back != nullptr && *back == *message_, "the binary form does not come back");
+}
+
+void RoadMessage::build() const {
+  keep(build_().get());
+}
+
+void RoadMessage::readFields() const {
+  Reading reading;
+  readFields_(*message_, reading);
+  keep(reading);
 }
 
 void RoadMessage::write() const {
@@ -85,6 +96,8 @@ std::string RoadMessage::paragraph() {
 
 const std::vector<Road>& allRoads() {
   static const std::vector<Road> roads{
+      {"build and destroy", [](RoadMessage& m) { m.build(); }, false, true},
+      {"read every field", [](RoadMessage& m) { m.readFields(); }},
       {"XML out", [](RoadMessage& m) { m.write(); }},
       {"XML out, Xerces road", [](RoadMessage& m) { m.write(); }, true},
       {"XML in", [](RoadMessage& m) { m.read(); }},

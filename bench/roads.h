@@ -3,12 +3,14 @@
 
 #include <bench/job_data.h>
 #include <bench/our_messages.h>
+#include <bench/typed_reading.h>
 #include <zqxml/binary/binary_buffer.h>
 #include <zqxml/message/xn_message_base.h>
 
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zqxml::bench {
@@ -16,15 +18,25 @@ namespace zqxml::bench {
 /// One message in every form that a road starts from. Belongs to one thread, and its roads with it.
 class RoadMessage {
  public:
-  template <class Data>
-  explicit RoadMessage(const Data& data) : RoadMessage(ourMessage(data)) {}
   /// Ends the program when a form does not come back as the message that it was made of.
-  explicit RoadMessage(std::unique_ptr<XNMessageBase> message);
+  template <class Data>
+  explicit RoadMessage(const Data& data) : RoadMessage(data, ourMessage(data)) {}
+  /// The same with a message of that class which is not just as the data: those are only for building.
+  template <class Data>
+  RoadMessage(const Data& data, std::unique_ptr<XNMessageBase> message)
+      : RoadMessage([data] { return ourMessage(data); },
+                    [](const XNMessageBase& of, Reading& reading) {
+                      readTyped(static_cast<const OurClass<Data>&>(of), reading);
+                    },
+                    std::move(message)) {}
 
   XNMessageBase& message() { return *message_; }
   const std::string& xml() const { return xml_; }
   BinaryBuffer& binary() { return binary_; }
 
+  // Objects: built and destroyed again; every set field read by its accessor.
+  void build() const;
+  void readFields() const;
   // XML.
   void write() const;
   void read() const;
@@ -39,6 +51,12 @@ class RoadMessage {
   std::string paragraph();
 
  private:
+  using Build = std::function<std::unique_ptr<XNMessageBase>()>;
+  using ReadFields = void (*)(const XNMessageBase&, Reading&);
+  RoadMessage(Build maker, ReadFields reader, std::unique_ptr<XNMessageBase> message);
+
+  Build build_;
+  ReadFields readFields_;
   std::unique_ptr<XNMessageBase> message_;
   std::string xml_;
   std::string xmlForTheParser_;
@@ -50,6 +68,8 @@ struct Road {
   std::function<void(RoadMessage&)> run;
   /// Whether it needs the roads beside the XML library closed (WithRoad).
   bool byTheLibrary = false;
+  /// Whether it begins with the data and not with the message.
+  bool fromData = false;
 };
 
 /// All of them, in the order of the tables.
