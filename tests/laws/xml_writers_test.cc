@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace zqxml {
 namespace {
@@ -83,6 +84,18 @@ TEST(XmlWriters, BothEscapeEveryCharacterAlike) {
       ASSERT_EQ(written(marked, WayOfWriting(number), true), written(marked, WayOfWriting(number), false))
           << first;
     }
+  }
+}
+
+TEST(XmlWriters, BothGiveTheSameLongTextWhateverLengthTheLastOneHad) {
+  OpenMessage message = newMessage("Demo_EveryType");
+  const FieldDef& field = fieldOf(message, "listStringField");
+  auto& texts = MessageAccess::make<std::vector<std::string>>(message, field, true);
+  for (const std::size_t count : {5, 3000, 3000, 300, 9000, 2000}) {
+    texts.assign(count, "of the <usual> kind");
+    for (const unsigned number : {0u, 1u, 4u})
+      ASSERT_EQ(written(message, WayOfWriting(number), true), written(message, WayOfWriting(number), false))
+          << count;
   }
 }
 
