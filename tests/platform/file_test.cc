@@ -188,13 +188,44 @@ TEST(CUlFile, IsNotInheritedByOtherPrograms) {
   EXPECT_NE(fcntl(lowest, F_GETFD) & FD_CLOEXEC, 0);
 }
 
-TEST(CUlFile, PipesHaveNoEnd) {
+TEST(CUlFile, EndOfAPipeIsKnownWhenItIsMet) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  ASSERT_EQ(write(ends[1], "abc", 3), 3);
+  close(ends[1]);
+  CUlFile file;
+  file.Attach(ends[0], "pipe");
+  const auto atEnd = [&file] {
+    bool is = false;
+    const CUlError error = file.IsEOF(is);
+    EXPECT_EQ(error.GetCode(), is ? 0 : ESPIPE);
+    return is;
+  };
+  char byte = 0;
+  unsigned count = 0;
+  EXPECT_FALSE(atEnd());
+  EXPECT_FALSE(file.Read(&byte, 1, &count).IsError());
+  EXPECT_FALSE(atEnd());
+  char rest[5];
+  EXPECT_FALSE(file.Read(rest, 5, &count).IsError());
+  EXPECT_EQ(count, 2u);
+  EXPECT_TRUE(atEnd());
+  file = CUlFile(std::move(file));
+  EXPECT_TRUE(atEnd()) << "goes over with the file";
+}
+
+TEST(CUlFile, ReadErrorIsNoEndOfAPipe) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
   close(ends[1]);
   CUlFile file;
   file.Attach(ends[0], "pipe");
+  char byte = 0;
   bool atEnd = false;
+  EXPECT_FALSE(file.Read(&byte, 1, nullptr).IsError());
+  FailingFileCalls calls;
+  calls.readError = EIO;
+  EXPECT_EQ(file.Read(&byte, 1, nullptr).GetCode(), EIO);
   EXPECT_EQ(file.IsEOF(atEnd).GetCode(), ESPIPE);
 }
 

@@ -68,7 +68,7 @@ class ZQXML_EXPORT XNMessageBaseFileHandler {
   /// `object` changes only with result 0; it is null when the bytes do not decode, which the decoder logs and
   /// which is no failure of the file: the next call reads the next record. Memory grows with the bytes that
   /// arrive, not with the length that the record claims. Results, with their lines:
-  /// - 3 no line: no file; 2 no line: the position is the file's end
+  /// - 3 no line: no file; 2 no line: the position is the end of the file, or of the pipe
   /// - 2 "Could not read data size from file. Bytes read [%u], normalized size [0x%08x], eof[%s]": the file
   ///     ends inside a length, or the length is 0
   /// - 3 "Could not read data from file. Data read [%u] expected [%u]": the file ends inside the record

@@ -47,6 +47,7 @@ CUlFile& CUlFile::operator=(CUlFile&& other) noexcept {
     ahead_ = std::exchange(other.ahead_, {});
     inSequence_ = other.inSequence_;
     readsAhead_ = other.readsAhead_;
+    metEnd_ = other.metEnd_;
     held_ = std::exchange(other.held_, {});
   }
   return *this;
@@ -75,6 +76,7 @@ CUlError CUlFile::Close() {
   ahead_ = {};
   held_ = {};
   inSequence_ = 0;
+  metEnd_ = false;
   // The descriptor is gone even when a signal came in between.
   const bool failed = calls().close(std::exchange(descriptor_, -1)) != 0 && errno != EINTR;
   if (lost.IsError()) return lost;
@@ -118,7 +120,11 @@ CUlError CUlFile::IsEOF(bool& atEnd) {
     atEnd = false;
     return {};
   }
-  if (const CUlError error = Tell(position); error.IsError()) return error;
+  if (const CUlError error = Tell(position); error.IsError()) {
+    if (!metEnd_ || error.GetCode() != ESPIPE) return error;
+    atEnd = true;
+    return {};
+  }
   if (const CUlError error = Size(size); error.IsError()) return error;
   atEnd = static_cast<std::uint64_t>(position) >= size;
   return {};

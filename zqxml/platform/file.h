@@ -104,7 +104,8 @@ class ZQXML_EXPORT CUlFile {
   CUlError Tell(std::int64_t& position);
   /// The size of the file in bytes; 0 for a pipe.
   CUlError Size(std::uint64_t& size);
-  /// Whether the position is at or behind the end. Not for pipes (ESPIPE).
+  /// Whether the position is at or behind the end. A pipe does not tell its end beforehand (ESPIPE): it is
+  /// known when the last Read has met it.
   CUlError IsEOF(bool& atEnd);
   /// Empties the file from `size` on, or fills it with zeros up to there.
   CUlError Truncate(std::uint64_t size);
@@ -134,6 +135,7 @@ class ZQXML_EXPORT CUlFile {
   Area ahead_;                    // read, but not asked for yet: the system's position is behind it
   std::uint64_t inSequence_ = 0;  // bytes read since the position was last set
   bool readsAhead_ = false;       // nobody else reads on from the descriptor's position
+  bool metEnd_ = false;           // by the last Read
   Area held_;                     // appended, but not handed over; empty while ahead_ is not
 };
 

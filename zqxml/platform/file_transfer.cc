@@ -82,10 +82,11 @@ CUlError CUlFile::Read(void* data, unsigned size, unsigned* bytesRead) {
   auto* to = static_cast<char*>(data);
   unsigned done = 0;
   CUlError error = IsValid() ? handOver() : CUlError(EBADF);
-  while (done < size && !error.IsError()) {
+  metEnd_ = false;
+  while (done < size && !error.IsError() && !metEnd_) {
     unsigned count = 0;
     error = readOnce(to + done, size - done, count);
-    if (count == 0) break;
+    metEnd_ = count == 0 && !error.IsError();
     done += count;
   }
   if (bytesRead != nullptr) *bytesRead = done;
