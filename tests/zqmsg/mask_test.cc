@@ -99,6 +99,26 @@ TEST_F(Mask, WhatIsNoMessageIsAFailureAndLeavesTheOutputAsItWas) {
   EXPECT_EQ(folder_.read("masked.xml"), "old");
 }
 
+TEST_F(Mask, BadObjectIsNamedAndTheOthersGoOn) {
+  const std::string object = zqmsg({"convert", "--to", "objects"}, kJob).out;
+  const std::string bad("\0\0\0\x04none", 8);
+  folder_.write("masked.xml", "old");
+  const ProgramRun shown = zqmsg({"mask", "--from", "objects"}, object + bad + object);
+  EXPECT_THAT(shown, Exits(1));
+  EXPECT_EQ(shown.out, kMaskedJob + kMaskedJob);
+  EXPECT_THAT(shown.err, HasSubstr("object 2: cannot be read as a binary message"));
+  EXPECT_THAT(zqmsg({"mask", "--from", "objects", "-o", "masked.xml"}, object + bad), Exits(1));
+  EXPECT_EQ(folder_.read("masked.xml"), "old") << "a part is no file";
+}
+
+TEST_F(Mask, BadLineIsNamedAndTheOthersGoOn) {
+  const std::string line = zqmsg({"convert", "--to", "jsonl"}, kJob).out;
+  const ProgramRun run = zqmsg({"mask", "--from", "jsonl"}, line + "{\n" + line);
+  EXPECT_THAT(run, Exits(4));
+  EXPECT_EQ(run.out, kMaskedJob + kMaskedJob);
+  EXPECT_THAT(run.err, HasSubstr("line 2: "));
+}
+
 TEST_F(Mask, PasswordThatCannotBeReadIsAFailure) {
   const ProgramRun run = zqmsg({"mask"}, R"(<App_AnnotationSample ver8Password="||#9!c3RvcmVk"/>)");
   EXPECT_THAT(run, Exits(6));

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "tools/zqmsg/attempts.h"
 #include "tools/zqmsg/command.h"
 #include "tools/zqmsg/message_source.h"
 #include "tools/zqmsg/output.h"
@@ -16,6 +17,9 @@ namespace {
 constexpr const char* kExamples =
     R"(Prints messages as XML with ######## for every sensitive value, one line each: text that may
 go into a log. Passwords are printed in their usual form, encrypted if their type says so.
+
+An object or line that cannot be masked is named on standard error, and the others are masked all
+the same; the exit status is that of the first one. A file named with -o is then left as it was.
 
 Examples:
   zqmsg mask job.bin
@@ -71,27 +75,35 @@ void maskText(const Options& options, Output& output, Session& session) {
   output.write(maskedLine(options, *message, masked, source.name(), session));
 }
 
-void maskMessages(const Options& options, Output& output, Session& session) {
+/// False when one of the messages could not be masked.
+bool maskMessages(const Options& options, Output& output, Session& session) {
   MessageSource source(options.file, formByName(options.from), session);
-  while (const MessagePtr message = source.next()) {
+  source.onWait([&output] { output.show(); });
+  Attempts attempts(session);
+  const auto maskOne = [&] {
+    const MessagePtr message = source.message();
     const bool isText = source.form() == Form::kXml;
     const std::string xml = !options.token ? std::string() : isText ? source.bytes() : message->AsString();
     output.write(maskedLine(options, *message, xml, source.where(), session));
     if (isStream(source.form())) session.console.progress("messages masked", source.number());
-  }
+  };
+  while (source.take()) attempts.attempt(maskOne);
   session.console.endProgress();
+  return attempts.failures() == 0;
 }
 
 void mask(const Options& options, Session& session) {
   checkOptions(options);
   Output output(options.output);
+  bool whole = true;
   if (options.hasKeywords) {
     maskText(options, output, session);
   } else {
-    maskMessages(options, output, session);
+    whole = maskMessages(options, output, session);
   }
   if (!options.anyText) warnOfTheSetting(session.console);
-  output.commit();
+  // A file that was there is not given up for a part.
+  if (whole || !output.canRollBack()) output.commit();
 }
 
 }  // namespace
