@@ -181,6 +181,15 @@ TEST_F(CoverageTest, WhatIsOutOfReachWithAReasonIsLeftOut) {
   EXPECT_EQ(coverage().status, 0);
 }
 
+TEST_F(CoverageTest, LinesOfBracketsAloneDoNotCount) {
+  for (const char* line : {"  }", "});", ""}) {
+    replaceLine(other_, 36, line);
+    EXPECT_THAT(coverage().out, HasSubstr("      95/99 ")) << line;
+  }
+  replaceLine(other_, 36, "  } else {");
+  EXPECT_THAT(coverage().out, HasSubstr("      95/100 "));
+}
+
 TEST_F(CoverageTest, NocoverNeedsAReason) {
   binary_.conditions.push_back({4, 1, 0});
   for (const char* mark : {"// NOCOVER", "// NOCOVER:", "// NOCOVER: "}) {
