@@ -76,7 +76,9 @@ void forgotten(void* block) {
 
 }  // namespace
 
-// Every block of the process passes here: these names come before those of the C library.
+// Every block of the process passes here: these names come before those of the C library, for what libraries
+// allocate too, where they are seen.
+#pragma GCC visibility push(default)
 extern "C" {
 void* __libc_malloc(std::size_t);
 void* __libc_calloc(std::size_t, std::size_t);
@@ -99,6 +101,7 @@ void free(void* block) {
   __libc_free(block);
 }
 }
+#pragma GCC visibility pop
 
 namespace zqxml {
 
