@@ -89,6 +89,21 @@ TEST(BinaryReaderValuesTest, IllFormedUtf8BecomesReplacementCharacters) {
 
 // --- Lists.
 
+TEST(BinaryReaderValuesTest, ListOfTextsThatEndsBeforeItsNextKeyFails) {
+  // Two elements of a byte each would fit; the first is longer.
+  EveryType message;
+  LogCapture capture;
+  const std::string bytes = everyType(Wire().marker(2).key("listStringField", 2).text("abcde"));
+  EXPECT_EQ(readInto(message, bytes), -1);
+  const std::string size = std::to_string(bytes.size());
+  EXPECT_THAT(capture.lines(),
+              ElementsAre(CapturedLine{kReader, 0,
+                                       "Buffer ends before its content does. Buffer size : [" + size +
+                                           "]. CurrentPosition : [" + size + "]"},
+                          CapturedLine{kEntry, 0, kFailedEveryType}));
+  EXPECT_THAT(message.getListStringField(), ElementsAre("abcde")) << "what came stays";
+}
+
 TEST(BinaryReaderValuesTest, KeepsTheByteCountOfAPackedListUnused) {
   EveryType message;
   const std::string body = Wire().marker(2).key("listIntField", 2).varint(100).varint(2).varint(4);

@@ -130,6 +130,19 @@ TEST(BinaryWriterTest, BinaryStringIsRawAtVersion1AndBase64AtVersion2) {
   EXPECT_EQ(serializedBody(message, 2), Wire().key("bstringField", 2).text("YQBi").bytes());
 }
 
+TEST(BinaryWriterTest, TextsThatWereEndedForGoodAreWrittenEmpty) {
+  for (const int version : {1, 2}) {
+    EveryType empty, ended;
+    empty.setBstringField("");
+    empty.setPstringField("");
+    for (const char* name : {"bstringField", "pstringField"}) {
+      open(ended).deleteMember(fieldOf(ended, name).getMemNum(), ended.getTagID(), 0, true);
+      setBit(ended, name);
+    }
+    EXPECT_EQ(toHex(serialized(ended, version)), toHex(serialized(empty, version)));
+  }
+}
+
 TEST(BinaryWriterTest, SecondCallReplacesTheOwnedBlock) {
   EveryType message;
   message.setStringField("first and long");

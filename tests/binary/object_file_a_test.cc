@@ -160,8 +160,21 @@ TEST_F(ObjectFileA, ObjectWithoutABinaryFormIsNoData) {
   EXPECT_EQ(bytes(), recordA(form(1)) + recordA(form(1))) << "not even the record before it once more";
 }
 
+TEST_F(ObjectFileA, ObjectWithoutDataInAFileWhoseEndIsNotFoundIsAFailedWrite) {
+  open();
+  OversizedMessage oversized;
+  LogCapture log;
+  FailingFileCalls calls;
+  calls.seekError = EIO;
+  EXPECT_EQ(handler_.AddObjectToFile(oversized.message()), FileHandlerWriteFailed);
+  EXPECT_TRUE(log.has(kAdd, 0, "Failed to Dump Binary Into File, error=" + textOf(EIO)));
+  EXPECT_FALSE(log.hasPart(kAdd, 0, "Nothing to write"));
+}
+
 TEST_F(ObjectFileA, FailedWriteOfTheLengthCountsNothing) {
   open();
+  CUlCRC64 checksum;
+  handler_.setCrC64(&checksum);
   App::TestMessage2 message = numbered(1);
   LogCapture log;
   FailingFileCalls calls;
@@ -171,6 +184,7 @@ TEST_F(ObjectFileA, FailedWriteOfTheLengthCountsNothing) {
   EXPECT_EQ(written, 0u);
   EXPECT_THAT(log.lines(),
               ElementsAre(CapturedLine{kAdd, 0, "Failed to Dump Binary Into File, error=" + textOf(ENOSPC)}));
+  EXPECT_EQ(checksum.GetCRC64(), CUlCRC64().GetCRC64());
 }
 
 TEST_F(ObjectFileA, FailedWriteOfTheDataLeavesTheLength) {

@@ -315,6 +315,28 @@ TEST_F(ObjectFileB, NegativeLengthIsHugeAndPassedOver) {
   EXPECT_EQ(static_cast<std::size_t>(position), bytes().size());
 }
 
+/// A file that goes on and on behind its first bytes.
+class EndlessFile : public FailingFileCalls {
+ public:
+  explicit EndlessFile(int realReads) : realReads_(realReads) {}
+  ssize_t read(int descriptor, void* data, std::size_t size) override {
+    return realReads_-- > 0 ? FailingFileCalls::read(descriptor, data, size) : static_cast<ssize_t>(size);
+  }
+
+ private:
+  int realReads_;
+};
+
+TEST_F(ObjectFileB, RecordOfAHugeLengthThatIsAllThereIsPassedOverAndCounts) {
+  open(kVersionField + std::string("-1\0\0", 4));
+  LogCapture log;
+  EndlessFile calls(2);  // the version and the length
+  EXPECT_EQ(readB(1), FileHandlerSuccess);
+  EXPECT_THAT(numbers_, IsEmpty());
+  EXPECT_THAT(log.lines(), ElementsAre(CapturedLine{"BinarySerializer::unserialize", 0,
+                                                    "[Buffer received for unserialization is not set]"}));
+}
+
 TEST_F(ObjectFileB, NegativeLengthAtTheEndIsTheEnd) {
   open(kVersionField + std::string("-1\0\0", 4));
   LogCapture log;

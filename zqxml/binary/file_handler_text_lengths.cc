@@ -73,10 +73,11 @@ XNMessageBaseFileHandlerError append(CUlFile& file, XNMessageBase* object) {
     logError(kAppend, "Data Serialized is 0.Nothing to write.");
     return FileHandlerNoData;
   }
-  // The digits of a longer one would not fit the field.
-  if (size >= kTooLong && failed(CUlError(EMSGSIZE), kAppend)) return FileHandlerWriteFailed;
-  const record::Field length = fieldOf(static_cast<unsigned>(size));
-  const CUlError error = file.Append({length.data(), length.size()}, {data.getBuffer(), size}, nullptr);
+  CUlError error(EMSGSIZE);  // the digits of a longer one would not fit the field
+  if (size < kTooLong) {
+    const record::Field length = fieldOf(static_cast<unsigned>(size));
+    error = file.Append({length.data(), length.size()}, {data.getBuffer(), size}, nullptr);
+  }
   return failed(error, kAppend) ? FileHandlerWriteFailed : FileHandlerSuccess;
 }
 
