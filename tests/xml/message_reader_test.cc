@@ -17,6 +17,7 @@ namespace zqxml {
 namespace {
 
 using testing::ElementsAre;
+using testing::Pair;
 using XmlRead::Inner;
 using XmlRead::Node;
 using XmlRead::Outer;
@@ -246,6 +247,17 @@ TEST(MessageReader, EntryEndsWithTheObjectThatHasItsMap) {
   events.value(u"__mapValue__", u"b").close(u"words").close(u"child").close(u"root");
   EXPECT_EQ(node.getChild()->getWords().at("a"), "b");
   EXPECT_EQ(node.getChild()->getPlace()->getX(), 1);
+}
+
+TEST(MessageReader, ObjectOfAnEntryThatHasEndedIsForgotten) {
+  // `byName` closes its entry while the object of its value is open: the entry of `words` around goes on.
+  Node node;
+  Events events(&node);
+  events.open(u"root").open(u"words").open(u"byName").value(u"__mapKey__", u"k").open(u"__mapValue__");
+  events.close(u"byName").close(u"__mapValue__");
+  events.value(u"__mapKey__", u"a").value(u"__mapValue__", u"b").close(u"words").close(u"root");
+  EXPECT_FALSE(node.isByNameSet());
+  EXPECT_THAT(node.getWords(), ElementsAre(Pair("a", "b")));
 }
 
 // --- Many objects

@@ -54,6 +54,13 @@ constexpr FieldDef kReferences[] = {
     {"\xfa\x00\x00\x01level", nullptr, hashOf("level"), 0, 5, 5, FDT_ENUM},
     {"\x02\x00\x00\x01levels", nullptr, hashOf("levels"), 0, 6, 6, FDT_LIST_ENUM},
     {"n", nullptr, hashOf("n"), 0, 7, 7, FDT_INT},
+    {"\x01\x00\x00\x04grade", nullptr, hashOf("grade"), 0, 8, 8, FDT_ENUM},
+};
+
+// An enumeration with a value that has no name.
+constexpr FieldDef kGrades[] = {
+    {nullptr, nullptr, 1, 0, 0, 0, FDT_ENUM_VALUE},
+    {"GOOD", nullptr, 2, 0, 0, 0, FDT_ENUM_VALUE},
 };
 
 // Types that are none, and one that stores nothing.
@@ -66,12 +73,11 @@ constexpr FieldDef kTypes[] = {
 };
 
 constexpr _ClassDef kClasses[] = {
-    {"SideNames", kSideNames, 1, -1, 3, 3},
-    {"Twice", kTwice, 2, -1, 10, 9},
-    {"References", kReferences, 3, -1, 8, 8},
-    {"Types", kTypes, 4, -1, 5, 5},
+    {"SideNames", kSideNames, 1, -1, 3, 3},   {"Twice", kTwice, 2, -1, 10, 9},
+    {"References", kReferences, 3, -1, 9, 9}, {"Types", kTypes, 4, -1, 5, 5},
+    {"Grades", kGrades, 5, -1, 2, 0},
 };
-constexpr ClassIdIndexEntry kIds[] = {{1, 0}, {2, 1}, {3, 2}, {4, 3}};
+constexpr ClassIdIndexEntry kIds[] = {{1, 0}, {2, 1}, {3, 2}, {4, 3}, {5, 4}};
 
 }  // namespace
 
@@ -153,6 +159,15 @@ TEST(XmlReaderOwnTable, EnumerationNumbersNeedNoEnumeration) {
   ASSERT_NE(object, nullptr);
   EXPECT_EQ(number(*object, 5), 3);
   EXPECT_TRUE(MessageAccess::isSet(*object, 6));
+}
+
+TEST(XmlReaderOwnTable, EnumeratorWithoutANameIsFoundByNone) {
+  LogCapture log;
+  const auto object = read("<Own_References grade=''><grade>good</grade></Own_References>");
+  ASSERT_NE(object, nullptr);
+  EXPECT_EQ(number(*object, 8), 2);
+  EXPECT_THAT(log.lines(), ElementsAre(CapturedLine{"MySAX2Handler::processAttributes", 0,
+                                                    "Enum [Grades] does not have enum value []"}));
 }
 
 TEST(XmlReaderOwnTable, UnknownTypesStoreNothing) {

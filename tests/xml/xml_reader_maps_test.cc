@@ -183,6 +183,13 @@ TEST(XmlReaderMaps, SecondKeyIsTakenForTheValue) {
   EXPECT_THAT(every.getMapStringString(), ElementsAre(Pair("a", "b")));
 }
 
+TEST(XmlReaderMaps, SideInsideASideAddsToItsText) {
+  const ReadAs<Every> every(
+      "<mapStringString><__mapKey__>a<__mapKey__>b</__mapKey__></__mapKey__><__mapValue__>c</__mapValue__>"
+      "</mapStringString>");
+  EXPECT_THAT(every.getMapStringString(), ElementsAre(Pair("ab", "c")));
+}
+
 TEST(XmlReaderMaps, LastOfSeveralValuesStays) {
   const ReadAs<Every> every(
       "<mapStringString><__mapKey__>a</__mapKey__><__mapValue__>b</__mapValue__><__mapValue__>c</"

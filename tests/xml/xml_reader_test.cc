@@ -169,6 +169,18 @@ TEST(XmlReader, KeepsReadingEveryClassOfDistributedIDAUnderSystemMonitoring) {
   }
 }
 
+TEST(XmlReader, RootIsNeverTakenForAnotherOneThatWasReadBefore) {
+  // Answers are remembered by hash: of so many names some fall on the place of the first.
+  LogCapture log;
+  const std::string known = "DistributedIDA_GenericEvent";
+  for (int i = 0; i < 200; ++i) {
+    ASSERT_NE(readNew("<" + known + "/>"), nullptr);
+    for (const std::string start :
+         {"D", "DistributedIDA", "DistributedIDA_GenericEvent", "DistributedXYZ_GenericEvent"})
+      ASSERT_EQ(readNew("<" + start + std::to_string(i) + "/>"), nullptr) << start << i;
+  }
+}
+
 TEST(XmlReader, RootWithoutAClassIsALibraryError) {
   for (const std::string name : {"Node", "XmlRead_Unknown", "Unknown_Node", "_Node", "XmlRead_", "_"}) {
     LogCapture log;

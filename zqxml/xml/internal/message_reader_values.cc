@@ -265,10 +265,10 @@ void readSpecialCharsSetting() {
   if (wasRead.load(std::memory_order_relaxed)) return;
   // QUIRK: switched off, a list string counts as empty when its narrow form is. Conversion to UTF-8 is total,
   // so that is the same as the wide text being empty, and the value makes no difference here.
-  int newSpecialCharsBehaviour = 1;
-  if (ZQPlatformInfo().getNumber("EventManager", "EnableNewXMLBehaviorForSpecialChars",
-                                 newSpecialCharsBehaviour) &&
-      newSpecialCharsBehaviour == 0) {
+  int newSpecialCharsBehaviour = 1;  // what holds without the setting
+  (void)ZQPlatformInfo().getNumber("EventManager", "EnableNewXMLBehaviorForSpecialChars",
+                                   newSpecialCharsBehaviour);
+  if (newSpecialCharsBehaviour == 0) {
     logDebug("MySAX2Handler::startElement", 0,
              "Disabling new XMLCh behavior for checking empty input strings.");
   }
