@@ -31,16 +31,19 @@ struct Source {
   std::string path;
   int reached = 20, missed = 0;
   std::vector<Condition> conditions;
+  std::string missedAs{};  ///< the segments of the missed lines, where they are no usual ones
 
   std::string exported() const {
     std::string segments = segment(1, 1, 5, true) + "," + segment(reached, 90, 0, false);
-    if (missed != 0)
+    if (!missedAs.empty())
+      segments += "," + missedAs;
+    else if (missed != 0)
       segments += "," + segment(reached + 1, 1, 0, true) + "," + segment(reached + missed, 90, 0, false);
     std::string branches;
     for (const Condition& one : conditions) {
       if (!branches.empty()) branches += ',';
       const std::string line = std::to_string(one.line);
-      branches += "[" + line + ",7," + line + ",12," + std::to_string(one.whenTrue) + "," +
+      branches += "[" + line + ",17," + line + ",18," + std::to_string(one.whenTrue) + "," +
                   std::to_string(one.whenFalse) + ",0,0,4]";
     }
     return R"({"filename":")" + path + R"(","segments":[)" + segments + R"(],"branches":[)" + branches + "]}";
@@ -60,8 +63,8 @@ class CoverageTest : public testing::Test {
     fs::copy(kScript, tree_.path("script/coverage"));
     program("script/bootstrap", "");
     program("bin/cmake", "");
-    program("bin/ctest", R"(mkdir -p "$(dirname "$LLVM_PROFILE_FILE")"; touch "$LLVM_PROFILE_FILE") ");
-        program("bin/llvm-profdata-14", "");
+    program("bin/ctest", kMeasure);
+    program("bin/llvm-profdata-14", "");
     program("bin/llvm-cov-14", "[ \"$1\" != export ] || cat export.json");
     program("build-coverage/bin/form_test", "");
     plant("build-coverage/profiles/1.profraw", "");
@@ -106,6 +109,9 @@ class CoverageTest : public testing::Test {
     EXPECT_THAT(run.out, HasSubstr("\n" + told + "\n"));
   }
 
+  /// What the programs under test leave.
+  static constexpr char kMeasure[] =
+      R"sh(mkdir -p "$(dirname "$LLVM_PROFILE_FILE")" && touch "$LLVM_PROFILE_FILE")sh";
   static constexpr char kScript[] = ZQXML_SOURCE_DIR "/script/coverage";
   // 95 of 100 lines, 18 of 20 ways.
   Source binary_{kBinary, 20, 0, {{3, 1, 1}}};
@@ -151,7 +157,7 @@ TEST_F(CoverageTest, ALimitWithoutItsSourcesFails) {
 TEST_F(CoverageTest, MissingNamesWhatIsNotReached) {
   const ProgramRun all = coverage({"--report", "--missing"});
   for (const char* place :
-       {":36: not reached\n", ":40: not reached\n", ":6:7: never false\n", ":7:7: never true\n"})
+       {":36: not reached\n", ":40: not reached\n", ":6:17: never false\n", ":7:17: never true\n"})
     EXPECT_THAT(all.out, HasSubstr(std::string(kOther) + place));
   const ProgramRun within = coverage({"--report", "--missing", "zqxml/xml"});
   EXPECT_EQ(within.out, coverage().out);
@@ -159,7 +165,7 @@ TEST_F(CoverageTest, MissingNamesWhatIsNotReached) {
 
 TEST_F(CoverageTest, MissingDoesNotNameTheWaysOfWhatIsNotReached) {
   other_.conditions.push_back({36, 0, 0});
-  EXPECT_THAT(coverage({"--report", "--missing"}).out, Not(HasSubstr(":36:7: never")));
+  EXPECT_THAT(coverage({"--report", "--missing"}).out, Not(HasSubstr(":36:17: never")));
 }
 
 TEST_F(CoverageTest, InstancesOfATemplateCountTogether) {
@@ -174,7 +180,17 @@ TEST_F(CoverageTest, WhatTheCompilerDecidesIsNoWay) {
   EXPECT_EQ(coverage().status, 0);
 }
 
+TEST_F(CoverageTest, BranchThatTheCompilerTakesCountsAsTheGapBeforeIt) {
+  const std::string branch = "[36,5,0,true,true,false],[36,90,0,false,false,false]";
+  const std::string others = ",[37,1,0,true,true,false],[40,90,0,false,false,false]";
+  other_.missedAs = "[36,1,7,true,false,true]," + branch + others;
+  EXPECT_THAT(coverage().out, HasSubstr("      96/100 "));
+  other_.missedAs = "[36,1,0,true,false,true]," + branch + others;
+  EXPECT_THAT(coverage().out, HasSubstr("      95/100 "));
+}
+
 TEST_F(CoverageTest, WhatIsOutOfReachWithAReasonIsLeftOut) {
+  --other_.missed;  // for the line that is no longer counted
   binary_.conditions.push_back({4, 1, 0});
   EXPECT_EQ(coverage().status, 1);
   replaceLine(binary_, 4, "  if (a) b();  // NOCOVER: the caller has looked");
@@ -211,8 +227,8 @@ TEST_F(CoverageTest, BuildsAndRunsTheTestsBeforeItJudges) {
 }
 
 TEST_F(CoverageTest, FailsWhenATestFails) {
-  program("bin/ctest", R"(mkdir -p "$(dirname "$LLVM_PROFILE_FILE")"; touch "$LLVM_PROFILE_FILE"; exit 8) ");
-      const ProgramRun run = coverage({});
+  program("bin/ctest", std::string(kMeasure) + "; exit 8");
+  const ProgramRun run = coverage({});
   EXPECT_EQ(run.status, 1) << run;
   EXPECT_THAT(run.out, HasSubstr("\ncoverage: a test failed\n"));
 }
