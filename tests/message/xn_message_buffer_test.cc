@@ -12,6 +12,15 @@ namespace {
 static_assert(!std::is_copy_constructible_v<XNMessageBuffer> && !std::is_copy_assignable_v<XNMessageBuffer>);
 static_assert(std::is_nothrow_move_constructible_v<XNMessageBuffer>);
 
+/// Opens the private assignment: an explicit instantiation may name it.
+template <auto kAssign>
+struct Opened {
+  friend void assign(XNMessageBuffer& to, const XNMessageBuffer& from) { (to.*kAssign)(from); }
+};
+void assign(XNMessageBuffer& to, const XNMessageBuffer& from);
+template struct Opened<static_cast<XNMessageBuffer& (XNMessageBuffer::*)(const XNMessageBuffer&)>(
+    &XNMessageBuffer::operator=)>;
+
 bool isInside(const XNMessageBuffer& buffer, const void* place) {
   const auto* at = static_cast<const char*>(place);
   const auto* begin = reinterpret_cast<const char*>(&buffer);
@@ -128,6 +137,45 @@ TEST(MessageBuffer, MoveSharesTheCallersBlock) {
   XNMessageBuffer to(std::move(from));
   EXPECT_TRUE(to.usesCallerBlock());
   EXPECT_EQ(&to[0], block.data());
+}
+
+TEST(MessageBuffer, AssignmentGivesZeroedStorageOfTheSameShape) {
+  XNMessageBuffer source, target;
+  source.init(2, 5, 9);
+  source[0] = source[4] = 7;
+  target.init(1, 3, 1);
+  assign(target, source);
+  EXPECT_EQ(target.inlineCount(), 2);
+  EXPECT_EQ(target.slotCount(), 5);
+  EXPECT_EQ(target.fieldCount(), 9);
+  EXPECT_FALSE(target.usesCallerBlock());
+  EXPECT_NE(&target[4], &source[4]);
+  for (short index = 0; index < 5; ++index) EXPECT_EQ(target[index], 0) << index;
+  EXPECT_EQ(source[4], 7);
+}
+
+TEST(MessageBuffer, AssignmentSharesTheCallersBlock) {
+  std::array<std::int64_t, 4> block;
+  XNMessageBuffer source, target;
+  source.init(block.data(), sizeof block, 3, 5);
+  source[1] = 7;
+  target.init(2, 5, 9);
+  assign(target, source);
+  EXPECT_TRUE(target.usesCallerBlock());
+  EXPECT_EQ(&target[1], &block[1]);
+  EXPECT_EQ(target[1], 7);
+  EXPECT_EQ(target.getIsSet(), source.getIsSet());
+  EXPECT_EQ(target.inlineCount(), 0);
+  EXPECT_EQ(target.slotCount(), 3);
+}
+
+TEST(MessageBuffer, AssignmentToItselfChangesNothing) {
+  XNMessageBuffer buffer;
+  buffer.init(2, 5, 9);
+  buffer[4] = 7;
+  const XNMessageBuffer& same = buffer;
+  assign(buffer, same);
+  EXPECT_EQ(buffer[4], 7);
 }
 
 }  // namespace
