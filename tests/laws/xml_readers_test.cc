@@ -245,7 +245,7 @@ TEST_F(XmlReaders, PlainTextsAreTakenByTheScanner) {
         "<?xml version='1.0' standalone='yes'?>", "<?xml  version = '1.0' encoding='utf-8'?>\n",
         "<?xml version='1.0' encoding='UTF-8'?>\r\n<!-- a - b -->"})
     expectAgreement(
-        declaration + std::string("<XmlRead_Node id = '1' name=\"&lt;'&#x41;\r\n\t\">\r\n"
+        declaration + std::string("<XmlRead_Node id = '1' name=\"&lt;'&#x41;&#233;&#x20AC;\r\n\t\">\r\n"
                                   "<tags  val='a'\n/><tags>b&amp;c</tags ><!----><child id='2'/>"
                                   "<counts><![CDATA[4]]></counts>\t</XmlRead_Node>\n<!-- end -->\n"),
         true);
