@@ -17,7 +17,6 @@ namespace zqxml {
 namespace {
 
 using testing::ElementsAre;
-using testing::Pair;
 using XmlRead::Inner;
 using XmlRead::Node;
 using XmlRead::Outer;
@@ -257,7 +256,7 @@ TEST(MessageReader, ObjectOfAnEntryThatHasEndedIsForgotten) {
   events.close(u"byName").close(u"__mapValue__");
   events.value(u"__mapKey__", u"a").value(u"__mapValue__", u"b").close(u"words").close(u"root");
   EXPECT_FALSE(node.isByNameSet());
-  EXPECT_THAT(node.getWords(), ElementsAre(Pair("a", "b")));
+  EXPECT_THAT(node.getWords(), ElementsAre(testing::Pair("a", "b")));
 }
 
 // --- Many objects
