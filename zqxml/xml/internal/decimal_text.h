@@ -31,7 +31,7 @@ constexpr std::uint64_t eightDigits(std::uint64_t number) {
 /// Eight characters, the first in the lowest byte.
 template <class Char>
 void storeEight(Char* at, std::uint64_t characters) {
-  for (unsigned i = 0; i < 8; ++i) at[i] = static_cast<unsigned char>(characters >> 8 * i);
+  for (unsigned i = 0; i < 8; ++i) at[i] = static_cast<Char>(characters >> 8 * i & 0xff);
 }
 
 /// A number below 10^8, with all of its eight digits or without those in front that are 0.
