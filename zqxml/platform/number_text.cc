@@ -22,13 +22,14 @@ struct Decimal {
   std::uint64_t magnitude = 0;
 };
 
-template <class Char>
-constexpr bool isDigit(Char unit) {
-  return unit >= '0' && unit <= '9';
-}
+/// What a digit stands for; above 9 for anything else.
 template <class Char>
 constexpr std::uint64_t digitOf(Char unit) {
-  return static_cast<std::uint64_t>(unit - '0');
+  return static_cast<std::uint64_t>(unit) - '0';
+}
+template <class Char>
+constexpr bool isDigit(Char unit) {
+  return digitOf(unit) <= 9;
 }
 
 template <class View>

@@ -45,9 +45,9 @@ bool XmlScanner<Char>::scan(View text) {
   if (text.size() >= std::numeric_limits<std::uint32_t>::max() / 2) return false;
   text_ = at_ = text.data();
   end_ = text_ + text.size();
-  parts_.clear();
-  parts_.reserve(text.size() / kUnitsOfPart);
-  open_.clear();
+  const std::size_t expected = text.size() / kUnitsOfPart;
+  if (expected > kInlineParts) parts_.take(threadMemory());
+  parts_.reserve(expected);
   if (at_[0] == '<' && at_[1] == '?' && !scanDeclaration()) return false;
   if (!scanMisc() || !scanStartTag()) return false;
   while (!open_.empty())

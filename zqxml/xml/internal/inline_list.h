@@ -12,6 +12,12 @@
 
 namespace zqxml {
 
+/// A block of memory for the elements of a list; none at first.
+struct ListMemory {
+  std::unique_ptr<std::byte[]> bytes;
+  std::size_t size = 0;
+};
+
 /// Holds up to `kInline` elements in the object itself, and more of them on the heap. What it has taken it
 /// keeps until it ends. Throws std::bad_alloc, and then holds what it held.
 template <class T, std::size_t kInline>
@@ -41,6 +47,23 @@ class InlineList {
   }
   void pop_back() { --size_; }
   void clear() { size_ = 0; }
+
+  /// Takes a block that is larger than its own memory; what it held is gone.
+  void take(ListMemory& memory) {
+    clear();
+    if (memory.size / sizeof(T) <= capacity_) return;
+    heap_ = std::move(memory.bytes);
+    elements_ = reinterpret_cast<T*>(heap_.get());
+    capacity_ = std::exchange(memory.size, 0) / sizeof(T);
+  }
+  /// Gives up the block that its elements are in, to be taken by another list; none when they need no block.
+  ListMemory release() {
+    ListMemory memory{std::move(heap_), heap_ == nullptr ? 0 : capacity_ * sizeof(T)};
+    elements_ = reinterpret_cast<T*>(first_);
+    capacity_ = kInline;
+    clear();
+    return memory;
+  }
 
   std::size_t size() const { return size_; }
   bool empty() const { return size_ == 0; }

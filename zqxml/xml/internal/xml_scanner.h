@@ -14,6 +14,7 @@
 
 #include <zqxml/xml/internal/inline_list.h>
 #include <zqxml/xml/internal/name_view.h>
+#include <zqxml/xml/internal/thread_memory.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -27,6 +28,11 @@ template <class Char>
 class XmlScanner {
  public:
   using View = std::basic_string_view<Char>;
+
+  XmlScanner() = default;
+  ~XmlScanner() { keepForThread(parts_.release()); }
+  XmlScanner(const XmlScanner&) = delete;
+  XmlScanner& operator=(const XmlScanner&) = delete;
 
   /// Whether the text is plain. A NUL has to stand behind its end, and it has to outlive the scanner. Throws
   /// std::bad_alloc.
@@ -85,6 +91,7 @@ class XmlScanner {
 
   static constexpr std::size_t kMostAttributes = 200;
   static constexpr std::size_t kMostLevels = 5000;
+  static constexpr std::size_t kInlineParts = 512;
   static constexpr std::uint32_t kWidestGap = 15;
 
   bool scanDeclaration();
@@ -127,7 +134,7 @@ class XmlScanner {
   const Char* text_ = nullptr;
   const Char* at_ = nullptr;
   const Char* end_ = nullptr;
-  InlineList<Part, 512> parts_;
+  InlineList<Part, kInlineParts> parts_;
   InlineList<OpenElement, 32> open_;
   std::basic_string<Char> decoded_;
   InlineList<Attribute, 32> attributes_;
