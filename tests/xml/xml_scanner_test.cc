@@ -6,6 +6,7 @@
 
 #include <span>
 #include <string>
+#include <utility>
 
 namespace zqxml {
 namespace {
@@ -110,6 +111,34 @@ TEST(XmlScanner, TakesSpecialCharactersAtEveryPlaceOfAValue) {
       EXPECT_EQ(events("<r>" + left + "&lt;\"'" + right + "</r>"), " +r [" + left + "<\"'" + right + "] -r");
     }
   }
+}
+
+// --- The memory that a thread keeps
+
+/// What the thread keeps while a text of so many elements is scanned, and what it keeps behind that.
+std::pair<std::size_t, std::size_t> memoryKept(int elements) {
+  const std::string xml = "<r>" + repeated("<a b='c'/>", elements) + "</r>";
+  std::size_t meanwhile = 0;
+  {
+    XmlScanner<char> scanner;
+    EXPECT_TRUE(scanner.scan(xml));
+    meanwhile = threadMemory().size;
+  }
+  return {meanwhile, threadMemory().size};
+}
+
+TEST(XmlScanner, MemoryOfALargeTextServesForTheNext) {
+  threadMemory() = {};
+  EXPECT_EQ(memoryKept(100), std::pair(std::size_t{0}, std::size_t{0})) << "a small text needs none";
+  const std::size_t kept = memoryKept(10000).second;
+  EXPECT_GT(kept, 0u);
+  EXPECT_EQ(memoryKept(10000), std::pair(std::size_t{0}, kept));
+  EXPECT_EQ(memoryKept(100), std::pair(kept, kept));
+}
+
+TEST(XmlScanner, MemoryOfAVeryLargeTextIsNotKept) {
+  threadMemory() = {};
+  EXPECT_EQ(memoryKept(200000).second, 0u);
 }
 
 TEST(XmlScanner, ManyPartsAreGivenAsWell) {

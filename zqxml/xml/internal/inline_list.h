@@ -58,7 +58,8 @@ class InlineList {
   }
   /// Gives up the block that its elements are in, to be taken by another list; none when they need no block.
   ListMemory release() {
-    ListMemory memory{std::move(heap_), heap_ == nullptr ? 0 : capacity_ * sizeof(T)};
+    ListMemory memory;
+    if (heap_ != nullptr) memory = {std::move(heap_), capacity_ * sizeof(T)};
     elements_ = reinterpret_cast<T*>(first_);
     capacity_ = kInline;
     clear();
