@@ -222,6 +222,21 @@ TEST_F(SaxParses, ListWhoseLengthTheTextDoesNotShowGrowsAsItArrives) {
   EXPECT_EQ(roomOfAHundred("\r<child/>\r", "<counts val='1'/>"), 128u) << "no line ends as it looks";
   EXPECT_EQ(roomOfAHundred("", "<counts val='1'/><!-- c -->"), 128u);
   EXPECT_EQ(roomOfAHundred("", "<counts val='1'/><name/>"), 128u);
+  const std::string wide = "<name>" + repeated("\xc3\xa9", 5000) + "</name>";
+  EXPECT_EQ(roomOfAHundred(wide, "<counts val='1'/>"), 128u) << "its column is not its place";
+}
+
+TEST_F(SaxParses, ListsAreReadWhereverTheirElementsWereCounted) {
+  const std::string counts = "<counts val='1'/>";
+  const std::string more = "<id>1</id>" + repeated(counts, 20);
+  Node node;
+  ASSERT_EQ(XMLSerializer().unserialize(node,
+                                        "<a><name>" + repeated("\xc3\xa9", 5000) + "</name>" +
+                                            repeated(counts, 1000) + more + more + "</a>",
+                                        false),
+            XN_MSG_OK);
+  EXPECT_EQ(node.getCounts().size(), 1040u);
+  EXPECT_LE(node.getCounts().capacity(), 2048u);
 }
 
 TEST_F(SaxParses, LookingUpATagKeepsTheParserToo) {

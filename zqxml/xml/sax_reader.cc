@@ -59,6 +59,7 @@ void SaxReader::attach(MySAX2Handler& handler) {
   text_ = {};
   line_ = 1;
   lineStart_ = 0;
+  looked_ = 0;
   likeNew_ = true;
 }
 
@@ -135,7 +136,10 @@ const NameView<char16_t>& SaxReader::nameOf(const xercesc::XMLElementDecl& decla
 std::size_t SaxReader::alikeBehind(const xercesc::XMLElementDecl& declaration) {
   for (; line_ < place_.locator->getLineNumber(); ++line_) {
     const std::size_t end = text_.find('\n', lineStart_);
-    if (end == text_.npos) return 0;
+    if (end == text_.npos) {
+      text_ = {};  // its lines end in another way, and nothing in it is where it seems
+      return 0;
+    }
     lineStart_ = end + 1;
   }
   const std::string name = internal::utf8Of(declaration.getFullName());
@@ -143,7 +147,9 @@ std::size_t SaxReader::alikeBehind(const xercesc::XMLElementDecl& declaration) {
     return tag.starts_with(name) && tag.find_first_of(" />\t\r\n", name.size()) == name.size();
   };
   std::size_t count = 0;
+  // Columns are units of UTF-16: behind other characters than ASCII this lies too early in the text.
   std::size_t at = lineStart_ + static_cast<std::size_t>(place_.locator->getColumnNumber()) - 1;
+  if (at < looked_) return 0;
   for (at = text_.find('<', at); at != text_.npos; at = text_.find('<', at + 1)) {
     const std::string_view tag = text_.substr(at + 1, name.size() + 2);
     if (begins(tag))
@@ -151,6 +157,7 @@ std::size_t SaxReader::alikeBehind(const xercesc::XMLElementDecl& declaration) {
     else if (!tag.starts_with('/') || !begins(tag.substr(1)))
       break;
   }
+  looked_ = at;
   return count;
 }
 

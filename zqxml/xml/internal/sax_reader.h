@@ -81,6 +81,8 @@ class SaxReader final : public xercesc::SAX2XMLReaderImpl {
   /// A line of the text that the scanner has reached, and where it begins.
   XMLFileLoc line_ = 1;
   std::size_t lineStart_ = 0;
+  /// How far elements were counted: no part of the text is looked at twice.
+  std::size_t looked_ = 0;
   bool likeNew_ = true;
 };
 
