@@ -1,7 +1,6 @@
 // Which texts an XML writer may copy as they stand. Not installed.
 #pragma once
 
-#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -18,8 +17,9 @@ Word loadWord(const char* bytes) {
   return word;
 }
 
-/// Sixteen bytes side by side.
+/// Sixteen bytes side by side, and the same as two words.
 using Bytes16 __attribute__((vector_size(16))) = signed char;
+using Words2 __attribute__((vector_size(16))) = std::uint64_t;
 
 /// All bits of those bytes that are below 0x20, from 0x80 up, or one of `"&<>`.
 inline Bytes16 unusualBytes(Bytes16 bytes) {
@@ -27,11 +27,11 @@ inline Bytes16 unusualBytes(Bytes16 bytes) {
   return (bytes < 0x20) | ((bytes | 0x04) == '&') | ((bytes | 0x02) == '>');
 }
 inline bool isUsual(Bytes16 unusual) {
-  const auto halves = std::bit_cast<std::array<std::uint64_t, 2>>(unusual);
-  return (halves[0] | halves[1]) == 0;
+  const auto words = std::bit_cast<Words2>(unusual);
+  return (words[0] | words[1]) == 0;
 }
 inline bool isUsual(std::uint64_t low, std::uint64_t high) {
-  return isUsual(unusualBytes(std::bit_cast<Bytes16>(std::array<std::uint64_t, 2>{low, high})));
+  return isUsual(unusualBytes(std::bit_cast<Bytes16>(Words2{low, high})));
 }
 
 /// Hands the text on in pieces, `keep(position, piece)`, which may overlap; whether it has only characters
