@@ -71,12 +71,11 @@ class TextSink {
     return {name};
   }
   template <class Value>
-  void entryValue(Node, Value value) {
-    if (elements_) {
+  [[gnu::always_inline]] void entryValue(const Node&, Value value) {
+    if (elements_) [[unlikely]]
       content(value);
-    } else {
+    else
       attribute(kVal, value);
-    }
   }
   template <class Value>
   void entryCdata(Node, Value value) {
