@@ -12,7 +12,8 @@ struct TemplateValue {
   std::string text;
 };
 
-/// `text` with every "@name@" replaced. REQUIRES: each name has a value, the first of its name counts.
+/// `text` with every "@name@" replaced that has a value, of which the first of its name counts. An "@" that
+/// begins no such name stays as it stands; values are not looked through.
 std::string expand(std::string_view text, std::span<const TemplateValue> values);
 
 /// The lines of `text`, each with `indent` before it; empty lines stay empty.
