@@ -82,7 +82,7 @@ TEST(OutputTextTest, SubsystemWithoutRecordsHasNoTables) {
   const Compiled compiled = compileFiles({{"T.xml", "<subsystem name=\"T\" slot=\"202\" records=\"0\"/>"}});
   EXPECT_THAT(compiled.output("T.cc"), Not(HasSubstr("kClasses")));
   EXPECT_THAT(compiled.output("subsystem_table.cc"),
-              HasSubstr("/* 202 */ {\"T\", nullptr, nullptr, nullptr, 0, false},"));
+              HasSubstr("/* 202 */ {\"T\", nullptr, nullptr, nullptr, 0, false, 0, nullptr},"));
 }
 
 TEST(OutputTextTest, BytesOfLiteralsNeverRunTogether) {

@@ -1,6 +1,8 @@
 #include "table_writer.h"
 
 #include <zqxml/catalogue/class_ref.h>
+#include <zqxml/catalogue/internal/class_buckets.h>
+#include <zqxml/catalogue/name_hash.h>
 #include <zqxml/catalogue/records.h>
 
 #include <algorithm>
@@ -87,6 +89,30 @@ std::string idIndex(const Subsystem& subsystem) {
   return text + "};\n\n";
 }
 
+unsigned bucketBits(const Subsystem& subsystem) {
+  return catalogue::bucketBitsFor(subsystem.classes.size());
+}
+
+/// The classes by id, and behind them by name.
+std::string bucketTable(const Subsystem& subsystem) {
+  const unsigned bits = bucketBits(subsystem);
+  const std::size_t size = std::size_t{1} << bits;
+  std::vector<std::int16_t> buckets(2 * size, catalogue::kFreeBucket);
+  const auto add = [&](std::int16_t* table, std::uint32_t key, int index) {
+    table[catalogue::searchBuckets(table, bits, key, [](int) { return false; })] =
+        static_cast<std::int16_t>(index);
+  };
+  for (const auto& record : subsystem.classes) {
+    if (record->id != 0) add(buckets.data(), record->id, record->index);
+    add(buckets.data() + size, nameHash(record->name), record->index);
+  }
+  std::string text = tableStart("std::int16_t", "kBuckets", buckets.size());
+  for (std::size_t i = 0; i < buckets.size(); ++i)
+    text +=
+        cat(i % 16 == 0 ? "   " : "", " ", buckets[i], i % 16 == 15 || i + 1 == buckets.size() ? ",\n" : ",");
+  return text + "};\n\n";
+}
+
 std::size_t defaultsCount(const Subsystem& subsystem) {
   std::size_t count = 0;
   for (const auto& record : subsystem.classes) {
@@ -170,7 +196,7 @@ std::string writeSubsystemTables(const Subsystem& subsystem, std::string_view fi
     text += "};\n";
   }
   text += "\n";
-  if (subsystem.records != 0) text += classTable(subsystem) + idIndex(subsystem);
+  if (subsystem.records != 0) text += classTable(subsystem) + idIndex(subsystem) + bucketTable(subsystem);
   text += defaultsTable(subsystem);
   text += pathTables(subsystem);
   text += cat(
@@ -185,7 +211,8 @@ std::string writeSubsystemTable(const Catalogue& catalogue, std::string_view fir
   for (const auto& subsystem : catalogue.subsystems) {
     if (subsystem->records == 0) continue;
     text += cat("namespace ", tablesNamespace(*subsystem), " {\nextern const _ClassDef kClasses[",
-                subsystem->records, "];\nextern const ClassIdIndexEntry kIds[", subsystem->records, "];\n");
+                subsystem->records, "];\nextern const ClassIdIndexEntry kIds[", subsystem->records,
+                "];\nextern const std::int16_t kBuckets[", std::size_t{2} << bucketBits(*subsystem), "];\n");
     if (const std::size_t count = defaultsCount(*subsystem); count != 0)
       text += cat("extern const FieldDefaultEntry kDefaults[", count, "];\n");
     if (const std::size_t count = subsystem->paths.size() + 1; count != 1)
@@ -206,7 +233,8 @@ std::string writeSubsystemTable(const Catalogue& catalogue, std::string_view fir
     text += cat("    /* ", subsystem->slot, " */ {", stringLiteral(subsystem->name), ", ",
                 empty ? "nullptr" : tables + "kClasses", ", ", empty ? "nullptr" : tables + "kIds", ", ",
                 defaultsCount(*subsystem) == 0 ? "nullptr" : tables + "kDefaults", ", ", subsystem->records,
-                ", ", subsystem->old ? "true" : "false", "},\n");
+                ", ", subsystem->old ? "true" : "false", ", ", empty ? 0 : bucketBits(*subsystem), ", ",
+                empty ? "nullptr" : tables + "kBuckets", "},\n");
     next = subsystem->slot + 1;
   }
   return cat(text, emptyRows(kSubsystemCount + 1 - next), "};\n", pathTable(catalogue),

@@ -1,3 +1,4 @@
+#include <zqxml/catalogue/internal/class_buckets.h>
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/catalogue/name_hash.h>
 #include <zqxml/catalogue/old_way.h>
@@ -10,6 +11,47 @@ namespace {
 
 bool isSlot(int subsystem) {
   return subsystem >= 0 && subsystem < kSubsystemCount;
+}
+
+/// Class index of an id by the subsystem's ids in order, -1 when there is none.
+int bisectIds(const SubsystemDef& row, std::uint32_t classId) {
+  int low = 0;
+  int high = row.recordCount - 1;
+  while (low <= high) {
+    const int middle = (low + high) / 2;
+    const ClassIdIndexEntry& entry = row.idIndex[middle];
+    if (entry.classId == classId) return entry.classIndex;
+    if (classId < entry.classId)
+      high = middle - 1;
+    else
+      low = middle + 1;
+  }
+  return -1;
+}
+
+/// Class index of a name by the subsystem's records in order, -1 when there is none.
+int walkNames(const SubsystemDef& row, const char* name) {
+  for (int index = 0; index < row.recordCount; ++index) {
+    const char* candidate = row.classDefs[index].getName();
+    if (candidate != nullptr && std::strcmp(candidate, name) == 0) return index;
+  }
+  return -1;
+}
+
+/// Both searches by the tables of buckets, the second of which is that of names.
+int indexOfId(const SubsystemDef& row, std::uint32_t classId) {
+  // Id 0 stands for the first record, whatever the id of that one is, and so in no bucket.
+  if (row.buckets == nullptr || classId == 0) return bisectIds(row, classId);
+  return row.buckets[searchBuckets(row.buckets, row.bucketBits, classId,
+                                   [&](int index) { return row.classDefs[index].getClassId() == classId; })];
+}
+
+int indexOfName(const SubsystemDef& row, const char* name) {
+  if (row.buckets == nullptr) return walkNames(row, name);
+  const std::int16_t* buckets = row.buckets + (std::size_t{1} << row.bucketBits);
+  return buckets[searchBuckets(buckets, row.bucketBits, nameHash(name), [&](int index) {
+    return std::strcmp(row.classDefs[index].getName(), name) == 0;
+  })];
 }
 
 /// Follows a ClassRef; `text` is the log line for a subsystem beyond the table.
@@ -55,23 +97,10 @@ void appendField(std::string& out, const FieldDef& field, bool details) {
 bool indicesFromTag(std::uint32_t tagId, short& subsystem, int& classIndex) {
   subsystem = static_cast<short>(subsystemOfTag(tagId));
   if (subsystem < 1 || subsystem >= kSubsystemCount) return false;
-  const SubsystemDef& row = gSubsystemTable[subsystem];
-  const std::uint32_t wanted = tagId & 0xffffff;
-  int low = 0;
-  int high = row.recordCount - 1;
-  while (low <= high) {
-    const int middle = (low + high) / 2;
-    const ClassIdIndexEntry& entry = row.idIndex[middle];
-    if (entry.classId == wanted) {
-      classIndex = entry.classIndex;
-      return true;
-    }
-    if (wanted < entry.classId)
-      high = middle - 1;
-    else
-      low = middle + 1;
-  }
-  return false;
+  const int index = indexOfId(gSubsystemTable[subsystem], tagId & 0xffffff);
+  if (index < 0) return false;
+  classIndex = index;
+  return true;
 }
 
 bool tagFromIndices(short subsystem, int classIndex, std::uint32_t& tagId) {
@@ -135,14 +164,10 @@ bool subsystemFromName(const char* name, short& subsystem) {
 
 bool classIndexFromName(const char* name, short subsystem, int& classIndex) {
   if (name == nullptr || !isSlot(subsystem)) return false;
-  const SubsystemDef& row = gSubsystemTable[subsystem];
-  for (int index = 0; index < row.recordCount; ++index) {
-    const char* candidate = row.classDefs[index].getName();
-    if (candidate == nullptr || std::strcmp(candidate, name) != 0) continue;
-    classIndex = index;
-    return true;
-  }
-  return false;
+  const int index = indexOfName(gSubsystemTable[subsystem], name);
+  if (index < 0) return false;
+  classIndex = index;
+  return true;
 }
 
 int fieldPosition(const _ClassDef* classDef, std::string_view name) {
@@ -177,11 +202,9 @@ const char* enumString(short subsystem, const char* enumName, int value) {
     logError("XNMessageBase::getEnumString", "Subsystem : [%d] does not exist", subsystem);
     return "";
   }
-  const SubsystemDef& row = gSubsystemTable[subsystem];
-  for (int index = 0; enumName != nullptr && index < row.recordCount; ++index) {
-    const _ClassDef& record = row.classDefs[index];
-    if (record.getName() == nullptr || std::strcmp(record.getName(), enumName) != 0) continue;
-    if (const char* name = enumeratorName(record, value)) return name;
+  int index = -1;
+  if (classIndexFromName(enumName, subsystem, index)) {
+    if (const char* name = enumeratorName(*classAt(subsystem, index), value)) return name;
   }
   logError("XNMessageBase::getEnumString",
            "Subsystem : [%d] :: Enum : [%s] does not have a member with value : [%d]", subsystem, enumName,

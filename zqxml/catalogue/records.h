@@ -163,6 +163,11 @@ struct SubsystemDef {
   const FieldDefaultEntry* defaults;  ///< runs of the classes' defaults; see _ClassDef::defaultsStart
   std::int16_t recordCount;           ///< class records
   bool oldWay;                        ///< objects are built whole at construction; see old_way.h
+  std::uint8_t bucketBits = 0;        ///< each table in `buckets` has 2 to the power of it
+  /// Two hash tables of class indices, by id and behind it by name, in the form that the look-ups know. Null
+  /// in a row that was written by hand: look-ups then go through `idIndex` and `classDefs`, with the same
+  /// answers.
+  const std::int16_t* buckets = nullptr;
 };
 
 /// Rows of the subsystem table that may be filled: slots 0 to 206.
