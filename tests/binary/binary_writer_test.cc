@@ -110,6 +110,50 @@ TEST(BinaryWriterTest, NulIsFoundAtEveryPlaceOfTextsOfEveryLength) {
   }
 }
 
+TEST(BinaryWriterTest, TextsOfEveryLengthStandSideBySide) {
+  EveryType message;
+  for (std::size_t size = 0; size < 100; ++size) {
+    const std::string text(size, 'x'), other(size / 2, 'y');
+    message.setStringField(text);
+    message.setListStringField({other, text, "z", text});
+    const std::string expected = Wire().key("stringField", 2).text(text).bytes() + [&] {
+      Wire list = Wire().marker(4);
+      for (const std::string& element : {other, text, std::string("z"), text})
+        list.key("listStringField", 2).text(element);
+      return list.bytes();
+    }();
+    ASSERT_EQ(serializedBody(message), expected) << size;
+  }
+}
+
+TEST(BinaryWriterTest, NothingIsWrittenBehindTheLastText) {
+  EveryType message;
+  for (std::size_t size = 0; size < 40; ++size) {
+    message.setStringField(std::string(size, 'x'));
+    const std::size_t needed = serialized(message).size();
+    std::string memory(needed + 64, '\x55');
+    BinaryBuffer buffer(memory.data(), memory.size());
+    BinarySerializer::serialize(message, buffer);
+    ASSERT_EQ(memory.substr(needed), std::string(64, '\x55')) << size;
+  }
+}
+
+TEST(BinaryWriterTest, NulInAMapCutsThatTextAlone) {
+  EveryType message;
+  message.setStringField("whole");
+  message.setMapStringStringField({{std::string("k\0cut", 5), std::string("v\0cut", 5)}});
+  EXPECT_EQ(serializedBody(message), Wire()
+                                         .key("stringField", 2)
+                                         .text("whole")
+                                         .marker(1)
+                                         .key("mapStringStringField", 2)
+                                         .varint(6)
+                                         .raw("\x02\x02")
+                                         .text("k")
+                                         .text("v")
+                                         .bytes());
+}
+
 TEST(BinaryWriterTest, WideTextIsCountedInBytesOfUtf8) {
   EveryType message;
   message.setWstringField(u"aé€\U0001F600");

@@ -33,9 +33,9 @@ bool prepareBuffer(BinaryBuffer& buffer, std::uint64_t required) {
 }
 
 /// A range of the counted size needs no look at its end, unless a routine of the application has a say in
-/// what is written, or a log line is.
+/// what is written, or a log line is; and no look into the strings, unless one is cut.
 bool isCounted(const BinaryEncoding& encoding) {
-  return !encoding.usesPasswordRoutines && !debugEnabled(15);
+  return !encoding.usesPasswordRoutines && !encoding.cutsTexts && !debugEnabled(15);
 }
 
 void writeBody(XNMessageBase& object, BinaryStream& stream, BinaryEncoding& encoding) {
@@ -68,7 +68,8 @@ std::uint64_t BinarySerializer::serialize(XNMessageBase& object, BinaryBuffer& b
   stream.writeFixed32(static_cast<std::uint32_t>(version));  // bit 16, the flag, is the version's own
   stream.writeFixed32(object.getTagID());
   if (isCounted(encoding)) [[likely]]
-    BodyWriter(ExactWriter(buffer.getBuffer()), encoding).body(object, stream.position());
+    BodyWriter(ExactWriter(buffer.getBuffer() + required), encoding)
+        .body(object, buffer.getBuffer() + stream.position());
   else
     writeBody(object, stream, encoding);
   return buffer.getDataSize();

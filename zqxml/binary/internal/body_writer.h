@@ -26,6 +26,8 @@ struct BinaryEncoding {
   const BinarySerializer::BinarySerializerParameters* parameters = nullptr;
   /// A routine of the application made some of the bytes: the second pass may yield another number of them.
   bool usesPasswordRoutines = false;
+  /// A string holds a NUL, and is written up to there.
+  bool cutsTexts = false;
 };
 
 /// One writer serves one pass over one object. Bodies nest by recursion. As in the sink, each operation
@@ -70,7 +72,7 @@ class BodyWriter {
   Position record(XNMessageBase& message, const _ClassDef& classDef, const FieldDef& field, Position at) {
     const FieldDataType type = field.getType();
     if (type == FDT_NONE) return at;  // the self record of a class: no field
-    if constexpr (!Sink::kCounts) {
+    if constexpr (Sink::kTraces) {
       if (traces_) [[unlikely]]
         trace(classDef, field, at);
     }
@@ -195,7 +197,9 @@ class BodyWriter {
   static XNMessageBase& cacheable(const XNMessageBase& object) { return const_cast<XNMessageBase&>(object); }
 
   static std::uint64_t sideSize(std::int64_t) { return 8; }
-  static std::uint64_t sideSize(const std::string& text) { return prefixedSize(wire::upToNul(text).size()); }
+  std::uint64_t sideSize(const std::string& text) {
+    return prefixedSize(Sink::kWholeTexts ? text.size() : written(text).size());
+  }
   std::uint64_t sideSize(const XNMessageBase& object) { return prefixedSize(bodySize(cacheable(object))); }
   static std::uint64_t prefixedSize(std::uint64_t size) {
     return BinaryStream::varint32Size(static_cast<std::uint32_t>(size)) + size;
@@ -219,7 +223,21 @@ class BodyWriter {
 
   // One text with its length.
 
-  Position text(const std::string& value, Position at) { return prefixed(wire::upToNul(value), at); }
+  Position text(const std::string& value, Position at) {
+    if constexpr (Sink::kWholeTexts)
+      return sink_.wholeText(at, value);
+    else
+      return prefixed(written(value), at);
+  }
+  /// What of a string is written. The first pass notes whether that is less than all.
+  std::string_view written(const std::string& value) {
+    const std::string_view text = wire::upToNul(value);
+    if constexpr (Sink::kCounts) {
+      if (text.size() != value.size()) [[unlikely]]
+        encoding_.cutsTexts = true;
+    }
+    return text;
+  }
   [[gnu::noinline]] Position text(const std::u16string& value, Position at) {
     const std::size_t size = utf8Length(value);
     at = sink_.varint(at, static_cast<std::uint32_t>(size));

@@ -5,6 +5,7 @@
 //
 //   fixed32, fixed64, varint   one value
 //   bytes                      a byte run that exists
+//   wholeText                  a string with its length (where kWholeTexts says that nothing is cut off)
 //   produce(at, size, make)    a byte run of known size that make(char*) writes in place
 //   group(at, size, nested)    values of known size that nested(at) hands to the sink
 //   numbers<E>                 the elements of a packed list, whose size the caller knows
@@ -18,6 +19,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -27,6 +29,8 @@ namespace zqxml {
 class ByteCounter {
  public:
   static constexpr bool kCounts = true;
+  static constexpr bool kTraces = false;
+  static constexpr bool kWholeTexts = false;
   static constexpr const char* kFunction = "BinarySerializer::calculateReqBinStreamSize";
   using Position = std::uint64_t;
 
@@ -53,6 +57,8 @@ class ByteCounter {
 class ByteWriter {
  public:
   static constexpr bool kCounts = false;
+  static constexpr bool kTraces = true;
+  static constexpr bool kWholeTexts = false;
   static constexpr const char* kFunction = "BinarySerializer::serializeBinaryRecursive";
   using Position = std::uint64_t;
 
@@ -110,29 +116,49 @@ class ByteWriter {
   const std::uint64_t limit_;
 };
 
-/// Second pass where the first one has counted exactly these bytes: into a range that holds them, unchecked.
+/// Second pass where the first one has counted exactly these bytes and found every string to be written as a
+/// whole, and no line is logged: into a range that holds them, unchecked.
 class ExactWriter {
  public:
   static constexpr bool kCounts = false;
+  static constexpr bool kTraces = false;
+  static constexpr bool kWholeTexts = true;
   static constexpr const char* kFunction = ByteWriter::kFunction;
-  using Position = std::uint64_t;
+  using Position = char*;
 
-  explicit ExactWriter(char* buffer) : buffer_(buffer) {}
+  /// `end` is that of the range.
+  explicit ExactWriter(const char* end) : end_(end) {}
 
-  Position fixed32(Position at, std::uint32_t value) const { return fixed(at, value); }
-  Position fixed64(Position at, std::uint64_t value) const { return fixed(at, value); }
-  Position varint(Position at, std::uint32_t value) const {
-    for (; value >= 0x80; value >>= 7) buffer_[at++] = static_cast<char>(value | 0x80);
-    buffer_[at] = static_cast<char>(value);
-    return at + 1;
+  static Position fixed32(Position at, std::uint32_t value) { return fixed(at, value); }
+  static Position fixed64(Position at, std::uint64_t value) { return fixed(at, value); }
+  static Position varint(Position at, std::uint32_t value) {
+    for (; value >= 0x80; value >>= 7) *at++ = static_cast<char>(value | 0x80);
+    *at++ = static_cast<char>(value);
+    return at;
   }
-  Position bytes(Position at, std::string_view run) const {
-    if (!run.empty()) std::memcpy(buffer_ + at, run.data(), run.size());
+  static Position bytes(Position at, std::string_view run) {
+    if (!run.empty()) std::memcpy(at, run.data(), run.size());
     return at + run.size();
   }
+  Position wholeText(Position at, const std::string& text) const {
+    // Most are short, and copies of fixed length need no call. What is copied from behind a short text is
+    // written over by what follows it.
+    constexpr std::size_t kBlock = wire::kStringRoom;
+    const std::size_t size = text.size();
+    at = varint(at, static_cast<std::uint32_t>(size));
+    if (size < kBlock && static_cast<std::size_t>(end_ - at) >= kBlock) [[likely]] {
+      std::memcpy(at, text.data(), kBlock);
+    } else if (size - kBlock <= kBlock) {
+      std::memcpy(at, text.data(), kBlock);
+      std::memcpy(at + size - kBlock, text.data() + size - kBlock, kBlock);
+    } else {
+      std::memcpy(at, text.data(), size);
+    }
+    return at + size;
+  }
   template <class Make>
-  Position produce(Position at, std::uint64_t size, Make&& make) const {
-    make(buffer_ + at);
+  static Position produce(Position at, std::uint64_t size, Make&& make) {
+    make(at);
     return at + size;
   }
   template <class Nested>
@@ -140,7 +166,7 @@ class ExactWriter {
     return nested(at);
   }
   template <element::Number E>
-  Position numbers(Position at, std::uint64_t size, const std::vector<typename E::Value>& values) const {
+  static Position numbers(Position at, std::uint64_t size, const std::vector<typename E::Value>& values) {
     if constexpr (wire::kCopied<E>) return bytes(at, {reinterpret_cast<const char*>(values.data()), size});
     for (const auto value : values) {
       if constexpr (wire::kCoding<E> == wire::NumberCoding::kZigzag) {
@@ -158,13 +184,13 @@ class ExactWriter {
 
  private:
   template <class T>
-  Position fixed(Position at, T value) const {
+  static Position fixed(Position at, T value) {
     value = BinaryStream::littleEndian(value);
-    std::memcpy(buffer_ + at, &value, sizeof value);
+    std::memcpy(at, &value, sizeof value);
     return at + sizeof value;
   }
 
-  char* const buffer_;
+  const char* const end_;
 };
 
 /// Bytes of a packed list's elements.
