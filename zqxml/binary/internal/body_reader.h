@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zqxml/annotation/annotation_record.h>
+#include <zqxml/binary/internal/body_frame.h>
 #include <zqxml/binary/internal/map_reader.h>
 #include <zqxml/binary/internal/wire_reader.h>
 #include <zqxml/message/internal/message_access.h>
@@ -68,18 +69,7 @@ class BodyReader : public WireReader<Observer> {
   using Base::noted;
   using Base::observer_;
 
-  /// A body being read.
-  struct Frame {
-    XNMessageBase& message;
-    const _ClassDef* classDef;
-    std::uint64_t end;
-    /// Position after the last match, where the next search starts: fields in declared order cost one
-    /// comparison each.
-    std::int16_t nextPosition = 0;
-    /// Last count seen behind the marker. QUIRK: it is not cleared after use, and is the only count that a
-    /// list or a map has: one without a marker of its own takes the count of an earlier one.
-    std::uint32_t collectionCount = 0;
-  };
+  using Frame = BodyFrame;
 
   /// Flat, with what is long kept out: this is where the time goes.
   [[gnu::flatten]] bool records(XNMessageBase& message, BinaryStream& stream, std::uint64_t end) {
@@ -104,38 +94,50 @@ class BodyReader : public WireReader<Observer> {
     std::uint32_t key;
     if (!in.fits(sizeof key)) return overrun(in);
     in.readFixed32(key);
-    const FieldDef* field = find(frame, key);
+    const FieldDef* field = frame.find(key);
     observer_.record(field);
     noted(in, WirePart::kKey, sizeof key, key);
-    if (field == nullptr) return unknown(frame, in, key);
     if constexpr (Observer::kTraces) {
-      if (traces_) [[unlikely]] {
+      if (field != nullptr && traces_) [[unlikely]] {
         logDebug("BinarySerializer::unserializeBinaryRecur", 15,
                  "Identified  [%s] : [%s] at buffer position : [%d]", frame.classDef->getName(),
                  field->getName(), position);
       }
     }
+    if (field == nullptr || kKeptOutTypes.contains(field->getType())) return apart(frame, in, field, key);
     // QUIRK: the type of the field alone decides; the encoding in the key is not compared with it.
-    return visitStorage(field->getType(),
-                        [&](auto storage) { return this->value(frame, in, *field, storage); });
+    return visitStorage(field->getType(), [&](auto storage) {
+      if constexpr (kIsKeptOut(decltype(storage){}))
+        return true;  // NOCOVER: apart() reads these
+      else
+        return this->value(frame, in, *field, storage);
+    });
   }
 
-  /// The field with the key's hash, the search going on from the last match; null when there is none, for
-  /// hash 0 and for the collection marker.
-  static const FieldDef* find(Frame& frame, std::uint32_t key) {
-    const std::uint32_t hash = wire::hashOfKey(key);
-    if (hash == 0 || key == wire::kCollectionMarker || frame.classDef == nullptr) return nullptr;
-    const FieldDef* fields = frame.classDef->getFields();
-    const int count = frame.classDef->getNumberOfFields();
-    if (fields == nullptr) return nullptr;
-    for (int tried = 0, position = frame.nextPosition; tried < count; ++tried, ++position) {
-      if (position >= count) position = 0;
-      if (fields[position].getFieldHashId() == hash && fields[position].getType() != FDT_NONE) {
-        frame.nextPosition = static_cast<std::int16_t>(position + 1);
-        return &fields[position];
-      }
-    }
-    return nullptr;
+  /// Whether reading values of a storage is kept out of records().
+  static constexpr Overloaded kIsKeptOut{
+      []<class E>(List<E>) { return true; }, []<class K, class V>(Map<K, V>) { return true; },
+      [](Object) { return true; }, [](Owned<element::PStr>) { return true; }, [](auto) { return false; }};
+  static constexpr FieldTypeSet kKeptOutTypes = FieldTypeSet::ofStorage(kIsKeptOut);
+
+  /// What is kept out gets copies: so the frame and the stream of records() have no address, and stay in
+  /// registers. One place of call for all: each would have copies of its own, and levels nest.
+  bool apart(Frame& frame, BinaryStream& in, const FieldDef* field, std::uint32_t key) {
+    Frame frameCopy = frame;
+    BinaryStream inCopy = in;
+    const bool complete = keptOut(frameCopy, inCopy, field, key);
+    frame.collectionCount = frameCopy.collectionCount;
+    in = inCopy;
+    return complete;
+  }
+  [[gnu::noinline]] bool keptOut(Frame& frame, BinaryStream& in, const FieldDef* field, std::uint32_t key) {
+    if (field == nullptr) return unknown(frame, in, key);
+    return visitStorage(field->getType(), [&](auto storage) {
+      if constexpr (kIsKeptOut(decltype(storage){}))
+        return this->value(frame, in, *field, storage);
+      else
+        return true;  // NOCOVER: record() reads these
+    });
   }
 
   [[gnu::noinline]] bool unknown(Frame& frame, BinaryStream& in, std::uint32_t key) {
