@@ -17,7 +17,7 @@ inline ListMemory& threadMemory() {
 /// Keeps the block unless it is a large one or the thread has one. Memory that is asked for anew comes as
 /// pages that the system has to clear, which takes more time than to scan what is noted in them.
 inline void keepForThread(ListMemory memory) {
-  constexpr std::size_t kMost = std::size_t{1} << 20;
+  constexpr std::size_t kMost = std::size_t{2} << 20;
   if (memory.size != 0 && memory.size <= kMost && memory.size > threadMemory().size)
     threadMemory() = std::move(memory);
 }
