@@ -91,7 +91,7 @@ TEST(XmlWriters, BothGiveTheSameLongTextWhateverLengthTheLastOneHad) {
   OpenMessage message = newMessage("Demo_EveryType");
   const FieldDef& field = fieldOf(message, "listStringField");
   auto& texts = MessageAccess::make<std::vector<std::string>>(message, field, true);
-  for (const std::size_t count : {5, 3000, 3000, 300, 9000, 2000}) {
+  for (const std::size_t count : {5u, 3000u, 3000u, 300u, 9000u, 2000u}) {
     texts.assign(count, "of the <usual> kind");
     for (const unsigned number : {0u, 1u, 4u})
       ASSERT_EQ(written(message, WayOfWriting(number), true), written(message, WayOfWriting(number), false))
