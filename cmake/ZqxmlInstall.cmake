@@ -53,11 +53,13 @@ install(DIRECTORY ${zqxml_schema_folders} DESTINATION "${zqxml_data_dir}/schema"
 
 # All paths in what users' builds read are told from the place of the file, so that the tree may be moved.
 file(RELATIVE_PATH zqxml_package_to_prefix "${CMAKE_INSTALL_PREFIX}/${zqxml_package_dir}" "${CMAKE_INSTALL_PREFIX}")
-configure_package_config_file(cmake/ZqXMLMsgsBaseConfig.cmake.in "${PROJECT_BINARY_DIR}/ZqXMLMsgsBaseConfig.cmake"
+# They are made in a folder where find_package does not look: with the build's bin/ on the PATH it looks in the build.
+set(zqxml_config_dir "${PROJECT_BINARY_DIR}/package")
+configure_package_config_file(cmake/ZqXMLMsgsBaseConfig.cmake.in "${zqxml_config_dir}/ZqXMLMsgsBaseConfig.cmake"
                               INSTALL_DESTINATION "${zqxml_package_dir}")
-write_basic_package_version_file("${PROJECT_BINARY_DIR}/ZqXMLMsgsBaseConfigVersion.cmake"
+write_basic_package_version_file("${zqxml_config_dir}/ZqXMLMsgsBaseConfigVersion.cmake"
                                  COMPATIBILITY SameMajorVersion)
-install(FILES "${PROJECT_BINARY_DIR}/ZqXMLMsgsBaseConfig.cmake" "${PROJECT_BINARY_DIR}/ZqXMLMsgsBaseConfigVersion.cmake"
+install(FILES "${zqxml_config_dir}/ZqXMLMsgsBaseConfig.cmake" "${zqxml_config_dir}/ZqXMLMsgsBaseConfigVersion.cmake"
               cmake/ZqxmlCatalogue.cmake
         DESTINATION "${zqxml_package_dir}" COMPONENT development)
 file(RELATIVE_PATH zqxml_pc_to_prefix "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")

@@ -238,12 +238,22 @@ class Programs(unittest.TestCase):
         self.run_here(self.command_of_readme('g++', '$(pkg-config'))
         self.assertEqual(self.run_here('./round_trip'), OUTPUT)
 
-    def test_CMake_builds_it_with_the_one_target(self):
+    def build_project_of_readme(self):
         project, = blocks_of_readme('cmake')
         (self.folder / 'CMakeLists.txt').write_text(project)
-        self.assertEqual(re.findall(r'\w+::\w+', project), ['ZqXMLMsgsBase::ZqXMLMsgsBase'])
         self.run_here(self.command_of_readme('cmake -B'))
         self.assertEqual(self.run_here('build/round_trip'), OUTPUT)
+        return project
+
+    def test_CMake_builds_it_with_the_one_target(self):
+        project = self.build_project_of_readme()
+        self.assertEqual(re.findall(r'\w+::\w+', project), ['ZqXMLMsgsBase::ZqXMLMsgsBase'])
+
+    def test_CMake_finds_the_package_behind_a_build_on_the_path(self):
+        build = (arguments.build or ROOT / 'build-release').resolve()
+        self.environment['PATH'] = f'{build}/bin:{self.environment["PATH"]}'
+        self.environment.pop('CMAKE_PREFIX_PATH', None)
+        self.build_project_of_readme()
 
     def test_A_project_takes_every_header_and_adds_messages_of_its_own(self):
         self.run_here(f'cmake -S {HERE} -B build -G Ninja && cmake --build build')
