@@ -215,9 +215,9 @@ class CheckTidyTest : public CheckTest {
           "cmake_minimum_required(VERSION 3.25)\nproject(Tree CXX)\nset(CMAKE_EXPORT_COMPILE_COMMANDS ON)\n"
           "add_library(tree OBJECT zqxml/xml/halves.cc zqxml/xml/user.cc)\n"
           "target_include_directories(tree PRIVATE .)\nadd_custom_target(zqxml_catalogue_tables)\n");
-    plant(
-        "CMakePresets.json",
-        R"({"version": 6, "configurePresets": [{"name": "dev", "generator": "Ninja", "binaryDir": "build-dev"}]})");
+    plant("CMakePresets.json", R"({"version": 6, "configurePresets": [
+        {"name": "dev", "generator": "Ninja", "binaryDir": "build-dev"},
+        {"name": "tidy", "inherits": "dev", "binaryDir": "build-tidy", "cacheVariables": {"CMAKE_UNITY_BUILD": "ON"}}]})");
     plant(".gitignore", "build-*/\n");
     plant("zqxml/xml/halves.cc", kFine);
     plant("zqxml/xml/halved.h", "inline double third(double value) {\n  return value / 3;\n}\n");
@@ -250,6 +250,13 @@ TEST_F(CheckTidyTest, OnlyWhatChangedIsLookedAtUnlessAllIs) {
   expectClean(check(sinceHead_));
   expectOffence(check({"--base", "HEAD~1"}), kTold);
   expectOffence(check({"--all"}), kTold);
+}
+
+TEST_F(CheckTidyTest, SourcesAreReadInPiecesWhenAllAre) {
+  expectClean(check({"--all"}));
+  EXPECT_THAT(in({"grep", "-c", "unity_0", "build-tidy/compile_commands.json"}).out, HasSubstr("1"));
+  plant("zqxml/xml/halved.h", "inline double third(int value) {\n  return value / 3;\n}\n");
+  expectOffence(check({"--all"}), "zqxml/xml/halved.h:2: tidy: result of integer division");
 }
 
 TEST_F(CheckTidyTest, LastCommitIsLookedAtWhenNothingChangedSince) {

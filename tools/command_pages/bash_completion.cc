@@ -53,6 +53,7 @@ std::string joined(const std::vector<std::string>& words, std::string_view betwe
 /// The patterns of a case: the command, then one of the words.
 std::string patterns(const std::string& command, const std::vector<std::string>& words) {
   std::vector<std::string> all;
+  all.reserve(words.size());
   for (const std::string& word : words) all.push_back('"' + command + ' ' + word + '"');
   return joined(all, " | ");
 }

@@ -50,7 +50,7 @@ const CLI::App& called(const CLI::App& app) {
 
 /// A ValidationError and an ArgumentMismatch begin with the option's name.
 std::string whyOf(const CLI::App& app, const CLI::ParseError& error) {
-  const std::string what = error.what();
+  std::string what = error.what();
   const std::size_t colon = what.find(": ");
   if (colon == std::string::npos) return what;
   const std::string name = what.substr(0, colon);

@@ -10,7 +10,7 @@ namespace zqxml::zqcatc {
 namespace {
 
 /// In quotes, on one line.
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
   std::string result(text);
   std::replace_if(
       result.begin(), result.end(), [](unsigned char c) { return c < 0x20; }, ' ');
@@ -27,7 +27,7 @@ const Element* annotationOf(const Field& field, std::string_view name) {
 std::string shownAs(const Field& field) {
   const Element* text = annotationOf(field, "Text");
   if (text == nullptr || text->value("text").empty()) return {};
-  return cat("Shown as ", quoted(text->value("text")), ".");
+  return cat("Shown as ", inQuotes(text->value("text")), ".");
 }
 
 /// The default as the type shows it: an enumerator by its name, a text in quotes, anything else as it stands.
@@ -39,7 +39,7 @@ std::string defaultOf(const Field& field) {
       if (number && static_cast<std::int32_t>(enumerator.hash) == static_cast<std::int32_t>(*number))
         return cat(enumerator.name, " (", text, ")");
   }
-  return kNumberTypes.contains(field.type) ? text : quoted(text);
+  return kNumberTypes.contains(field.type) ? text : inQuotes(text);
 }
 
 void addSentence(std::string& text, const std::string& sentence) {

@@ -37,7 +37,7 @@ struct Element {
   /// Place of the attribute, of the element when it is not there.
   Position at(std::string_view attribute) const;
   /// First child of the name, null when there is none.
-  const Element* child(std::string_view name) const;
+  const Element* child(std::string_view wanted) const;
 };
 
 /// Reads schema files and checks them against catalogue.xsd, which is part of the program.

@@ -167,7 +167,7 @@ std::string Conversion::pathInFolder(MessageSource& source) {
     name += "-" + std::string(number.size() < 6 ? 6 - number.size() : 0, '0') + number;
   }
   name += kExtensions[static_cast<std::size_t>(options_.write.form)];
-  const std::string path = (std::filesystem::path(options_.output) / name).string();
+  std::string path = (std::filesystem::path(options_.output) / name).string();
   if (!produced_.insert(path).second)
     throw Failure(kFailed, source.name(), "would be written over " + path + ", which another input became")
         .advise("convert files of the same name into different folders");

@@ -28,7 +28,7 @@ class Explanation {
   bool record(const ObjectReader& objects, std::string_view data);
 
  private:
-  void note(const BinaryNote& note, std::string_view bytes, std::uint64_t offset);
+  void note(const BinaryNote& told, std::string_view bytes, std::uint64_t offset);
   void line(std::uint64_t offset, std::string_view bytes, std::string_view field, std::string_view what,
             std::string_view value);
 

@@ -32,6 +32,7 @@ std::size_t firstDifference(std::string_view a, std::string_view b) {
 template <class T>
 bool sameValue(const T& a, const T& b) {
   if constexpr (std::is_floating_point_v<T>) {
+    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): the bits are meant
     return std::memcmp(&a, &b, sizeof a) == 0;
   } else if constexpr (std::is_same_v<T, pstring>) {
     return a == b && a.getEncryptionType() == b.getEncryptionType();

@@ -61,6 +61,7 @@ bool decryptShort(const std::string& stored, bstring& plain) {
 }  // namespace
 
 bstring pstring::getPlainPassword() const {
+  // NOLINTNEXTLINE(cppcoreguidelines-slicing): the bytes alone
   if (encryptionType_ == kPlainText) return *this;
   bstring plain;
   if (kOfAnyLength.contains(encryptionType_)) {

@@ -57,11 +57,11 @@ class ZQXML_EXPORT BinaryBuffer {
   /// True while the content fits the capacity.
   bool Status() const { return dataSize_ <= bufferSize_; }
 
- private:
-  // deepCopyBuffer makes a second copy of the bytes.
+  /// No copies by the way: deepCopyBuffer makes one.
   BinaryBuffer(const BinaryBuffer&) = delete;
   BinaryBuffer& operator=(const BinaryBuffer&) = delete;
 
+ private:
   void release();
   void take(char* data, std::size_t size, std::size_t content, bool external);
 

@@ -45,13 +45,13 @@ class BinaryStream {
   unsigned readFixed32(std::uint32_t& value) { return readFixed(value); }
   unsigned readFixed64(std::uint64_t& value) { return readFixed(value); }
   unsigned readFloat(float& value) {
-    std::uint32_t bits;
+    std::uint32_t bits = 0;
     readFixed(bits);
     value = std::bit_cast<float>(bits);
     return sizeof value;
   }
   unsigned readDouble(double& value) {
-    std::uint64_t bits;
+    std::uint64_t bits = 0;
     readFixed(bits);
     value = std::bit_cast<double>(bits);
     return sizeof value;
@@ -71,7 +71,7 @@ class BinaryStream {
   }
   /// The same for a signed varint.
   unsigned readSignedVarint32(std::int32_t& value) {
-    std::uint32_t encoded;
+    std::uint32_t encoded = 0;
     const unsigned size = readVarint32(encoded);
     value = unzigzag(encoded);
     return size;

@@ -65,7 +65,7 @@ void append(EventMessage& msg, EventArgumentType type, const std::string& data) 
 
 /// Reads one argument into the container. False, and a line, when its type is not known.
 bool insert(EvMessageContainer& out, const EventArgument& argument) {
-  const std::string data = argument.getData();
+  const std::string& data = argument.getData();
   switch (argument.getType()) {
     case EventArgumentType::INT:
       out << int{parseInt32(data)};

@@ -53,7 +53,7 @@ class ZQXML_EXPORT XmlLoggerHelper : public ZqThreadPool {
                   XNMessageBase* message, std::span<const FormatArg> arguments = {}) noexcept;
 
   /// The job of a pool's thread: writes the line of a messageContainer and releases it. 0, or 1 for null.
-  static unsigned writeThroughTreadPool(void* container) noexcept;
+  static unsigned writeThroughTreadPool(void* argument) noexcept;
 
  private:
   XmlLoggerHelper();

@@ -182,6 +182,7 @@ void XNMessageBase::operator=(const XNMessageBase& other) {
   takeFields(copy);
 }
 
+// NOLINTNEXTLINE(performance-noexcept-move-constructor): throws between classes
 void XNMessageBase::operator=(XNMessageBase&& other) {
   if (this == &other) return;
   if (isMovedFrom()) {

@@ -45,7 +45,7 @@ Value& orScratch(Value* value) {
 
 /// Moves `value` into the container or object; where the accessor failed (and logged why) it is dropped.
 template <class Value>
-void put(Value* target, Value&& value) {
+void put(Value* target, std::type_identity_t<Value>&& value) {
   if (target != nullptr) *target = std::move(value);
 }
 

@@ -80,6 +80,7 @@ class ZQXML_EXPORT XNMessageBase {
   void operator=(const XNMessageBase& other);
   /// As above, but takes the fields over where the copy would clone them, and
   /// leaves `other` moved from; throws in the same case.
+  // NOLINTNEXTLINE(performance-noexcept-move-constructor): throws between classes
   void operator=(XNMessageBase&& other);
 
   /// Field by field over fields with a name hash; false when either object has no class or the classes

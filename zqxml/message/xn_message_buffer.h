@@ -20,7 +20,8 @@ class ZQXML_EXPORT XNMessageBuffer {
   static constexpr std::size_t kInlineBytes = 204;
 
   /// No storage.
-  XNMessageBuffer() {}  // not defaulted: a message made with () shall not zero the inline area
+  // NOLINTNEXTLINE(modernize-use-equals-default): a message made with () shall not zero the inline area
+  XNMessageBuffer() {}
   /// Frees the external block unless it is the caller's.
   ~XNMessageBuffer();
   /// Takes over the external block and the bytes of the inline area; `other` is left empty. In-place strings

@@ -50,7 +50,7 @@ struct Insert {
     using Value = typename E::Value;
     auto& list = MessageAccess::make<std::vector<Value>>(msg, field, true);
     if constexpr (element::Integer<E>) {
-      std::int64_t cell;
+      std::int64_t cell = 0;
       std::memcpy(&cell, value, sizeof cell);
       list.push_back(static_cast<Value>(cell));
     } else {

@@ -91,7 +91,7 @@ class BodyReader : public WireReader<Observer> {
 
   bool record(Frame& frame, BinaryStream& in) {
     const std::uint64_t position = in.position();
-    std::uint32_t key;
+    std::uint32_t key = 0;
     if (!in.fits(sizeof key)) return overrun(in);
     in.readFixed32(key);
     const FieldDef* field = frame.find(key);

@@ -45,7 +45,7 @@ class DomSink {
   }
   Node element(Node parent, const Name& name) {
     try {
-      const Node child = document_->createElement(name.c_str());
+      Node child = document_->createElement(name.c_str());
       parent->appendChild(child);
       return child;
     } catch (...) {

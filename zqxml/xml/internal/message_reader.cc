@@ -137,7 +137,7 @@ void BasicMessageReader<Char>::openRoot(Name name, Attributes attributes) {
   }
   MessageAccess::wipeBitset(*made);
   path_.openRoot(*made);
-  made.release();                       // the caller's from here on
+  static_cast<void>(made.release());    // the caller's from here on
   (void)processAttributes(attributes);  // a class was found
 }
 
