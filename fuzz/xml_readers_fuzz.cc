@@ -41,7 +41,9 @@ void compareParsers(const std::string& text) {
     }
     return outcomes;
   }();
-  fuzz::require(readInto(XmlRead::Every(), text, true, false) == readBySax2(XmlRead::Every(), text));
+  // An empty text is refused before a parser gets it.
+  if (!text.empty())
+    fuzz::require(readInto(XmlRead::Every(), text, true, false) == readBySax2(XmlRead::Every(), text));
   SaxParse::dropKept();
   const ReadingOutcome byNewParser = readNew(text, false);
   for (std::size_t i = 0; i < std::size(kProbes); ++i) {
