@@ -100,7 +100,7 @@ void SaxReader::endElement(const xercesc::XMLElementDecl& declaration, unsigned,
 }
 
 void SaxReader::docCharacters(const XMLCh* text, XMLSize_t length, bool) {
-  if (depth_ != 0) target_->characters({text, length});  // not the white space around the root
+  target_->characters({text, length});
 }
 
 void SaxReader::XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,

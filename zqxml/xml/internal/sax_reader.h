@@ -44,6 +44,7 @@ class SaxReader final : public xercesc::SAX2XMLReaderImpl {
                     bool isRoot) override;
   void endElement(const xercesc::XMLElementDecl& declaration, unsigned uri, bool isRoot,
                   const XMLCh* prefix) override;
+  /// Of the root and below it: white space around the root is ignorable, and other text there is an error.
   void docCharacters(const XMLCh* text, XMLSize_t length, bool section) override;
   void XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
                const XMLCh* actualEncoding) override;
