@@ -9,6 +9,7 @@
 #include <zqxml/catalogue/generated/XmlRead.h>
 #include <zqxml/platform/text.h>
 #include <zqxml/xml/internal/sax_parse.h>
+#include <zqxml/xml/my_sax2_handler.h>
 #include <zqxml/xml/xml_serializer.h>
 
 #include <algorithm>
@@ -19,6 +20,7 @@
 #include <string_view>
 #include <thread>
 #include <vector>
+#include <xercesc/sax/SAXParseException.hpp>
 
 namespace zqxml {
 namespace {
@@ -204,13 +206,16 @@ TEST_F(SaxParses, ParserOfAnotherSettingIsNotUsed) {
   EXPECT_EQ(readNew(xml), "none");
 }
 
-/// The room of a list of a hundred elements, each of them that text, behind another text.
-std::size_t roomOfAHundred(const std::string& before, const std::string& element) {
+/// The room of the list that a text has, which has a hundred elements.
+std::size_t roomIn(const std::string& xml) {
   Node node;
-  const std::string xml = "<XmlRead_Node>" + before + repeated(element, 100) + "<id>1</id></XmlRead_Node>";
   EXPECT_EQ(XMLSerializer().unserialize(node, xml, false), XN_MSG_OK) << xml;
   EXPECT_EQ(node.getCounts().size(), 100u) << xml;
   return node.getCounts().capacity();
+}
+/// The same of one whose elements are each that text, behind another text.
+std::size_t roomOfAHundred(const std::string& before, const std::string& element) {
+  return roomIn("<XmlRead_Node>" + before + repeated(element, 100) + "<id>1</id></XmlRead_Node>");
 }
 
 TEST_F(SaxParses, LongListTakesItsRoomAtOnce) {
@@ -227,6 +232,17 @@ TEST_F(SaxParses, ListWhoseLengthTheTextDoesNotShowGrowsAsItArrives) {
   EXPECT_EQ(roomOfAHundred("", "<counts val='1'/><name/>"), 128u);
   const std::string wide = "<name>" + repeated("\xc3\xa9", 5000) + "</name>";
   EXPECT_EQ(roomOfAHundred(wide, "<counts val='1'/>"), 128u) << "its column is not its place";
+}
+
+TEST_F(SaxParses, LongListTakesItsRoomWhateverFollowsIt) {
+  const std::string list = repeated("<counts val='1'/>", 100);
+  EXPECT_EQ(roomIn("<XmlRead_Node>" + list + "</XmlRead_Node>"), 100u);
+  EXPECT_EQ(roomIn("<counts>" + list + "</counts>"), 100u) << "the root ends as an element of the list does";
+}
+
+TEST_F(SaxParses, ElementWhoseNameBeginsAlikeIsNotCountedForAList) {
+  const std::string list = repeated("<counts val='1'/>", 100);
+  EXPECT_EQ(roomIn("<XmlRead_Node>" + list + repeated("<countsMore/>", 100) + "</XmlRead_Node>"), 100u);
 }
 
 TEST_F(SaxParses, ListsAreReadWhereverTheirElementsWereCounted) {
@@ -248,6 +264,34 @@ TEST_F(SaxParses, LookingUpATagKeepsTheParserToo) {
   EXPECT_EQ(readTag("<XmlRead_Node><unfinished>"), readTag(usual_));
   EXPECT_NE(SaxParse::keptBytes(), 0u);
   EXPECT_EQ(readTag("<XmlRead_Node/>"), readTag(usual_));
+}
+
+/// A handler that throws nothing for a text that is not well formed.
+class PatientHandler final : public MySAX2Handler {
+ public:
+  using MySAX2Handler::MySAX2Handler;
+  void fatalError(const xercesc::SAXParseException&) override { ++errors; }
+
+  int errors = 0;
+};
+
+TEST_F(SaxParses, WithoutAnExceptionTheLookForATagTellsHowFarItCame) {
+  using enum SaxParse::RootTag;
+  struct Row {
+    const char* xml;
+    SaxParse::RootTag end;
+    int errors;
+  };
+  for (const Row& row :
+       {Row{"x", noStart, 1}, Row{"<!-- c -->", noStart, 1}, Row{"<XmlRead_Node id='1", noTag, 1},
+        Row{"<1/>", noTag, 1}, Row{"<XmlRead_Node id='1'><unfinished", read, 0}}) {
+    SaxParse::dropKept();
+    Node node;
+    PatientHandler handler(&node);
+    EXPECT_EQ(SaxParse(handler, 0).parseRootTag(TextSource(std::string_view(row.xml))), row.end) << row.xml;
+    EXPECT_EQ(handler.errors, row.errors) << row.xml;
+    EXPECT_EQ(SaxParse::keptBytes() != 0, row.end == read) << row.xml;
+  }
 }
 
 TEST_F(SaxParses, ParserThatHasGrownIsNotKept) {
