@@ -97,6 +97,18 @@ TEST(BinaryReaderFieldsTest, KeyOfASelfRecordIsAnUnknownField) {
   EXPECT_FALSE(MessageAccess::isSet(message, 2));
 }
 
+TEST(BinaryReaderFieldsTest, FieldsThatComeAgainHaveTheirLatestValue) {
+  HandMadeClass handMade;
+  handMade.field(FDT_INT, "first").field(FDT_INT, "last");
+  OpenMessage message = handMade.message();
+  Wire body;
+  for (unsigned value : {2u, 4u, 6u}) body.key("last", 6).varint(value);
+  for (unsigned value : {8u, 10u}) body.key("nobody", 6).varint(1).key("first", 6).varint(value);
+  EXPECT_EQ(readInto(message, withHeader(message.getTagID(), body)), 0);
+  EXPECT_EQ(slotOf(message, "last"), 3);
+  EXPECT_EQ(slotOf(message, "first"), 5);
+}
+
 TEST(BinaryReaderFieldsTest, TypesWithoutAValueFormReadNothing) {
   for (FieldDataType type : {FDT_RESERVED_24, FDT_RESERVED_29, FDT_ENUM_VALUE, FDT_INT64}) {
     HandMadeClass handMade;

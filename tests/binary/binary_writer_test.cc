@@ -126,6 +126,17 @@ TEST(BinaryWriterTest, TextsOfEveryLengthStandSideBySide) {
   }
 }
 
+TEST(BinaryWriterTest, ShortTextIsWrittenAloneWhereALongOneStood) {
+  EveryType message;
+  for (char before : {'\0', 'x'}) {
+    for (std::size_t size = 0; size < 40; ++size) {
+      message.setStringField(std::string(40, before));
+      MessageAccess::inPlace<std::string>(message, fieldOf(message, "stringField")).assign(size, 'y');
+      ASSERT_EQ(serializedBody(message), Wire().key("stringField", 2).text(std::string(size, 'y')).bytes());
+    }
+  }
+}
+
 TEST(BinaryWriterTest, NothingIsWrittenBehindTheLastText) {
   EveryType message;
   for (std::size_t size = 0; size < 40; ++size) {
