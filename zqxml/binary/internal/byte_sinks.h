@@ -152,6 +152,7 @@ class ExactWriter {
       std::memcpy(at, text.data(), kBlock);
       std::memcpy(at + size - kBlock, text.data() + size - kBlock, kBlock);
     } else {
+      // NOLINTNEXTLINE(bugprone-not-null-terminated-result): the length stands before it
       std::memcpy(at, text.data(), size);
     }
     return at + size;
