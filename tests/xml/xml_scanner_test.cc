@@ -6,6 +6,7 @@
 
 #include <span>
 #include <string>
+#include <thread>
 #include <utility>
 
 namespace zqxml {
@@ -122,13 +123,13 @@ std::pair<std::size_t, std::size_t> memoryKept(int elements) {
   {
     XmlScanner<char> scanner;
     EXPECT_TRUE(scanner.scan(xml));
-    meanwhile = threadMemory().size;
+    meanwhile = ThreadMemory::size();
   }
-  return {meanwhile, threadMemory().size};
+  return {meanwhile, ThreadMemory::size()};
 }
 
 TEST(XmlScanner, MemoryOfALargeTextServesForTheNext) {
-  threadMemory() = {};
+  (void)ThreadMemory::take();
   EXPECT_EQ(memoryKept(100), std::pair(std::size_t{0}, std::size_t{0})) << "a small text needs none";
   const std::size_t kept = memoryKept(10000).second;
   EXPECT_GT(kept, 0u);
@@ -137,8 +138,28 @@ TEST(XmlScanner, MemoryOfALargeTextServesForTheNext) {
 }
 
 TEST(XmlScanner, MemoryOfAVeryLargeTextIsNotKept) {
-  threadMemory() = {};
+  (void)ThreadMemory::take();
   EXPECT_EQ(memoryKept(200000).second, 0u);
+}
+
+/// Scans when its thread ends, after what the thread keeps has ended.
+struct ScansAtTheEnd {
+  std::pair<std::size_t, std::size_t>& kept;
+  ~ScansAtTheEnd() {
+    (void)memoryKept(10000);
+    kept = memoryKept(10000);
+  }
+};
+
+TEST(XmlScanner, EndingThreadsStillScanAndKeepNothing) {
+  std::size_t before = 0;
+  std::pair<std::size_t, std::size_t> atTheEnd{1, 1};
+  std::thread([&] {
+    static thread_local const ScansAtTheEnd scans{atTheEnd};
+    before = memoryKept(10000).second;
+  }).join();
+  EXPECT_GT(before, 0u);
+  EXPECT_EQ(atTheEnd, std::pair(std::size_t{0}, std::size_t{0}));
 }
 
 TEST(XmlScanner, ManyPartsAreGivenAsWell) {

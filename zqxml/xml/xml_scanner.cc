@@ -46,7 +46,7 @@ bool XmlScanner<Char>::scan(View text) {
   text_ = at_ = text.data();
   end_ = text_ + text.size();
   const std::size_t expected = text.size() / kUnitsOfPart;
-  if (expected > kInlineParts) parts_.take(threadMemory());
+  if (expected > kInlineParts) parts_.take(ThreadMemory::take());
   parts_.reserve(expected);
   if (at_[0] == '<' && at_[1] == '?' && !scanDeclaration()) return false;
   if (!scanMisc() || !scanStartTag()) return false;

@@ -48,13 +48,13 @@ class InlineList {
   void pop_back() { --size_; }
   void clear() { size_ = 0; }
 
-  /// Takes a block that is larger than its own memory; what it held is gone.
-  void take(ListMemory& memory) {
+  /// Takes a block, which ends here when it is no larger than its own memory; what it held is gone.
+  void take(ListMemory memory) {
     clear();
     if (memory.size / sizeof(T) <= capacity_) return;
     heap_ = std::move(memory.bytes);
     elements_ = reinterpret_cast<T*>(heap_.get());
-    capacity_ = std::exchange(memory.size, 0) / sizeof(T);
+    capacity_ = memory.size / sizeof(T);
   }
   /// Gives up the block that its elements are in, to be taken by another list; none when they need no block.
   ListMemory release() {

@@ -30,7 +30,7 @@ class XmlScanner {
   using View = std::basic_string_view<Char>;
 
   XmlScanner() = default;
-  ~XmlScanner() { keepForThread(parts_.release()); }
+  ~XmlScanner() { ThreadMemory::keep(parts_.release()); }
   XmlScanner(const XmlScanner&) = delete;
   XmlScanner& operator=(const XmlScanner&) = delete;
 
