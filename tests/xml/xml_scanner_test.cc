@@ -47,7 +47,7 @@ std::string eventsOf(const std::basic_string<Char>& xml) {
 
 /// The events of the text, which are the same in either width.
 std::string events(const std::string& xml) {
-  const std::string narrow = eventsOf(xml);
+  std::string narrow = eventsOf(xml);
   EXPECT_EQ(eventsOf(toUtf16(xml)), narrow);
   return narrow;
 }
