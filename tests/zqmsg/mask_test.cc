@@ -111,6 +111,20 @@ TEST_F(Mask, BadObjectIsNamedAndTheOthersGoOn) {
   EXPECT_EQ(folder_.read("masked.xml"), "old") << "a part is no file";
 }
 
+TEST_F(Mask, DamageEndsTheInputAndNotWhatStandsBeforeIt) {
+  const std::string object = zqmsg({"convert", "--to", "objects"}, kJob).out;
+  const std::string noLength("\0\0\0\0", 4);
+  folder_.write("masked.xml", "old");
+  folder_.write("damaged.objects", object + noLength + object);
+  const ProgramRun shown = zqmsg({"mask", "damaged.objects"});
+  EXPECT_THAT(shown, Exits(1));
+  EXPECT_EQ(shown.out, kMaskedJob);
+  EXPECT_THAT(shown.err,
+              HasSubstr("object 2, at byte " + std::to_string(object.size()) + ", has the length 0"));
+  EXPECT_THAT(zqmsg({"mask", "damaged.objects", "-o", "masked.xml"}), Exits(1));
+  EXPECT_EQ(folder_.read("masked.xml"), "old");
+}
+
 TEST_F(Mask, BadLineIsNamedAndTheOthersGoOn) {
   const std::string line = zqmsg({"convert", "--to", "jsonl"}, kJob).out;
   const ProgramRun run = zqmsg({"mask", "--from", "jsonl"}, line + "{\n" + line);

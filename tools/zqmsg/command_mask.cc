@@ -75,19 +75,21 @@ void maskText(const Options& options, Output& output, Session& session) {
   output.write(maskedLine(options, *message, masked, source.name(), session));
 }
 
-/// False when one of the messages could not be masked.
+/// False when one of the messages could not be masked, or the input ends before its last one does.
 bool maskMessages(const Options& options, Output& output, Session& session) {
-  MessageSource source(options.file, formByName(options.from), session);
-  source.onWait([&output] { output.show(); });
   Attempts attempts(session);
-  const auto maskOne = [&] {
-    const MessagePtr message = source.message();
-    const bool isText = source.form() == Form::kXml;
-    const std::string xml = !options.token ? std::string() : isText ? source.bytes() : message->AsString();
-    output.write(maskedLine(options, *message, xml, source.where(), session));
-    if (isStream(source.form())) session.console.progress("messages masked", source.number());
-  };
-  while (source.take()) attempts.attempt(maskOne);
+  attempts.attempt([&] {
+    MessageSource source(options.file, formByName(options.from), session);
+    source.onWait([&output] { output.show(); });
+    const auto maskOne = [&] {
+      const MessagePtr message = source.message();
+      const bool isText = source.form() == Form::kXml;
+      const std::string xml = !options.token ? std::string() : isText ? source.bytes() : message->AsString();
+      output.write(maskedLine(options, *message, xml, source.where(), session));
+      if (isStream(source.form())) session.console.progress("messages masked", source.number());
+    };
+    while (source.take()) attempts.attempt(maskOne);
+  });
   session.console.endProgress();
   return attempts.failures() == 0;
 }
