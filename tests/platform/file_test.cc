@@ -214,6 +214,22 @@ TEST(CUlFile, EndOfAPipeIsKnownWhenItIsMet) {
   EXPECT_TRUE(atEnd()) << "goes over with the file";
 }
 
+TEST(CUlFile, EndOfAPipeIsForgottenWhereTheFileWentOver) {
+  int ended[2], open[2];
+  ASSERT_EQ(pipe(ended), 0);
+  ASSERT_EQ(pipe(open), 0);
+  close(ended[1]);
+  CUlFile file;
+  file.Attach(ended[0], "ended");
+  char byte = 0;
+  EXPECT_FALSE(file.Read(&byte, 1, nullptr).IsError());
+  const CUlFile other = std::move(file);
+  file.Attach(open[0], "open");
+  bool atEnd = false;
+  EXPECT_EQ(file.IsEOF(atEnd).GetCode(), ESPIPE);
+  close(open[1]);
+}
+
 TEST(CUlFile, ReadErrorIsNoEndOfAPipe) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);

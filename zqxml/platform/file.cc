@@ -47,7 +47,7 @@ CUlFile& CUlFile::operator=(CUlFile&& other) noexcept {
     ahead_ = std::exchange(other.ahead_, {});
     inSequence_ = other.inSequence_;
     readsAhead_ = other.readsAhead_;
-    metEnd_ = other.metEnd_;
+    metEnd_ = std::exchange(other.metEnd_, false);
     held_ = std::exchange(other.held_, {});
   }
   return *this;
