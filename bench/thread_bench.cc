@@ -7,9 +7,12 @@
 #include <bench/report.h>
 #include <bench/roads.h>
 #include <bench/subject.h>
+#include <sched.h>
 #include <time.h>
 
+#include <algorithm>
 #include <array>
+#include <atomic>
 #include <barrier>
 #include <cstddef>
 #include <cstdint>
@@ -33,13 +36,6 @@ struct Cost {
   double processor = 0;
 
   static Cost now() { return {read(CLOCK_MONOTONIC), read(CLOCK_THREAD_CPUTIME_ID)}; }
-  /// What so many calls cost.
-  static Cost of(const Work& work, std::size_t calls) {
-    const Cost start = now();
-    for (std::size_t i = 0; i < calls; ++i) work();
-    const Cost end = now();
-    return {end.wall - start.wall, end.processor - start.processor};
-  }
 
  private:
   static double read(clockid_t clock) {
@@ -48,6 +44,33 @@ struct Cost {
     return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
   }
 };
+
+/// When a thread began its work, and when it ended it.
+struct Span {
+  Cost begin, end;
+
+  /// Of so many calls.
+  static Span of(const Work& work, std::size_t calls) {
+    Span span{Cost::now(), {}};
+    for (std::size_t i = 0; i < calls; ++i) work();
+    span.end = Cost::now();
+    return span;
+  }
+  double processor() const { return end.processor - begin.processor; }
+};
+
+/// Keeps this thread, the one of that number, on a processor of its own, of those that the program may use:
+/// the system could leave all threads on one. They are far apart, where fewer of them share a core.
+void stayOnProcessor(std::size_t number) {
+  cpu_set_t usable, own;
+  require(sched_getaffinity(0, sizeof usable, &usable) == 0, "the processors are not known");
+  auto before = number * (static_cast<std::size_t>(CPU_COUNT(&usable)) - 1) / (kThreads - 1);
+  std::size_t processor = 0;
+  while (!CPU_ISSET(processor, &usable) || before-- != 0) ++processor;
+  CPU_ZERO(&own);
+  CPU_SET(processor, &own);
+  require(sched_setaffinity(0, sizeof own, &own) == 0, "a thread is not kept on a processor");
+}
 
 /// Threads that wait for work and begin it together.
 class Crew {
@@ -72,6 +95,7 @@ class Crew {
 
  private:
   void serve(std::size_t i) {
+    stayOnProcessor(i);
     for (;;) {
       start_.arrive_and_wait();
       if (ended_) return;
@@ -99,7 +123,7 @@ class Contest {
     const auto way = roadOf();
     works_[0]();
     double time = 0;
-    for (calls_ = 1; (time = Cost::of(works_[0], calls_).processor) < nanoseconds / 4; calls_ *= 2) {
+    for (calls_ = 1; (time = Span::of(works_[0], calls_).processor()) < nanoseconds / 4; calls_ *= 2) {
     }
     calls_ = static_cast<std::size_t>(static_cast<double>(calls_) * nanoseconds / time) + 1;
   }
@@ -130,20 +154,28 @@ class Contest {
     return road_ == nullptr ? nullptr : std::make_unique<WithRoad>(*road_);
   }
 
-  /// Of a message: by the wall when so many threads work together, and by each one's processor.
+  /// Of a message: by the wall, from the first thread's beginning to the last one's end, so that threads gain
+  /// nothing by taking turns; and by each one's processor.
   Cost costOf(Crew& crew, std::size_t threads) {
-    std::array<Cost, kThreads> costs = {};
+    std::array<Span, kThreads> spans = {};
     std::array<Work, kThreads> tasks;
-    for (std::size_t i = 0; i < threads; ++i)
-      tasks[i] = [this, i, &costs] { costs[i] = Cost::of(works_[i], calls_); };
-    crew.run(std::move(tasks));
-    const auto calls = static_cast<double>(calls_);
-    double perNanosecond = 0, processor = 0;
+    std::atomic<std::size_t> awake = 0;
     for (std::size_t i = 0; i < threads; ++i) {
-      perNanosecond += calls / costs[i].wall;
-      processor += costs[i].processor / calls / static_cast<double>(threads);
+      tasks[i] = [this, i, threads, &spans, &awake] {
+        // Waking up is no part of the work.
+        for (++awake; awake < threads;) std::this_thread::yield();
+        spans[i] = Span::of(works_[i], calls_);
+      };
     }
-    return {1 / perNanosecond, processor};
+    crew.run(std::move(tasks));
+    double begin = spans[0].begin.wall, end = spans[0].end.wall, processor = 0;
+    for (std::size_t i = 0; i < threads; ++i) {
+      begin = std::min(begin, spans[i].begin.wall);
+      end = std::max(end, spans[i].end.wall);
+      processor += spans[i].processor();
+    }
+    const auto calls = static_cast<double>(calls_ * threads);
+    return {(end - begin) / calls, processor / calls};
   }
 
   std::string name_;
