@@ -16,6 +16,7 @@
 #include <new>
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/util/XMLException.hpp>
 #include <xercesc/util/XMLUni.hpp>

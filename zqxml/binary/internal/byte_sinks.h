@@ -148,7 +148,7 @@ class ExactWriter {
     at = varint(at, static_cast<std::uint32_t>(size));
     if (size < kBlock && static_cast<std::size_t>(end_ - at) >= kBlock) [[likely]] {
       std::memcpy(at, text.data(), kBlock);
-    } else if (size - kBlock <= kBlock) {
+    } else if (size >= kBlock && size <= 2 * kBlock) {
       std::memcpy(at, text.data(), kBlock);
       std::memcpy(at + size - kBlock, text.data() + size - kBlock, kBlock);
     } else {
