@@ -187,7 +187,7 @@ TEST(LoggingManyMessages, ThreadsLogWhileAProcessForks) {
   LineCheck check;
   LoggingThreads threads;
   if (kThreadsRestAtForks) {
-    std::this_thread::sleep_for(milliseconds(50));
+    while (check.lines() == 0) std::this_thread::sleep_for(milliseconds(1));
     EXPECT_GT(threads.stop(), 0);
     settle();
   }
