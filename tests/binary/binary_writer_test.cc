@@ -173,8 +173,9 @@ TEST(BinaryWriterTest, WideTextIsCountedInBytesOfUtf8) {
 
 TEST(BinaryWriterTest, HalfOfASurrogatePairIsTheReplacementCharacter) {
   EveryType message;
-  message.setWstringField(u"\xd83dx\xd83d");
-  EXPECT_EQ(serializedBody(message), Wire().key("wstringField", 2).text("\xef\xbf\xbdx\xef\xbf\xbd").bytes());
+  message.setWstringField(u"\xd83dx\xdc00\xd83d");
+  EXPECT_EQ(serializedBody(message),
+            Wire().key("wstringField", 2).text("\xef\xbf\xbdx\xef\xbf\xbd\xef\xbf\xbd").bytes());
 }
 
 TEST(BinaryWriterTest, BinaryStringIsRawAtVersion1AndBase64AtVersion2) {
