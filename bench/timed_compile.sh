@@ -8,5 +8,6 @@ for word in "$@"; do
   previous=$word
 done
 TIMEFORMAT='%3U %3S'
+export LC_ALL=C  # a point before the decimals
 exec 3>&2
 { time "$@" 2>&3; } 2>"$object.seconds"

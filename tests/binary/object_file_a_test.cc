@@ -1,6 +1,7 @@
 // Object files of format A: lengths of four bytes.
 #include <tests/binary/object_files.h>
 #include <tests/binary/oversized_message.h>
+#include <tests/support/pipe_of.h>
 #include <zqxml/platform/crc64.h>
 
 #include <cerrno>
@@ -267,12 +268,8 @@ TEST_F(ObjectFileA, PipesCarryRecords) {
 }
 
 TEST_F(ObjectFileA, PipeThatEndsInsideALengthIsToldOf) {
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
-  ASSERT_EQ(write(ends[1], "\0\1", 2), 2);
-  close(ends[1]);
   CUlFile from;
-  from.Attach(ends[0], "from");
+  attachPipeOf(from, std::string_view("\0\1", 2));
   handler_.setSrcFile(&from);
   LogCapture log;
   EXPECT_EQ(readA(), FileHandlerNoData);

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <tests/support/failing_file_calls.h>
+#include <tests/support/pipe_of.h>
 #include <tests/support/scratch_folder.h>
 #include <unistd.h>
 #include <zqxml/platform/file.h>
@@ -189,12 +190,8 @@ TEST(CUlFile, IsNotInheritedByOtherPrograms) {
 }
 
 TEST(CUlFile, EndOfAPipeIsKnownWhenItIsMet) {
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
-  ASSERT_EQ(write(ends[1], "abc", 3), 3);
-  close(ends[1]);
   CUlFile file;
-  file.Attach(ends[0], "pipe");
+  attachPipeOf(file, "abc");
   const auto atEnd = [&file] {
     bool is = false;
     const CUlError error = file.IsEOF(is);
@@ -215,12 +212,10 @@ TEST(CUlFile, EndOfAPipeIsKnownWhenItIsMet) {
 }
 
 TEST(CUlFile, EndOfAPipeIsForgottenWhereTheFileWentOver) {
-  int ended[2], open[2];
-  ASSERT_EQ(pipe(ended), 0);
+  int open[2];
   ASSERT_EQ(pipe(open), 0);
-  close(ended[1]);
   CUlFile file;
-  file.Attach(ended[0], "ended");
+  attachPipeOf(file, "");
   char byte = 0;
   EXPECT_FALSE(file.Read(&byte, 1, nullptr).IsError());
   const CUlFile other = std::move(file);
@@ -231,11 +226,8 @@ TEST(CUlFile, EndOfAPipeIsForgottenWhereTheFileWentOver) {
 }
 
 TEST(CUlFile, ReadErrorIsNoEndOfAPipe) {
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
-  close(ends[1]);
   CUlFile file;
-  file.Attach(ends[0], "pipe");
+  attachPipeOf(file, "");
   char byte = 0;
   bool atEnd = false;
   EXPECT_FALSE(file.Read(&byte, 1, nullptr).IsError());

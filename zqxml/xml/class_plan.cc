@@ -4,6 +4,7 @@
 #include <zqxml/message/xn_message_base.h>
 #include <zqxml/xml/internal/class_plan.h>
 #include <zqxml/xml/internal/root_element_name.h>
+#include <zqxml/xml/internal/xml_characters.h>
 
 #include <algorithm>
 #include <array>
@@ -29,10 +30,8 @@ bool isAttribute(const FieldDef& field) {
 
 /// A name of ASCII that is legal everywhere in XML and reserved nowhere.
 bool isPlainName(std::string_view name) {
-  const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
-  const auto isInner = [&](char c) { return isLetter(c) || (c >= '0' && c <= '9') || c == '.' || c == '-'; };
-  return !name.empty() && isLetter(name.front()) && std::all_of(name.begin(), name.end(), isInner) &&
-         !name.starts_with("xml");
+  return !name.empty() && is(name.front(), kFirstOfName) &&
+         std::ranges::all_of(name, [](char c) { return is(c, kInName); }) && !name.starts_with("xml");
 }
 
 std::string_view textOf(PlannedName name) {

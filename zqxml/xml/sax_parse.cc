@@ -28,25 +28,7 @@ struct SaxParse::Reader {
   SaxReader sax;
 };
 
-/// What a thread keeps, in plain variables: they may still be asked for while the thread ends.
-struct SaxParse::Kept {
-  static constinit thread_local Reader* reader;
-  static constinit thread_local bool threadEnds;
-
-  /// Ends the reader with its thread.
-  struct Closer {
-    ~Closer() {
-      threadEnds = true;
-      dropKept();
-    }
-  };
-};
-
-constinit thread_local SaxParse::Reader* SaxParse::Kept::reader = nullptr;
-constinit thread_local bool SaxParse::Kept::threadEnds = false;
-
-SaxParse::SaxParse(MySAX2Handler& handler, std::size_t inputBytes)
-    : reader_(std::exchange(Kept::reader, nullptr)) {
+SaxParse::SaxParse(MySAX2Handler& handler, std::size_t inputBytes) : reader_(Kept::take()) {
   const bool namespaces = !XmlStartUp::process().validationDisabled();
   if (reader_ != nullptr && reader_->namespaces == namespaces)
     reader_->memory.startAgain(inputBytes);
@@ -57,14 +39,13 @@ SaxParse::SaxParse(MySAX2Handler& handler, std::size_t inputBytes)
 
 SaxParse::~SaxParse() {
   if (!mayKeep()) return;
-  static const thread_local Kept::Closer closer;
   reader_->sax.detach();
-  Kept::reader = reader_.release();
+  Kept::keep(std::move(reader_));
 }
 
 bool SaxParse::mayKeep() const {
   return finished_ && reader_->sax.isLikeNew() && reader_->memory.inUse() <= kMostKept &&
-         internal::platformMemoryIsLasting() && Kept::reader == nullptr && !Kept::threadEnds;
+         internal::platformMemoryIsLasting() && Kept::get() == nullptr;
 }
 
 void SaxParse::parse(const TextSource& source) {
@@ -83,11 +64,11 @@ SaxParse::RootTag SaxParse::parseRootTag(const xercesc::InputSource& source) {
 }
 
 std::size_t SaxParse::keptBytes() {
-  return Kept::reader == nullptr ? 0 : Kept::reader->memory.inUse();
+  return Kept::get() == nullptr ? 0 : Kept::get()->memory.inUse();
 }
 
 void SaxParse::dropKept() {
-  const std::unique_ptr<Reader> dropped(std::exchange(Kept::reader, nullptr));
+  Kept::take();
 }
 
 }  // namespace zqxml

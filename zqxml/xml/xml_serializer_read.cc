@@ -6,6 +6,7 @@
 #include <zqxml/xml/internal/held_text.h>
 #include <zqxml/xml/internal/message_reader.h>
 #include <zqxml/xml/internal/sax_parse.h>
+#include <zqxml/xml/internal/xml_characters.h>
 #include <zqxml/xml/internal/xml_scanner.h>
 #include <zqxml/xml/internal/xml_start_up_once.h>
 #include <zqxml/xml/my_sax2_handler.h>
@@ -71,8 +72,7 @@ eXNMsgRet guardParse(const ParseTexts& texts, Parse parse) {
 /// A plain text ends with a tag or a comment. One that was cut, or ends otherwise, need not be scanned.
 template <class Char>
 bool endsPlainly(std::basic_string_view<Char> xml) {
-  const auto isSpace = [](Char unit) { return unit == ' ' || unit == '\n' || unit == '\r' || unit == '\t'; };
-  while (!xml.empty() && isSpace(xml.back())) xml.remove_suffix(1);
+  while (!xml.empty() && is(xml.back(), kSpace)) xml.remove_suffix(1);
   return xml.size() > 1 && xml.back() == '>' && xml[xml.size() - 2] != '?';
 }
 

@@ -1,6 +1,8 @@
 // The set-up of a parse. Not installed.
 #pragma once
 
+#include <zqxml/xml/internal/thread_kept.h>
+
 #include <cstddef>
 #include <memory>
 #include <string_view>
@@ -60,7 +62,7 @@ class SaxParse {
 
  private:
   struct Reader;
-  struct Kept;
+  using Kept = ThreadKept<Reader>;
 
   bool mayKeep() const;
 

@@ -9,6 +9,7 @@
 #include <zqxml/xml/encoding_flags.h>
 #include <zqxml/xml/internal/class_plan.h>
 #include <zqxml/xml/internal/text_writer.h>
+#include <zqxml/xml/internal/xml_characters.h>
 #include <zqxml/xml/internal/xml_names.h>
 
 #include <algorithm>
@@ -159,7 +160,7 @@ class TextSink {
   template <class T>
   static bool breaksLines(TextValue<T> value) {
     const auto isBreak = [](T unit) { return unit == '\n' || unit == '\r'; };
-    const auto isBlank = [&](T unit) { return unit == ' ' || unit == '\t' || isBreak(unit); };
+    const auto isBlank = [](T unit) { return is(unit, kSpace); };
     const auto text = value.text.substr(0, value.text.find(T{}));
     return std::ranges::all_of(text, isBlank) && std::ranges::any_of(text, isBreak);
   }

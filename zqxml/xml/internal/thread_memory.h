@@ -2,48 +2,37 @@
 #pragma once
 
 #include <zqxml/xml/internal/inline_list.h>
+#include <zqxml/xml/internal/thread_kept.h>
 
 #include <cstddef>
-#include <memory>
 #include <utility>
 
 namespace zqxml {
 
-/// The block that the calling thread keeps; whoever uses it takes it away for that time. It ends with the
-/// thread, which keeps none from then on. In plain variables: while a thread ends, and after main, texts may
-/// still be read.
+/// The block that the calling thread keeps; whoever uses it takes it away for that time.
 class ThreadMemory {
  public:
   /// Bytes of the block, 0 for none.
-  static std::size_t size() { return size_; }
+  static std::size_t size() { return Kept::get() == nullptr ? 0 : size_; }
 
   /// The block, which the thread then keeps no more; one of no size for none.
   static ListMemory take() {
-    return {std::unique_ptr<std::byte[]>(std::exchange(block_, nullptr)), std::exchange(size_, 0)};
+    const std::size_t bytes = size();
+    return {Kept::take(), bytes};
   }
 
   /// Keeps the block unless it is a large one or the thread has one as large. Memory that is asked for anew
   /// comes as pages that the system has to clear, which takes more time than to scan what is noted in them.
   static void keep(ListMemory memory) {
     constexpr std::size_t kMost = std::size_t{2} << 20;
-    if (memory.size == 0 || memory.size > kMost || memory.size <= size_ || threadEnds_) return;
-    static const thread_local Closer closer;
-    (void)take();
-    block_ = memory.bytes.release();
+    if (memory.size > kMost || memory.size <= size()) return;
     size_ = memory.size;
+    Kept::keep(std::move(memory.bytes));
   }
 
  private:
-  struct Closer {
-    ~Closer() {
-      threadEnds_ = true;
-      (void)take();
-    }
-  };
-
-  static inline constinit thread_local std::byte* block_ = nullptr;
+  using Kept = ThreadKept<std::byte[]>;
   static inline constinit thread_local std::size_t size_ = 0;
-  static inline constinit thread_local bool threadEnds_ = false;
 };
 
 }  // namespace zqxml
