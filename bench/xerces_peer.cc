@@ -1,9 +1,11 @@
 #include <bench/xerces_peer.h>
 
 #include <charconv>
+#include <concepts>
 #include <cstdio>
 #include <memory>
 #include <string_view>
+#include <vector>
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/MemBufFormatTarget.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
@@ -27,110 +29,166 @@ struct Release {
   }
 };
 
-/// The texts of these messages are ASCII, but for one that is wide from the start.
-std::u16string wide(std::string_view text) {
-  return std::u16string(text.begin(), text.end());
+/// A name as the source has it, narrow and wide.
+struct Name {
+  const char* narrow;
+  const XMLCh* wide;
+};
+#define ZQXML_NAME(text) (Name{text, u##text})
+
+/// As the samples of Xerces-C do it: each name and value goes through XMLString::transcode when it is needed.
+struct ByTranscoding {
+  class Text {
+   public:
+    explicit Text(const std::string& text) : Text(text.c_str()) {}
+    explicit Text(const char* text) : wide_(xercesc::XMLString::transcode(text)) {}
+    ~Text() { xercesc::XMLString::release(&wide_); }
+    Text(const Text&) = delete;
+    Text& operator=(const Text&) = delete;
+
+    const XMLCh* c_str() const { return wide_; }
+
+   private:
+    XMLCh* wide_;
+  };
+
+  static Text name(const Name& name) { return Text(name.narrow); }
+  template <const auto& kNames>
+  static Text name(std::size_t i) {
+    return Text(kNames[i]);
+  }
+};
+
+/// As it is done where time counts: names are wide once and for all, and values, which are ASCII here, become
+/// wide without a transcoder.
+struct WithNamesKept {
+  class Text {
+   public:
+    explicit Text(std::string_view text) : wide_(text.begin(), text.end()) {}
+
+    const XMLCh* c_str() const { return wide_.c_str(); }
+
+   private:
+    std::u16string wide_;
+  };
+  struct KeptName {
+    const XMLCh* wide;
+    const XMLCh* c_str() const { return wide; }
+  };
+
+  static KeptName name(const Name& name) { return {name.wide}; }
+  template <const auto& kNames>
+  static KeptName name(std::size_t i) {
+    static const std::vector<Text> kept(kNames.begin(), kNames.end());
+    return {kept[i].c_str()};
+  }
+};
+
+const std::string& textOf(const std::string& text) {
+  return text;
 }
-template <class Integer>
-std::u16string wideNumber(Integer value) {
-  char digits[24];
-  return wide(std::string_view(
-      digits, static_cast<std::size_t>(std::to_chars(digits, digits + 24, value).ptr - digits)));
+const char* textOf(bool mark) {
+  return mark ? "1" : "0";
 }
-std::u16string wideDouble(double value) {
+std::string textOf(double value) {
   char digits[32];
-  return wide(
-      std::string_view(digits, static_cast<std::size_t>(std::snprintf(digits, sizeof digits, "%g", value))));
+  return std::string(digits, static_cast<std::size_t>(std::snprintf(digits, sizeof digits, "%g", value)));
 }
-std::u16string wideBase64(const std::string& bytes) {
+std::string textOf(std::integral auto value) {
+  char digits[24];
+  return std::string(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+std::string base64(const std::string& bytes) {
   XMLSize_t length = 0;
   XMLByte* encoded =
       xercesc::Base64::encode(reinterpret_cast<const XMLByte*>(bytes.data()), bytes.size(), &length);
-  std::u16string text;
-  for (XMLSize_t i = 0; i < length; ++i)
-    if (encoded[i] != '\n') text += static_cast<char16_t>(encoded[i]);
+  std::string text(reinterpret_cast<const char*>(encoded), length);
   xercesc::XMLPlatformUtils::fgMemoryManager->deallocate(encoded);
+  std::erase(text, '\n');
   return text;
 }
 
-/// Names in the form that the DOM takes, made once.
-template <std::size_t N>
-std::array<std::u16string, N> wideNames(const std::array<const char*, N>& names) {
-  std::array<std::u16string, N> result;
-  for (std::size_t i = 0; i < N; ++i) result[i] = wide(names[i]);
-  return result;
-}
+/// Builds the tree of a message whose names and values become wide in the way of `Wide`.
+template <class Wide>
+class TreeBuilder {
+ public:
+  explicit TreeBuilder(DOMDocument* document) : document_(document) {}
 
-void write(DOMElement* element, const JobEntry& entry) {
-  element->setAttribute(u"id", wideNumber(entry.id).c_str());
-  element->setAttribute(u"client", wide(entry.client).c_str());
-  element->setAttribute(u"path", wide(entry.path).c_str());
-  element->setAttribute(u"policy", wide(entry.policy).c_str());
-  element->setAttribute(u"size", wideNumber(entry.size).c_str());
-  element->setAttribute(u"start", wideNumber(entry.start).c_str());
-  element->setAttribute(u"state", wideNumber(entry.state).c_str());
-}
-
-DOMElement* append(DOMDocument* document, DOMElement* parent, const char16_t* name) {
-  DOMElement* element = document->createElement(name);
-  parent->appendChild(element);
-  return element;
-}
-
-void writeScalars(DOMElement* root, const JobReport& report) {
-  static const auto texts = wideNames(kTextNames);
-  static const auto counts = wideNames(kCountNames);
-  static const auto totals = wideNames(kTotalNames);
-  static const auto marks = wideNames(kMarkNames);
-  static const auto rates = wideNames(kRateNames);
-  for (std::size_t i = 0; i < texts.size(); ++i)
-    root->setAttribute(texts[i].c_str(), wide(report.texts[i]).c_str());
-  root->setAttribute(u"comment", report.comment.c_str());
-  for (std::size_t i = 0; i < counts.size(); ++i)
-    root->setAttribute(counts[i].c_str(), wideNumber(report.counts[i]).c_str());
-  for (std::size_t i = 0; i < totals.size(); ++i)
-    root->setAttribute(totals[i].c_str(), wideNumber(report.totals[i]).c_str());
-  for (std::size_t i = 0; i < marks.size(); ++i)
-    root->setAttribute(marks[i].c_str(), report.marks[i] ? u"1" : u"0");
-  for (std::size_t i = 0; i < rates.size(); ++i)
-    root->setAttribute(rates[i].c_str(), wideDouble(report.rates[i]).c_str());
-  root->setAttribute(u"kind", wideNumber(report.kind).c_str());
-  root->setAttribute(u"order", wideNumber(report.order).c_str());
-  root->setAttribute(u"flags", wideNumber(report.flags).c_str());
-  root->setAttribute(u"startTime", wideNumber(report.startTime).c_str());
-  root->setAttribute(u"endTime", wideNumber(report.endTime).c_str());
-  root->setAttribute(u"generatedAt", wideNumber(report.generatedAt).c_str());
-  root->setAttribute(u"digest", wideBase64(report.digest).c_str());
-}
-
-void write(DOMDocument* document, DOMElement* root, const JobReport& report) {
-  writeScalars(root, report);
-  write(append(document, root, u"largestJob"), report.largestJob);
-  write(append(document, root, u"oldestJob"), report.oldestJob);
-  for (const JobEntry& entry : report.jobs) write(append(document, root, u"jobs"), entry);
-  for (const std::int32_t count : report.phaseCounts)
-    append(document, root, u"phaseCounts")->setAttribute(u"val", wideNumber(count).c_str());
-  for (const std::int64_t size : report.sizes)
-    append(document, root, u"sizes")->setAttribute(u"val", wideNumber(size).c_str());
-  for (const std::string& client : report.clients)
-    append(document, root, u"clients")->setAttribute(u"val", wide(client).c_str());
-  for (const std::string& tag : report.tags)
-    append(document, root, u"tags")->setAttribute(u"val", wide(tag).c_str());
-  for (const auto& [client, bytes] : report.bytesByClient) {
-    DOMElement* entry = append(document, root, u"bytesByClient");
-    append(document, entry, u"__mapKey__")->setAttribute(u"val", wide(client).c_str());
-    append(document, entry, u"__mapValue__")->setAttribute(u"val", wideNumber(bytes).c_str());
+  void fill(DOMElement* element, const JobEntry& entry) {
+    set(element, ZQXML_NAME("id"), entry.id);
+    set(element, ZQXML_NAME("client"), entry.client);
+    set(element, ZQXML_NAME("path"), entry.path);
+    set(element, ZQXML_NAME("policy"), entry.policy);
+    set(element, ZQXML_NAME("size"), entry.size);
+    set(element, ZQXML_NAME("start"), entry.start);
+    set(element, ZQXML_NAME("state"), entry.state);
   }
-}
 
-/// Makes a document of that root, lets `build` fill it, and writes it.
-template <class Build>
-std::string written(const char16_t* rootName, Build build) {
+  void fill(DOMElement* root, const JobReport& report) {
+    fillScalars(root, report);
+    fill(append(root, ZQXML_NAME("largestJob")), report.largestJob);
+    fill(append(root, ZQXML_NAME("oldestJob")), report.oldestJob);
+    for (const JobEntry& entry : report.jobs) fill(append(root, ZQXML_NAME("jobs")), entry);
+    appendAll(root, ZQXML_NAME("phaseCounts"), report.phaseCounts);
+    appendAll(root, ZQXML_NAME("sizes"), report.sizes);
+    appendAll(root, ZQXML_NAME("clients"), report.clients);
+    appendAll(root, ZQXML_NAME("tags"), report.tags);
+    for (const auto& [client, bytes] : report.bytesByClient) {
+      DOMElement* entry = append(root, ZQXML_NAME("bytesByClient"));
+      set(append(entry, ZQXML_NAME("__mapKey__")), ZQXML_NAME("val"), client);
+      set(append(entry, ZQXML_NAME("__mapValue__")), ZQXML_NAME("val"), bytes);
+    }
+  }
+
+ private:
+  using Text = typename Wide::Text;
+
+  void fillScalars(DOMElement* root, const JobReport& report) {
+    setAll<kTextNames>(root, report.texts);
+    root->setAttribute(Wide::name(ZQXML_NAME("comment")).c_str(), report.comment.c_str());
+    setAll<kCountNames>(root, report.counts);
+    setAll<kTotalNames>(root, report.totals);
+    setAll<kMarkNames>(root, report.marks);
+    setAll<kRateNames>(root, report.rates);
+    set(root, ZQXML_NAME("kind"), report.kind);
+    set(root, ZQXML_NAME("order"), report.order);
+    set(root, ZQXML_NAME("flags"), report.flags);
+    set(root, ZQXML_NAME("startTime"), report.startTime);
+    set(root, ZQXML_NAME("endTime"), report.endTime);
+    set(root, ZQXML_NAME("generatedAt"), report.generatedAt);
+    set(root, ZQXML_NAME("digest"), base64(report.digest));
+  }
+
+  template <class Value>
+  void set(DOMElement* element, const Name& name, const Value& value) {
+    element->setAttribute(Wide::name(name).c_str(), Text(textOf(value)).c_str());
+  }
+  template <const auto& kNames, class Values>
+  void setAll(DOMElement* element, const Values& values) {
+    for (std::size_t i = 0; i < kNames.size(); ++i)
+      element->setAttribute(Wide::template name<kNames>(i).c_str(), Text(textOf(values[i])).c_str());
+  }
+  DOMElement* append(DOMElement* parent, const Name& name) {
+    DOMElement* element = document_->createElement(Wide::name(name).c_str());
+    parent->appendChild(element);
+    return element;
+  }
+  template <class Values>
+  void appendAll(DOMElement* parent, const Name& name, const Values& values) {
+    for (const auto& value : values) set(append(parent, name), ZQXML_NAME("val"), value);
+  }
+
+  DOMDocument* document_;
+};
+
+/// Makes a document of that root, fills it, and writes it.
+template <class Wide, class Data>
+std::string written(const Name& rootName, const Data& data) {
   xercesc::DOMImplementation* implementation =
-      xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
+      xercesc::DOMImplementationRegistry::getDOMImplementation(Wide::name(ZQXML_NAME("LS")).c_str());
   const std::unique_ptr<DOMDocument, Release> document(
-      implementation->createDocument(nullptr, rootName, nullptr));
-  build(document.get(), document->getDocumentElement());
+      implementation->createDocument(nullptr, Wide::name(rootName).c_str(), nullptr));
+  TreeBuilder<Wide>(document.get()).fill(document->getDocumentElement(), data);
   const std::unique_ptr<xercesc::DOMLSSerializer, Release> serializer(implementation->createLSSerializer());
   const std::unique_ptr<xercesc::DOMLSOutput, Release> output(implementation->createLSOutput());
   xercesc::MemBufFormatTarget target;
@@ -141,16 +199,27 @@ std::string written(const char16_t* rootName, Build build) {
   return std::string(reinterpret_cast<const char*>(target.getRawBuffer()), target.getLen());
 }
 
+constexpr Name rootName(const JobEntry&) {
+  return ZQXML_NAME("Bench_JobEntry");
+}
+constexpr Name rootName(const JobReport&) {
+  return ZQXML_NAME("Bench_JobReport");
+}
+
 }  // namespace
 
-std::string writtenByHand(const JobEntry& entry) {
-  return written(u"Bench_JobEntry", [&](DOMDocument*, DOMElement* root) { write(root, entry); });
+template <class Data>
+std::string writtenByHand(const Data& data) {
+  return written<ByTranscoding>(rootName(data), data);
 }
-
-std::string writtenByHand(const JobReport& report) {
-  return written(u"Bench_JobReport",
-                 [&](DOMDocument* document, DOMElement* root) { write(document, root, report); });
+template <class Data>
+std::string writtenWithNamesKept(const Data& data) {
+  return written<WithNamesKept>(rootName(data), data);
 }
+template std::string writtenByHand(const JobEntry&);
+template std::string writtenByHand(const JobReport&);
+template std::string writtenWithNamesKept(const JobEntry&);
+template std::string writtenWithNamesKept(const JobReport&);
 
 struct BareReader::Parts {
   xercesc::DefaultHandler handler;

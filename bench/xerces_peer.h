@@ -1,4 +1,4 @@
-// The peers of the XML form: a DOM build written by hand for these very messages, and a reader that keeps
+// The peers of the XML form: DOM trees built by code written for these very messages, and a reader that keeps
 // nothing.
 #pragma once
 
@@ -10,9 +10,12 @@
 namespace zqxml::bench {
 
 /// The same text as XNMessageBase::serialize gives: a DOM tree built field by field, written by a
-/// DOMLSSerializer. REQUIRES: Xerces-C is initialized.
-std::string writtenByHand(const JobEntry& entry);
-std::string writtenByHand(const JobReport& report);
+/// DOMLSSerializer. Names and values become wide as in the samples of Xerces-C, by XMLString::transcode, or
+/// names are kept and no transcoder is asked. `Data` is one of job_data.h. REQUIRES: Xerces-C is initialized.
+template <class Data>
+std::string writtenByHand(const Data& data);
+template <class Data>
+std::string writtenWithNamesKept(const Data& data);
 
 /// A SAX2XMLReader with an empty handler. REQUIRES: Xerces-C is initialized, as long as it lives.
 class BareReader {
