@@ -3,8 +3,26 @@
 #include <utility>
 
 namespace zqxml::bench {
+namespace {
+
+void requireMeasured(const std::string& name) {
+  require(name.empty() || measuredNames().contains(name), ("no measurement is named " + name).c_str());
+}
+
+}  // namespace
+
+std::set<std::string>& measuredNames() {
+  static std::set<std::string> names;
+  return names;
+}
 
 int runMeasurements(Report& report, std::vector<ComparedTable> tables) {
+  for (const ComparedTable& table : tables) {
+    for (const Comparison& row : table.comparisons) {
+      requireMeasured(row.ours);
+      requireMeasured(row.peer);
+    }
+  }
   std::vector<std::string> options = report.arguments();
   // Defaults that the command line can overrule.
   options.insert(options.begin() + 1,

@@ -22,10 +22,8 @@ struct Pair {
 };
 
 void measureRoad(const std::string& name, const Road& road, RoadMessage& message) {
-  ::benchmark::RegisterBenchmark(name.c_str(), [&road, &message](::benchmark::State& state) {
-    const WithRoad way(road);
-    for (auto iteration : state) road.run(message);
-  });
+  measureWithin(
+      name, [&road] { return WithRoad(road); }, [&road, &message] { road.run(message); });
 }
 
 int run(int argc, char** argv) {
