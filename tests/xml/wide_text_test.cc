@@ -109,5 +109,14 @@ TEST(CdataEnd, KeepsTheMarkInsideItsReplacementAndGoesOnBehindIt) {
   EXPECT_EQ(wide, u"x]]]]>>y");
 }
 
+TEST(CdataEnd, MarksByTheMillionTakeOnePass) {
+  constexpr std::size_t kMarks = 2'000'000;
+  std::string text;
+  for (std::size_t i = 0; i < kMarks; ++i) text += "]]>";
+  escapeCDATAEnd(text);
+  EXPECT_EQ(text.size(), kMarks * 6);
+  EXPECT_EQ(text.find("]]>]]>"), text.npos);
+}
+
 }  // namespace
 }  // namespace zqxml

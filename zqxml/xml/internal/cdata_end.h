@@ -12,8 +12,15 @@ template <class Char>
 void escapeCDATAEnd(std::basic_string<Char>& text) {
   static constexpr Char kEnd[] = {']', ']', '>'};
   static constexpr Char kReplacement[] = {']', ']', ']', ']', '>', '>'};
-  for (std::size_t at = text.find(kEnd, 0, 3); at != text.npos; at = text.find(kEnd, at + 6, 3))
-    text.replace(at, 3, kReplacement, 6);
+  std::size_t at = text.find(kEnd, 0, 3);
+  if (at == text.npos) return;
+  std::basic_string<Char> escaped;
+  std::size_t done = 0;
+  for (; at != text.npos; at = text.find(kEnd, done, 3)) {
+    escaped.append(text, done, at - done).append(kReplacement, 6);
+    done = at + 3;
+  }
+  text = escaped.append(text, done);
 }
 
 }  // namespace zqxml
