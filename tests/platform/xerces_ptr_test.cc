@@ -79,6 +79,17 @@ TEST_F(LimitedMemory, CountsAnewForAnotherParse) {
   memory.deallocate(memory.allocate(64 * kMebi));
 }
 
+TEST_F(LimitedMemory, WhatOthersTakeCountsAsInUse) {
+  LimitedMemoryManager memory(0);
+  memory.charge(memory.limit() - 100);
+  EXPECT_EQ(memory.inUse(), memory.limit() - 100);
+  EXPECT_THROW(memory.allocate(101), xercesc::OutOfMemoryException);
+  EXPECT_THROW(memory.charge(101), xercesc::OutOfMemoryException);
+  memory.charge(100);
+  EXPECT_THROW(memory.charge(1), xercesc::OutOfMemoryException);
+  EXPECT_EQ(memory.inUse(), memory.limit());
+}
+
 TEST_F(LimitedMemory, ExceptionsAreNotCounted) {
   LimitedMemoryManager memory(0);
   EXPECT_EQ(memory.getExceptionMemoryManager(), xercesc::XMLPlatformUtils::fgMemoryManager);

@@ -66,6 +66,31 @@ TEST(XmlGuards, EntityBombInADefaultAttributeStopsAtTheLimitOfMemory) {
   EXPECT_FALSE(node.isNameSet());
 }
 
+TEST(XmlGuards, DefaultsOfManyElementsStopAtTheLimitOfMemory) {
+  LogCapture log;
+  Node node;
+  EXPECT_EQ(readInto(node, "<!DOCTYPE a [<!ATTLIST tags val CDATA '" + std::string(20000, 'x') + "'>]><a>" +
+                               repeated("<tags/>", 5000) + "</a>"),
+            XN_MSG_XML_LIBRARY_ERROR);
+  EXPECT_TRUE(log.has(kParse, 0, "Unknown Exception!"));
+  EXPECT_LT(node.getTags().size(), 5000u);
+  std::string attributes;
+  for (int i = 0; i < 1000; ++i) attributes += " a" + std::to_string(i) + " CDATA ''";
+  EXPECT_EQ(
+      readInto(node, "<!DOCTYPE a [<!ATTLIST u" + attributes + ">]><a>" + repeated("<u/>", 5000) + "</a>"),
+      XN_MSG_XML_LIBRARY_ERROR);
+}
+
+TEST(XmlGuards, DefaultsBelowTheLimitAreRead) {
+  Node node;
+  EXPECT_EQ(readInto(node, "<!DOCTYPE a [<!ATTLIST tags val CDATA 'given'>]><a>" + repeated("<tags/>", 5000) +
+                               "<tags val='said'/></a>"),
+            XN_MSG_OK);
+  ASSERT_EQ(node.getTags().size(), 5001u);
+  EXPECT_EQ(node.getTags().front(), "given");
+  EXPECT_EQ(node.getTags().back(), "said");
+}
+
 TEST(XmlGuards, ParameterEntitiesAreNotExpanded) {
   LogCapture log;
   Node node;

@@ -64,6 +64,11 @@ void* LimitedMemoryManager::allocate(XMLSize_t size) {
   return static_cast<char*>(start) + kHeader;
 }
 
+void LimitedMemoryManager::charge(std::size_t size) {
+  if (inUse_ > limit_ || size > limit_ - inUse_) throw xercesc::OutOfMemoryException();
+  inUse_ += size;
+}
+
 void LimitedMemoryManager::deallocate(void* block) {
   if (block == nullptr) return;
   void* const start = static_cast<char*>(block) - kHeader;

@@ -21,7 +21,7 @@ TextSource::TextSource(std::u16string_view text) : TextSource(text.data(), text.
 /// A reader with its memory.
 struct SaxParse::Reader {
   Reader(std::size_t inputBytes, bool withNamespaces)
-      : namespaces(withNamespaces), memory(inputBytes), sax(&memory, withNamespaces) {}
+      : namespaces(withNamespaces), memory(inputBytes), sax(memory, withNamespaces) {}
 
   const bool namespaces;
   ParseArena memory;

@@ -1,5 +1,6 @@
 #include <zqxml/platform/internal/xerces_ptr.h>
 #include <zqxml/xml/internal/my_sax2_handler_target.h>
+#include <zqxml/xml/internal/parse_arena.h>
 #include <zqxml/xml/internal/sax_reader.h>
 #include <zqxml/xml/my_sax2_handler.h>
 
@@ -30,8 +31,8 @@ NameView<char16_t> nameAt(const XMLCh* text) {
 
 }  // namespace
 
-SaxReader::SaxReader(xercesc::MemoryManager* memory, bool namespaces)
-    : SAX2XMLReaderImpl(memory), namespaces_(namespaces) {
+SaxReader::SaxReader(ParseArena& memory, bool namespaces)
+    : SAX2XMLReaderImpl(&memory), memory_(memory), namespaces_(namespaces) {
   setFeature(XMLUni::fgSAX2CoreValidation, false);
   setFeature(XMLUni::fgXercesLoadExternalDTD, false);
   if (!namespaces) {
@@ -78,6 +79,7 @@ void SaxReader::startElement(const xercesc::XMLElementDecl& declaration, unsigne
   for (XMLSize_t i = 0; i < count; ++i) {
     const xercesc::XMLAttr& attribute = *attributes.elementAt(i);
     const std::u16string_view value = viewOf(attribute.getValue());
+    if (!attribute.getSpecified()) chargeDefault(value);
     if (namespaces_ && isDeclaration(attribute)) {
       if (value == xercesc::SchemaSymbols::fgURI_XSI) likeNew_ = false;
     } else {
@@ -119,6 +121,12 @@ void SaxReader::error(unsigned code, const XMLCh* domain, ErrTypes type, const X
                       const XMLCh* systemId, const XMLCh* publicId, XMLFileLoc line, XMLFileLoc column) {
   likeNew_ = false;
   SAX2XMLReaderImpl::error(code, domain, type, text, systemId, publicId, line, column);
+}
+
+/// A document type gives an attribute to every element of a name, each of which stands in the text with a few
+/// bytes: what all of them bring is limited like the memory of the parse, and throws like it.
+void SaxReader::chargeDefault(std::u16string_view value) {
+  memory_.charge(sizeof(AttributeView) + value.size() * sizeof(XMLCh));
 }
 
 /// The local name, or all of it where prefixes are part of plain names.

@@ -77,6 +77,8 @@ class LimitedMemoryManager final : public xercesc::MemoryManager {
   /// Exceptions outlive the parse, so they are not counted.
   xercesc::MemoryManager* getExceptionMemoryManager() override;
 
+  /// Counts bytes that others take on behalf of the parse as in use from now on, and throws likewise.
+  void charge(std::size_t size);
   /// Starts to count for another parse, with an input of so many bytes. What is still in use goes on
   /// counting.
   void startAgain(std::size_t inputSize);

@@ -32,7 +32,10 @@ class ParseArena final : public xercesc::MemoryManager {
   /// Starts to count for another parse, with an input of so many bytes. What was taken goes on counting.
   void startAgain(std::size_t inputSize) { upstream_.startAgain(inputSize); }
 
-  /// Bytes taken from the platform now.
+  /// Counts bytes that the message takes for what stands in no place of the text, to the end of the arena.
+  void charge(std::size_t size) { upstream_.charge(size); }
+
+  /// Bytes taken from the platform now, and charged.
   std::size_t inUse() const { return upstream_.inUse(); }
 
  private:

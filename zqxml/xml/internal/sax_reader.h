@@ -14,6 +14,7 @@
 namespace zqxml {
 
 class MySAX2Handler;
+class ParseArena;
 
 /// The SAX2 reader that XMLReaderFactory makes, set up to validate nothing, to load nothing from outside and
 /// to expand no entity.
@@ -25,7 +26,7 @@ class MySAX2Handler;
 class SaxReader final : public xercesc::SAX2XMLReaderImpl {
  public:
   /// The memory outlives it. Without `namespaces`, prefixes and declarations are part of plain names.
-  SaxReader(xercesc::MemoryManager* memory, bool namespaces);
+  SaxReader(ParseArena& memory, bool namespaces);
 
   /// Events and errors go to `handler` from now on, which outlives the parse or is taken away after it.
   void attach(MySAX2Handler& handler);
@@ -66,6 +67,9 @@ class SaxReader final : public xercesc::SAX2XMLReaderImpl {
   std::size_t alikeBehind(const xercesc::XMLElementDecl& declaration);
   bool isDeclaration(const xercesc::XMLAttr& attribute) const;
 
+  void chargeDefault(std::u16string_view value);
+
+  ParseArena& memory_;
   const bool namespaces_;
   xercesc::SecurityManager security_;
   MessageReader* target_ = nullptr;
