@@ -9,6 +9,7 @@ namespace zqxml {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::Key;
 
 constexpr std::uint32_t kForeignTag = 0xc8abcdef;
 constexpr std::uint32_t kUnknownHash = 0x123456;
@@ -232,6 +233,24 @@ TEST(ListObjectAccessor, WriteOverObjectsOfAnotherClassReplacesThem) {
   const std::vector<XNMessageBase> others{newMessage("Demo_Nest")};
   message.setlistobject(field.getMemNum(), field.getIndex(), &others, message.getTagID(), 0);
   EXPECT_EQ(*message.getlistobject_const(field.getMemNum(), field.getIndex(), message.getTagID(), 0), others);
+}
+
+// The maps of a Nest hold Nests: its own first entry may hold what it is to become.
+TEST(MapObjectAccessor, WriteOfAPartOfTheMapTakesThatPart) {
+  using Nests = std::map<std::string, XNMessageBase>;
+  OpenMessage message = newMessage("Demo_Nest");
+  OpenMessage inner = newMessage("Demo_Nest");
+  for (const char* key : {"x", "y", "z"})
+    collectionOf<Nests>(inner, "byName").emplace(key, newMessage("Demo_Nest"));
+  const FieldDef& field = fieldOf(message, "byName");
+  Nests& entries = collectionOf<Nests>(message, "byName");
+  for (const char* key : {"a", "b"}) entries.emplace(key, inner);
+
+  const Nests* part = &collectionOf<Nests>(entries.begin()->second, "byName");
+  message.setMapStringAndObject(field.getMemNum(), field.getIndex(), part, message.getTagID(), 0);
+  EXPECT_THAT(
+      *message.getMapStringAndObject_const(field.getMemNum(), field.getIndex(), message.getTagID(), 0),
+      ElementsAre(Key("x"), Key("y"), Key("z")));
 }
 
 TEST(MapObjectAccessor, KeepsOnlyTheFirstEntry) {

@@ -4,6 +4,7 @@
 #include <zqxml/message/internal/field_resolution.h>
 
 #include <type_traits>
+#include <utility>
 
 namespace zqxml {
 
@@ -30,8 +31,15 @@ const Collection* content(const XNMessageBase& message, const char* function, Fi
   return field == nullptr ? nullptr : MessageAccess::owned<Collection>(message, *field);
 }
 
-/// Makes the collection a copy of `value` and marks the bit; null clears the member. Elements that are
-/// messages are cloned, never assigned: assignment between classes throws.
+/// Whether an element of a collection is a message, or has one on either side.
+template <class Element>
+inline constexpr bool kHoldsMessage = std::is_same_v<Element, XNMessageBase>;
+template <class Key, class Mapped>
+inline constexpr bool kHoldsMessage<std::pair<Key, Mapped>> =
+    kHoldsMessage<std::remove_const_t<Key>> || kHoldsMessage<Mapped>;
+
+/// Makes the collection a copy of `value` and marks the bit; null clears the member. Messages are cloned
+/// before the old ones end: `value` may be a part of one of them, and assignment between classes throws.
 template <class Collection>
 void setContent(XNMessageBase& message, const char* function, FieldAddress address, const Collection* value) {
   if (value == nullptr)
@@ -39,7 +47,7 @@ void setContent(XNMessageBase& message, const char* function, FieldAddress addre
   const FieldDef* field = resolveField(message, function, kTypesHolding<Collection>, address);
   if (field == nullptr) return;
   Collection& target = MessageAccess::make<Collection>(message, *field, true);
-  if constexpr (std::is_same_v<typename Collection::value_type, XNMessageBase>)
+  if constexpr (kHoldsMessage<typename Collection::value_type>)
     Collection(*value).swap(target);
   else
     target = *value;
