@@ -67,6 +67,26 @@ TEST(TypedClassesTest, NamesThatEachHeaderUsesAreChanged) {
     EXPECT_THAT(header, HasSubstr(std::string("\nclass ") + name + " : public XNMessageBase {"));
 }
 
+TEST(TypedClassesTest, NamesThatCompilersDefineAreChanged) {
+  const Compiled compiled = compile(
+      "<enum name=\"E\" index=\"0\"><value name=\"linux\" value=\"1\"/><value name=\"unix\" "
+      "value=\"2\"/></enum>");
+  EXPECT_THAT(compiled.output("T_enums.h"), HasSubstr("{\n  linux_ = 0x1,\n  unix_ = 0x2,\n};"));
+}
+
+// A field of the name MapStringAndObject, say, hides the base's accessor of that name.
+TEST(TypedClassesTest, MapAccessorsOfTheBaseAreCalledByTheirFullNames) {
+  const std::string header = compileClass(
+                                 "<field name=\"a\" type=\"map_string_object\" class=\"C\"/>"
+                                 "<field name=\"b\" type=\"map_int64_object\" class=\"C\"/>"
+                                 "<field name=\"c\" type=\"map_object_object\" key=\"C\" value=\"C\"/>"
+                                 "<field name=\"d\" type=\"map_string_string\"/>")
+                                 .output("T.h");
+  EXPECT_THAT(header,
+              AllOf(HasSubstr("(XNMessageBase::getMapStringAndObject("),
+                    HasSubstr("(XNMessageBase::getMapInt64AndObject_const("), Not(HasSubstr("(getMap"))));
+}
+
 TEST(TypedClassesTest, EveryFieldNameHasACppName) {
   const std::string header =
       compileClass(

@@ -210,22 +210,22 @@ void set@X@(typed::ObjectListArg<@target@> value) {
     values_.push_back({"word", cat("Map", mapWord(K{}), "AndObject")});
     emit(R"(
 ObjectMapView<@key@, const @target@> get@X@() const {
-  return ObjectMapView<@key@, const @target@>(get@word@_const(@place@, @id@));
+  return ObjectMapView<@key@, const @target@>(XNMessageBase::get@word@_const(@place@, @id@));
 }
 const @target@* findIn@X@(const @key@& key) const {
-  return reinterpret_cast<const @target@*>(typed::find(get@word@_const(@place@, @id@), key));
+  return reinterpret_cast<const @target@*>(typed::find(XNMessageBase::get@word@_const(@place@, @id@), key));
 }
 ObjectMapView<@key@, @target@> mutable@X@() {
   return ObjectMapView<@key@, @target@>(&mutable@X@Map());
 }
 std::map<@key@, XNMessageBase>& mutable@X@Map() {
-  return typed::orScratch(get@word@(@place@, @id@, true));
+  return typed::orScratch(XNMessageBase::get@word@(@place@, @id@, true));
 }
 @target@& addTo@X@(@key@ key) {
   return reinterpret_cast<@target@&>(typed::insert(mutable@X@Map(), std::move(key), @indices@));
 }
 void set@X@(typed::ObjectMapArg<@key@, @target@> value) {
-  typed::put(get@word@(@place@, @id@, true), value.map());
+  typed::put(XNMessageBase::get@word@(@place@, @id@, true), value.map());
 }
 )");
   }

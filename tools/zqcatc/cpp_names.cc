@@ -8,8 +8,8 @@ namespace zqxml::zqcatc {
 
 namespace {
 
-// Keywords of C++20, names of macros that common headers define, and what the written headers use
-// unqualified.
+// Keywords of C++20, names of macros that common headers define or compilers do without -std=c++20, and what
+// the written headers use unqualified.
 // clang-format off
 constexpr auto kTakenNames = std::to_array<std::string_view>({
     "AnnotationBase", "EOF", "FieldNumber", "NULL", "ObjectMapView", "ObjectView", "RegisterSubsystem", "XNMessageBase",
@@ -19,12 +19,12 @@ constexpr auto kTakenNames = std::to_array<std::string_view>({
     "concept", "const", "const_cast", "consteval", "constexpr", "constinit", "continue", "decltype",
     "default", "delete", "do", "double", "dynamic_cast", "else", "enum", "errno", "explicit", "export",
     "extern", "false", "float", "for", "friend", "from", "goto", "if", "inline", "int", "kClassIndex",
-    "kSubsystem", "kTagId", "long", "major", "minor",
+    "kSubsystem", "kTagId", "linux", "long", "major", "minor",
     "mutable", "namespace", "new", "noexcept", "not", "not_eq", "nullptr", "operator", "or", "or_eq",
     "private", "protected", "pstring", "public", "register", "reinterpret_cast", "requires", "return",
     "short", "signed", "sizeof", "static", "static_assert", "static_cast", "std", "stderr", "stdin",
     "stdout", "struct", "switch", "template", "this", "thread_local", "throw", "true", "try", "typed",
-    "typedef", "typeid", "typename", "union", "unsigned", "using", "virtual", "void", "volatile",
+    "typedef", "typeid", "typename", "union", "unix", "unsigned", "using", "virtual", "void", "volatile",
     "wchar_t", "while", "xor", "xor_eq", "zqxml"});
 // clang-format on
 static_assert(std::is_sorted(kTakenNames.begin(), kTakenNames.end()));
