@@ -31,6 +31,7 @@ constexpr char kNotAMessage[] = "Error unserializing given object.";
 TEST(LogXml, EmptyTextWithoutAnObjectIsEmpty) {
   LogCapture capture(25);
   EXPECT_EQ(logXML("", nullptr), "");
+  EXPECT_EQ(logXML(""), "");
   EXPECT_TRUE(capture.empty());
 }
 

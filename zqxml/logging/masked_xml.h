@@ -24,7 +24,7 @@ class XNMessageBase;
 /// - "Error unserializing given object." for a text that is no message;
 /// - "Error serializing XNMessageBase object and given empty input string", or with a text beside the object
 ///   "Error reserializing given object/string", for an object that cannot be written.
-ZQXML_EXPORT std::string logXML(const std::string& xml, XNMessageBase* object);
+ZQXML_EXPORT std::string logXML(const std::string& xml, XNMessageBase* object = nullptr);
 
 /// logXML of the text, with "***" for the value of its first element <attributes name="USDKtoken"
 /// value="...">.
