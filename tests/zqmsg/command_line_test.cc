@@ -127,6 +127,28 @@ TEST_F(CommandLine, OutputThatCannotBeWrittenIsAFailure) {
   }
 }
 
+// The lowest free number is the next file's: what is told there would stand in a message.
+TEST_F(CommandLine, NothingIsToldIntoAFileWhereStandardErrorIsClosed) {
+  folder_.write("alert.xml", kSaveAlertXml);
+  folder_.write("show.ini", "[EventManager]\nnDoNotMaskSensitiveDataInXML=1\n");
+  const ProgramRun run = shell(
+      "export ZQXML_CONFIG=show.ini\n"
+      "zqmsg mask alert.xml -o told.xml && zqmsg mask alert.xml -o untold.xml 2>&- && cmp told.xml untold.xml");
+  EXPECT_THAT(run, Exits(0));
+  EXPECT_THAT(run.err, HasSubstr("nDoNotMaskSensitiveDataInXML is set")) << "nothing was to be told";
+}
+
+TEST_F(CommandLine, StandardInputAndOutputThatAreClosedAreFailures) {
+  folder_.write("alert.xml", kSaveAlertXml);
+  const ProgramRun out = shell("zqmsg convert alert.xml --to xml >&-");
+  EXPECT_THAT(out, Exits(1));
+  EXPECT_EQ(out.err, "zqmsg: standard output: cannot be written: Bad file descriptor\n");
+  const ProgramRun in = shell("zqmsg convert --to xml <&-");
+  EXPECT_THAT(in, Exits(1));
+  EXPECT_EQ(in.err, "zqmsg: standard input: cannot be read: Bad file descriptor\n");
+  EXPECT_THAT(shell("zqmsg convert alert.xml --to xml <&- >&- 2>&-"), Exits(1));
+}
+
 TEST_F(CommandLine, NothingIsColouredInAPipe) {
   const ProgramRun run = zqmsg({"describe", "ZQGui_Nothing"});
   EXPECT_THAT(run.err, Not(HasSubstr("\033")));

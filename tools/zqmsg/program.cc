@@ -11,6 +11,7 @@
 #include "tools/zqmsg/command.h"
 #include "tools/zqmsg/generation.h"
 #include "tools/zqmsg/output.h"
+#include "tools/zqmsg/standard_descriptors.h"
 
 namespace zqxml::tool {
 namespace {
@@ -102,6 +103,7 @@ CLI::App& addCommand(CLI::App& app, Session& session, const std::string& name, c
 }
 
 int runProgram(int argc, const char* const* argv) {
+  occupyStandardDescriptors();
   Session session;
   const auto fail = [&session](const Failure& failure) {
     session.console.report(failure);
