@@ -16,7 +16,7 @@ using CommandLine = ZqmsgTest;
 
 const std::vector<std::string> kCommands{"catalogue", "describe", "dump-catalogue", "convert",
                                          "inspect",   "diff",     "merge",          "sample",
-                                         "summary",   "xpath",    "objects"};
+                                         "summary",   "xpath",    "objects",        "mask"};
 
 TEST_F(CommandLine, HelpNamesEveryCommand) {
   const ProgramRun run = zqmsg({"--help"});
@@ -50,7 +50,13 @@ TEST_F(CommandLine, NoCommandIsWrongUsage) {
 TEST_F(CommandLine, UnknownCommandIsWrongUsage) {
   const ProgramRun run = zqmsg({"frobnicate"});
   EXPECT_THAT(run, Exits(2));
-  EXPECT_THAT(run.err, StartsWith("zqmsg: frobnicate: there is no such command\n"));
+  EXPECT_THAT(run.err, StartsWith("zqmsg: there is no command frobnicate\n"));
+  for (const std::string group : {"xpath", "objects"}) {
+    const ProgramRun below = zqmsg({group, "frobnicate"});
+    EXPECT_THAT(below, Exits(2));
+    EXPECT_EQ(below.err, "zqmsg: " + group + ": there is no command frobnicate\n  'zqmsg " + group +
+                             " --help' tells more\n");
+  }
 }
 
 TEST_F(CommandLine, UnknownOptionIsWrongUsage) {
@@ -60,6 +66,16 @@ TEST_F(CommandLine, UnknownOptionIsWrongUsage) {
     EXPECT_THAT(run.err, StartsWith("zqmsg: " + command + ": "));
     EXPECT_THAT(run.out, IsEmpty());
   }
+}
+
+TEST_F(CommandLine, UnknownOptionIsToldBeforeWhatIsMissing) {
+  EXPECT_THAT(zqmsg({"--frobnicate"}).err, StartsWith("zqmsg: there is no option --frobnicate\n"));
+  for (const std::string command : {"convert", "describe", "diff", "xpath get", "objects repair"}) {
+    const ProgramRun run = shell("zqmsg " + command + " --frobnicate");
+    EXPECT_THAT(run, Exits(2));
+    EXPECT_THAT(run.err, StartsWith("zqmsg: " + command + ": there is no option --frobnicate\n"));
+  }
+  EXPECT_THAT(zqmsg({"objects", "repair", "a", "b"}).err, HasSubstr("--output is required"));
 }
 
 TEST_F(CommandLine, MissingArgumentsAreWrongUsage) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "tools/command_pages/command_tree.h"
 #include "tools/zqmsg/command.h"
 #include "tools/zqmsg/generation.h"
 #include "tools/zqmsg/output.h"
@@ -18,9 +19,9 @@ namespace {
 
 constexpr const char* kFooter =
     R"(Classes are named SUBSYSTEM_CLASS or by tag id, 0x...; '-' is standard input or output.
-Exit status: 0 done; 1 failed, 4 not well-formed XML or JSON, 5 unknown class, 6 no key for a
-password; 2 wrong usage; 10 difference found. Passwords are encrypted with the key file that
-$ZQXML_KEY_FILE names.
+Exit status: 0 done; 1 failed, 4 not well-formed XML or JSON, 5 XML or JSON of an unknown class,
+6 no key for a password; 2 wrong usage; 10 difference found. Passwords are encrypted with the key
+file that $ZQXML_KEY_FILE names.
 
 'zqmsg COMMAND --help' has examples.)";
 
@@ -43,19 +44,26 @@ void addCommands(CLI::App& app, Session& session) {
   addXpath(app, session);
 }
 
-// With the command below it, where there is one: "xpath get".
-std::string chosenCommand(const CLI::App& app) {
+// The program, or the command that was called, with the one below it where there is one: "xpath get".
+const CLI::App& calledOf(const CLI::App& app) {
   const std::vector<CLI::App*> chosen = app.get_subcommands();
-  if (chosen.empty()) return {};
-  const std::string below = chosenCommand(*chosen.front());
-  return chosen.front()->get_name() + (below.empty() ? "" : " " + below);
+  return chosen.empty() ? app : calledOf(*chosen.front());
 }
 
-Failure misuse(const CLI::App& app, const CLI::ParseError& error, const std::string& firstWord) {
-  const std::string command = chosenCommand(app);
-  const bool unknown = command.empty() && !firstWord.empty() && !firstWord.starts_with('-');
-  Failure failure(kUsageError, unknown ? firstWord : command,
-                  unknown ? "there is no such command" : error.what());
+// A word that nothing takes is what is wrong, also where something else is missing for want of it.
+std::string whyOf(const CLI::App& app, const CLI::App& called, const CLI::ParseError& error) {
+  const std::vector<std::string> rest = app.remaining(true);
+  if (!rest.empty() && dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
+    if (rest.front().starts_with('-')) return "there is no option " + rest.front();
+    if (!command_pages::commandsBelow(called).empty()) return "there is no command " + rest.front();
+  }
+  return error.what();
+}
+
+Failure misuse(const CLI::App& app, const CLI::ParseError& error) {
+  const CLI::App& called = calledOf(app);
+  const std::string command = command_pages::wordsOf(called);
+  Failure failure(kUsageError, command, whyOf(app, called, error));
   return failure.advise("'zqmsg" + (command.empty() ? "" : " " + command) + " --help' tells more");
 }
 
@@ -83,8 +91,7 @@ ExitStatus parseAndRun(int argc, const char* const* argv, Session& session) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success))
-      throw misuse(app, error, argc > 1 ? argv[1] : "");
+    if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success)) throw misuse(app, error);
     answer(app, error);
   }
   return session.status;
