@@ -200,7 +200,9 @@ TEST_F(Objects, FilesThatCannotBeReadAreFailures) {
 
 TEST_F(Objects, XmlIsNoFileOfObjects) {
   folder_.write("x.xml", kSaveAlertXml);
-  EXPECT_THAT(zqmsg({"objects", "ls", "x.xml"}).err, HasSubstr("is not in the form objects but in xml"));
+  for (const char* step : {"ls", "cat"})
+    EXPECT_EQ(zqmsg({"objects", step, "x.xml"}).err,
+              "zqmsg: x.xml: is not in the form objects but in xml\n  'zqmsg convert --from xml' reads it\n");
   EXPECT_THAT(zqmsg({"objects", "check", "x.xml"}).err,
               HasSubstr("does not begin with an object of a known class"));
 }
@@ -210,7 +212,11 @@ TEST_F(Objects, WrongUsageIsTold) {
   EXPECT_THAT(zqmsg({"objects", "frobnicate"}), Exits(2));
   EXPECT_THAT(zqmsg({"objects", "repair", "a"}), Exits(2));
   EXPECT_THAT(zqmsg({"objects", "ls", "a", "--format", "c"}), Exits(2));
-  EXPECT_THAT(zqmsg({"objects", "cat", "a", "--number", "0"}), Exits(2));
+  for (const char* number : {"0", "-1", "one"}) {
+    const ProgramRun cat = zqmsg({"objects", "cat", "a", "--number", number});
+    EXPECT_THAT(cat, Exits(2));
+    EXPECT_THAT(cat.err, StartsWith("zqmsg: objects cat: --number: objects are numbered from 1\n"));
+  }
   const ProgramRun run = zqmsg({"objects", "cat", "a", "--to", "binary", "--readable"});
   EXPECT_THAT(run, Exits(2));
   EXPECT_THAT(run.err, StartsWith("zqmsg: objects cat: --readable is for the forms xml, xml16 and json"));

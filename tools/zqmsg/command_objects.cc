@@ -196,7 +196,11 @@ void addObjects(CLI::App& app, Session& session) {
   options->write.addTo(cat);
   cat.add_option("-o,--output", options->output, "File, or folder for many; none is standard output");
   cat.add_option("--number", options->number, "Only the object of this number, from 1")
-      ->check(CLI::PositiveNumber);
+      ->check([](const std::string& number) {
+        const bool isNumber = number.find_first_not_of("0123456789") == std::string::npos;
+        const bool isFromOne = isNumber && number.find_first_not_of('0') != std::string::npos;
+        return std::string(isFromOne ? "" : "objects are numbered from 1");
+      });
   cat.callback([&cat, options, &session] { print(cat, *options, session); });
 
   CLI::App& check = addStep(objects, session, *options, "check", "Find and name damage");

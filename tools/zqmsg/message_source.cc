@@ -33,10 +33,13 @@ Detected detect(ByteSource& source) {
 }
 
 Failure contradiction(const ByteSource& source, Form claimed, Form detected) {
+  const std::string option = "--from " + std::string(formName(detected));
+  // That it holds objects is claimed by 'zqmsg objects' too, which has no such option.
   return Failure(kFailed, source.name(),
                  "is not in the form " + std::string(formName(claimed)) + " but in " +
                      std::string(formName(detected)))
-      .advise("leave --from out, or say --from " + std::string(formName(detected)));
+      .advise(claimed == Form::kObjects ? "'zqmsg convert " + option + "' reads it"
+                                        : "leave --from out, or say " + option);
 }
 
 }  // namespace
