@@ -1,4 +1,5 @@
 // Input that is no message: every command that reads answers with a clear error and the right status.
+#include <filesystem>
 #include <fstream>
 #include <random>
 #include <string>
@@ -209,6 +210,20 @@ TEST_F(BadInput, DeeplyNestedXml) {
   const ProgramRun run = zqmsg({"convert", "--to", "xml"}, xml);
   EXPECT_THAT(run, Exits(5));
   EXPECT_THAT(run.err, HasSubstr("nested in more than"));
+}
+
+TEST_F(BadInput, FileLargerThanAMessageCanBeIsNotRead) {
+  const std::string large = folder_.write("large", kSaveAlertXml);
+  std::filesystem::resize_file(large, std::uintmax_t{1} << 33);  // takes no room on the disk
+  const ProgramRun run = zqmsg({"convert", "large", "--to", "xml"});
+  EXPECT_THAT(run, Exits(1));
+  EXPECT_EQ(run.err, "zqmsg: large: is larger than a message can be\n");
+  EXPECT_LT(run.peakMemory, 1 << 20);
+
+  std::ofstream(large, std::ios::app) << kSaveAlertXml;
+  const ProgramRun rest =
+      shell("{ dd bs=1M skip=8192 count=0 status=none; zqmsg convert --to xml; } < large");
+  EXPECT_EQ(rest.out, kSaveAlertXml) << "only what is left of standard input counts";
 }
 
 TEST_F(BadInput, HundredMegabytesOfZeros) {

@@ -26,8 +26,10 @@ ByteSource::ByteSource(const std::string& file) : name_(file == "-" ? "standard 
       file == "-" ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0) : open(file.c_str(), O_RDONLY | O_CLOEXEC);
   if (descriptor_ < 0) fail(name_);
   struct stat status = {};
-  if (fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode))
-    size_ = static_cast<std::uint64_t>(status.st_size);
+  if (fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) return;
+  // Of standard input a part may have been read already.
+  const off_t start = std::max<off_t>(lseek(descriptor_, 0, SEEK_CUR), 0);
+  size_ = static_cast<std::uint64_t>(std::max<off_t>(status.st_size - start, 0));
 }
 
 ByteSource::~ByteSource() {
