@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <string>
 #include <system_error>
@@ -52,6 +54,61 @@ Decimal scanDecimal(View text) {
   }
   number.found = at != digits;
   return number;
+}
+
+template <class Word>
+std::uint64_t loadWord(const char* bytes) {
+  Word word;
+  std::memcpy(&word, bytes, sizeof word);
+  return word;
+}
+
+/// What eight characters stand for, each in a byte, the first in the lowest; above 9 for what is no digit.
+constexpr std::uint64_t digitsOf(std::uint64_t characters) {
+  return characters ^ 0x3030'3030'3030'3030;
+}
+constexpr bool areDigits(std::uint64_t digits) {
+  // A byte above 9 reaches the highest bit, by itself or with what is added.
+  return ((digits | (digits + 0x7676'7676'7676'7676)) & 0x8080'8080'8080'8080) == 0;
+}
+/// The number of eight digits: pairs of them, fours, all, side by side in one word.
+constexpr std::uint64_t numberOf(std::uint64_t digits) {
+  digits = (digits * 10 + (digits >> 8)) & 0x00ff'00ff'00ff'00ff;
+  digits = (digits * 100 + (digits >> 16)) & 0x0000'ffff'0000'ffff;
+  return (digits * 10'000 + (digits >> 32)) & 0xffff'ffff;
+}
+static_assert(numberOf(digitsOf(0x3837'3635'3433'3231)) == 12'345'678);
+
+/// Reads a text of digits and nothing else, up to 16 of them. False for any other, which may still be a
+/// number.
+bool readDigits(std::string_view text, std::uint64_t& number) {
+  const char* const at = text.data();
+  const std::size_t size = text.size();
+  if constexpr (std::endian::native == std::endian::little) {
+    if (size >= 8) {
+      if (size > 16) return false;
+      const std::uint64_t first = digitsOf(loadWord<std::uint64_t>(at));
+      const std::uint64_t last = digitsOf(loadWord<std::uint64_t>(at + size - 8));
+      // Zeros take the place of what is in both.
+      const std::uint64_t high = size == 8 ? 0 : numberOf(first << 8 * (16 - size));
+      number = high * 100'000'000 + numberOf(last);
+      return areDigits(first) && areDigits(last);
+    }
+    if (size >= 4) {
+      const std::uint64_t first = loadWord<std::uint32_t>(at);
+      const std::uint64_t last = loadWord<std::uint32_t>(at + size - 4);
+      const std::uint64_t digits = digitsOf(first | last << 8 * (size - 4)) << 8 * (8 - size);
+      number = numberOf(digits);
+      return areDigits(digits);
+    }
+  }
+  if (size > 16) return false;
+  number = 0;
+  for (const char unit : text) {
+    if (!isDigit(unit)) return false;
+    number = number * 10 + digitOf(unit);
+  }
+  return true;
 }
 
 /// Whether the number fits. A minus takes a signed type one further and leaves an unsigned one as it is.
@@ -129,14 +186,9 @@ constexpr bool startsHexadecimal(std::string_view text) {
 }  // namespace
 
 std::int64_t parseInt64(std::string_view text) {
-  // Most numbers are a few digits and nothing else.
-  if (text.size() > std::numeric_limits<std::int64_t>::digits10) return parseSigned<std::int64_t>(text);
   std::uint64_t value = 0;
-  for (const char unit : text) {
-    if (!isDigit(unit)) return parseSigned<std::int64_t>(text);
-    value = value * 10 + digitOf(unit);
-  }
-  return static_cast<std::int64_t>(value);
+  // Most numbers are a few digits and nothing else.
+  return readDigits(text, value) ? static_cast<std::int64_t>(value) : parseSigned<std::int64_t>(text);
 }
 std::int64_t parseInt64(std::u16string_view text) {
   return parseSigned<std::int64_t>(text);
