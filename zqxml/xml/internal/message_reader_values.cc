@@ -2,14 +2,12 @@
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/platform/platform_info.h>
-#include <zqxml/platform/text.h>
 #include <zqxml/xml/base64_decode.h>
 #include <zqxml/xml/date_text.h>
 #include <zqxml/xml/internal/list_growth.h>
 #include <zqxml/xml/internal/message_reader_values.h>
 #include <zqxml/xml/internal/name_view.h>
 #include <zqxml/xml/xml_decoder.h>
-#include <zqxml/xml/xml_invalid_char_handler.h>
 
 #include <algorithm>
 #include <atomic>
@@ -93,10 +91,7 @@ struct FieldTextReader<Char>::ScalarStore {
   void operator()(Scalar<element::Float>) const {
     MessageAccess::setFloat(object, field, static_cast<float>(parseDouble(number)));
   }
-  void operator()(InPlace<element::Str>) const {
-    reader.readString(text, MessageAccess::inPlace<std::string>(object, field));
-    MessageAccess::mark(object, field.getMemNum());
-  }
+  void operator()(InPlace<element::Str>) const { reader.storeString(object, field, text); }
   void operator()(InPlace<element::WStr>) const {
     MessageAccess::inPlace<std::u16string>(object, field) = reader.restored(text);
     MessageAccess::mark(object, field.getMemNum());
@@ -175,18 +170,6 @@ template <class Char>
 void FieldTextReader<Char>::appendVal(XNMessageBase& object, const FieldDef& field, View text,
                                       std::size_t alike) {
   visitStorage(field.getType(), ListAppend{*this, object, field, text, alike});
-}
-
-template <class Char>
-void FieldTextReader<Char>::readString(View text, std::string& out) {
-  out.clear();
-  if constexpr (std::is_same_v<Char, char>) {
-    if (!XmlInvalidCharHandler::isEscaped(text)) {
-      out.append(text);
-      return;
-    }
-  }
-  appendUtf8(out, restored(text));
 }
 
 template <class Char>

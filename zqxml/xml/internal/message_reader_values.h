@@ -5,7 +5,9 @@
 #include <zqxml/message/internal/message_access.h>
 #include <zqxml/message/xn_message_base.h>
 #include <zqxml/platform/number_text.h>
+#include <zqxml/platform/text.h>
 #include <zqxml/xml/encoding_flags.h>
+#include <zqxml/xml/xml_invalid_char_handler.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -34,6 +36,8 @@ class FieldTextReader {
     // What most attributes are, in front of all that is asked of the others.
     if (kPlainIntegers.contains(field.getType()) && !field.hasAnnotation())
       MessageAccess::setInteger(object, field, parseInt64(text));
+    else if (field.getType() == FDT_STRING)
+      storeString(object, field, text);
     else
       storeScalar(object, field, text, where);
   }
@@ -45,7 +49,16 @@ class FieldTextReader {
   void appendVal(XNMessageBase& object, const FieldDef& field, View text, std::size_t alike);
 
   /// The text as UTF-8 into `out`, with what XML cannot hold restored.
-  void readString(View text, std::string& out);
+  void readString(View text, std::string& out) {
+    out.clear();
+    if constexpr (std::is_same_v<Char, char>) {
+      if (!XmlInvalidCharHandler::isEscaped(text)) {
+        out.append(text);
+        return;
+      }
+    }
+    appendUtf8(out, restored(text));
+  }
 
  private:
   struct ScalarStore;
@@ -60,6 +73,10 @@ class FieldTextReader {
 
   void storeScalar(XNMessageBase& object, const FieldDef& field, View text, const char* where);
   void storeNumber(XNMessageBase& object, const FieldDef& field, View text, const char* where);
+  void storeString(XNMessageBase& object, const FieldDef& field, View text) {
+    readString(text, MessageAccess::inPlace<std::string>(object, field));
+    MessageAccess::mark(object, field.getMemNum());
+  }
   void storePassword(XNMessageBase& object, const FieldDef& field, View text, const char* where);
   /// As UTF-16 with what XML cannot hold restored: the text itself, or a place in scratch_.
   std::u16string_view restored(View text);
