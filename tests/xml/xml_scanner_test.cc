@@ -8,6 +8,7 @@
 #include <string>
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace zqxml {
 namespace {
@@ -17,10 +18,10 @@ namespace {
 template <class Char>
 class EventWriter {
  public:
-  void start(NameView<Char> name, std::span<const BasicAttributeView<Char>> attributes, std::size_t alike) {
+  void start(NameView<Char> name, const ScannedAttributes<Char>& attributes, std::size_t alike) {
     events_ += " +" + utf8Text(name.text);
     EXPECT_EQ(name.hash, nameHash(name.text));
-    for (const BasicAttributeView<Char>& attribute : attributes) {
+    for (const BasicAttributeView<Char> attribute : attributes) {
       events_ += "(" + utf8Text(attribute.name.text) + "=" + utf8Text(attribute.value) + ")";
       EXPECT_EQ(attribute.name.hash, nameHash(attribute.name.text));
     }
@@ -112,6 +113,79 @@ TEST(XmlScanner, TakesSpecialCharactersAtEveryPlaceOfAValue) {
       EXPECT_EQ(events("<r>" + left + "&lt;\"'" + right + "</r>"), " +r [" + left + "<\"'" + right + "] -r");
     }
   }
+}
+
+// --- Elements of classes, whose attributes are expected
+
+/// What the attributes of an element of class XmlRead_Defaults (number, on, text) are taken for: the same as
+/// those of an element of no class, and of one that another precedes.
+std::string attributesOfDefaults(const std::string& attributes) {
+  const std::string unknown = events("<a" + attributes + "/>");
+  const std::string known = events("<XmlRead_Defaults" + attributes + "/>");
+  const std::string twice = events("<r><a" + attributes + "/><a" + attributes + "/></r>");
+  if (unknown == "not plain") {
+    EXPECT_EQ(known, unknown);
+    EXPECT_EQ(twice, unknown);
+    return unknown;
+  }
+  constexpr std::size_t kAround = std::string_view(" +a").size();
+  std::string inside = unknown.substr(kAround, unknown.size() - 2 * kAround);
+  EXPECT_EQ(known, " +XmlRead_Defaults" + inside + " -XmlRead_Defaults");
+  EXPECT_EQ(twice, " +r +a" + inside + "*1 -a +a" + inside + " -a -r");
+  return inside;
+}
+
+TEST(XmlScanner, ExpectedAttributesMayBeMissingAndOthersStandBetween) {
+  EXPECT_EQ(attributesOfDefaults(" number=\"1\" on=\"0\" text=\"t\""), "(number=1)(on=0)(text=t)");
+  EXPECT_EQ(attributesOfDefaults(" on=\"0\""), "(on=0)");
+  EXPECT_EQ(attributesOfDefaults(" number=\"1\" text=\"t\""), "(number=1)(text=t)");
+  EXPECT_EQ(attributesOfDefaults(" text=\"t\" on=\"0\" number=\"1\""), "(text=t)(on=0)(number=1)");
+  EXPECT_EQ(attributesOfDefaults(" a=\"0\" number=\"1\" numbers=\"2\" o=\"3\" on=\"4\""),
+            "(a=0)(number=1)(numbers=2)(o=3)(on=4)");
+}
+
+TEST(XmlScanner, ExpectedAttributesComeOnce) {
+  EXPECT_EQ(attributesOfDefaults(" on=\"0\" on=\"1\""), "not plain");
+  EXPECT_EQ(attributesOfDefaults(" number=\"0\" on=\"1\" number=\"2\""), "not plain");
+  EXPECT_EQ(attributesOfDefaults(" number=\"0\" x=\"1\" x=\"2\""), "not plain");
+}
+
+TEST(XmlScanner, ExpectedAttributesMayBeWrittenInAnyWay) {
+  EXPECT_EQ(attributesOfDefaults("\n number = '1'\ton=\"&lt;\"  text=\"\xc3\xa9&amp;\" "),
+            "(number=1)(on=<)(text=\xc3\xa9&)");
+  EXPECT_EQ(attributesOfDefaults(" number=\"\" on=\"a long value of more than a block\" text='\"'"),
+            "(number=)(on=a long value of more than a block)(text=\")");
+  for (const char* wrong : {" number=\"1\"on=\"2\"", " number=\"1", " number=\"<\"", " number=1", " number"})
+    EXPECT_EQ(attributesOfDefaults(wrong), "not plain") << wrong;
+}
+
+TEST(XmlScanner, NameHas255CharactersAtMost) {
+  const std::string most(255, 'n');
+  EXPECT_EQ(events("<r " + most + "=''/>"), " +r(" + most + "=) -r");
+  EXPECT_EQ(events("<r " + most + "n=''/>"), "not plain");
+  EXPECT_EQ(events("<" + most + "/>"), " +" + most + " -" + most);
+  EXPECT_EQ(events("<" + most + "n/>"), "not plain");
+}
+
+/// Takes note of where the class of a root is expected to have the fields of the attributes.
+struct PositionReader {
+  void start(NameView<char>, const ScannedAttributes<char>& attributes, std::size_t) {
+    for (const BasicAttributeView<char> attribute : attributes) positions.push_back(attribute.position);
+  }
+  void end(NameView<char>) {}
+  void characters(std::string_view) {}
+  bool takesCharacters() const { return false; }
+
+  std::vector<int> positions;
+};
+
+TEST(XmlScanner, ExpectedAttributesTellTheirFields) {
+  const std::string xml = "<XmlRead_Defaults number=\"1\" on=\"&lt;\" text=\"3\" up=\"4\"/>";
+  XmlScanner<char> scanner;
+  ASSERT_TRUE(scanner.scan(xml));
+  PositionReader reader;
+  scanner.drive(reader);
+  EXPECT_EQ(reader.positions, (std::vector<int>{0, 2, 1, kNoPosition}));
 }
 
 // --- The memory that a thread keeps

@@ -28,12 +28,6 @@ bool isAttribute(const FieldDef& field) {
   return kAttributeTypes.contains(field.getType()) && !isCdata(field);
 }
 
-/// A name of ASCII that is legal everywhere in XML and reserved nowhere.
-bool isPlainName(std::string_view name) {
-  return !name.empty() && is(name.front(), kFirstOfName) &&
-         std::ranges::all_of(name, [](char c) { return is(c, kInName); }) && !name.starts_with("xml");
-}
-
 std::string_view textOf(PlannedName name) {
   return {name.text(), name.length};
 }

@@ -67,7 +67,7 @@ void MySAX2Handler::startElement(const XMLCh*, const XMLCh* localname, const XML
     if (name.empty()) name = attributes.getQName(i);
     state_->attributes.push_back({name, attributes.getValue(i)});
   }
-  state_->reader.start(nameOf(localname, qname), state_->attributes);
+  state_->reader.start(nameOf(localname, qname), MessageReader::AttributeViews(state_->attributes));
 }
 
 void MySAX2Handler::endElement(const XMLCh*, const XMLCh* localname, const XMLCh* qname) {

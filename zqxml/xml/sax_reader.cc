@@ -89,7 +89,8 @@ void SaxReader::startElement(const xercesc::XMLElementDecl& declaration, unsigne
   }
   run_ = declaration_ == &declaration && runDepth_ == depth_ ? run_ + 1 : 1;
   runDepth_ = depth_;
-  target_->start(nameOf(declaration), attributes_, run_ == kRun ? alikeBehind(declaration) : 0);
+  target_->start(nameOf(declaration), MessageReader::AttributeViews(attributes_),
+                 run_ == kRun ? alikeBehind(declaration) : 0);
   if (isEmpty)
     target_->end(name_);
   else

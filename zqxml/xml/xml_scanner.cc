@@ -1,4 +1,3 @@
-#include <zqxml/xml/internal/name_filter.h>
 #include <zqxml/xml/internal/xml_characters.h>
 #include <zqxml/xml/internal/xml_names.h>
 #include <zqxml/xml/internal/xml_scanner.h>
@@ -11,31 +10,6 @@ namespace {
 
 /// Most texts have no more than one part in so many units.
 constexpr std::size_t kUnitsOfPart = 12;
-
-void append(std::u16string& out, char32_t c) {
-  if (c < 0x10000) {
-    out += static_cast<char16_t>(c);
-  } else {
-    out += static_cast<char16_t>(0xd7c0 + (c >> 10));
-    out += static_cast<char16_t>(0xdc00 + (c & 0x3ff));
-  }
-}
-void append(std::string& out, char32_t c) {
-  const auto put = [&out](char32_t byte) { out += static_cast<char>(byte); };
-  if (c < 0x80) return put(c);
-  if (c < 0x800) {
-    put(0xc0 | c >> 6);
-  } else {
-    if (c < 0x10000) {
-      put(0xe0 | c >> 12);
-    } else {
-      put(0xf0 | c >> 18);
-      put(0x80 | (c >> 12 & 0x3f));
-    }
-    put(0x80 | (c >> 6 & 0x3f));
-  }
-  put(0x80 | (c & 0x3f));
-}
 
 }  // namespace
 
@@ -100,18 +74,32 @@ template <class Char>
 bool XmlScanner<Char>::scanStartTag() {
   if (at_[0] != '<' || open_.size() >= kMostLevels) return false;
   ++at_;
-  const std::size_t number = parts_.size();
+  const auto number = static_cast<std::uint32_t>(parts_.size());
   const std::size_t like = open_.empty() ? 0 : open_.back().run;
-  const Name name = scanName(at_, like);
-  if (name.length == 0) return false;
+  const AttributeGuide* guide = nullptr;
+  Name name;
+  if (like != 0 && isNameOf(parts_[like], at_)) {
+    // Of elements that follow each other with one name, the first counts the others.
+    ++parts_[like].length;
+    name = {parts_[like].hash(), parts_[like].nameLength};
+    guide = open_.back().runGuide;
+  } else {
+    name = scanNewName(at_);
+    if (name.length == 0) return false;
+    guide = guideOf({at_, name.length}, name.hash);
+    if (!open_.empty()) {
+      open_.back().run = number;
+      open_.back().runGuide = guide;
+    }
+  }
   parts_.push_back(
       {.start = offset(at_), .marks = Part::marksOf(name.hash, Kind::start), .nameLength = name.length});
-  countAlike(number);
   at_ += name.length;
-  if (!scanAttributes(number, like)) return false;
+  if (!scanAttributes(number, guide, like)) return false;
+  parts_[number].position = static_cast<std::uint8_t>(parts_.size() - number - 1);
   if (*at_ == '>') {
     ++at_;
-    open_.push_back({static_cast<std::uint32_t>(number), 0});
+    open_.push_back({number, 0, guide, nullptr});
     return true;
   }
   if (!skipWord("/>")) return false;
@@ -119,119 +107,22 @@ bool XmlScanner<Char>::scanStartTag() {
   return true;
 }
 
-/// Of elements that follow each other with one name, the first counts the others.
+/// What an element of that name may be expected to have at this place; null for nothing.
 template <class Char>
-void XmlScanner<Char>::countAlike(std::size_t tag) {
-  if (open_.empty()) return;
-  std::uint32_t& run = open_.back().run;
-  if (run != 0 && parts_[run].hash() == parts_[tag].hash())
-    ++parts_[run].length;
-  else
-    run = static_cast<std::uint32_t>(tag);
-}
-
-/// `like` is an earlier tag, whose attributes these may have again, in its order.
-template <class Char>
-bool XmlScanner<Char>::scanAttributes(std::size_t tag, std::size_t like) {
-  NameFilter names;
-  for (const Char* at = at_;;) {
-    const Char* const before = std::exchange(at, behindSpace(at));
-    if (*at == '>' || *at == '/') {
-      at_ = at;
-      return true;
-    }
-    if (at == before || parts_.size() - tag > kMostAttributes) return false;
-    const Name name = scanName(at, ++like);
-    if (name.length == 0 || (names.mayHave(name.hash) && !isNew({at, name.length}, tag))) return false;
-    const Value value = scanValue(at + name.length);
-    if (value.end == nullptr) return false;
-    const auto gap = static_cast<std::uint32_t>(value.start - at - name.length);
-    parts_.push_back({.start = offset(at),
-                      .length = static_cast<std::uint32_t>(value.end - value.start),
-                      .marks = Part::marksOf(name.hash, Kind::attribute, value.coded, gap),
-                      .nameLength = name.length});
-    at = value.end + 1;
+const AttributeGuide* XmlScanner<Char>::guideOf(View name, std::uint32_t hash) const {
+  if constexpr (sizeof(Char) == 1) {
+    if (open_.empty()) return AttributeGuide::ofRoot(name, hash);
+    if (open_.back().guide != nullptr) return open_.back().guide->ofField(hash);
   }
+  return nullptr;
 }
 
-/// Whether the tag has no attribute of that name yet.
-template <class Char>
-bool XmlScanner<Char>::isNew(View name, std::size_t tag) const {
-  for (std::size_t i = tag + 1; i < parts_.size(); ++i)
-    if (nameOf(parts_[i]).text == name) return false;
-  return true;
-}
-
-/// The name that begins here; one of no length when none does. `like` is an earlier part that may have the
-/// same: to compare takes less time than to look at each character.
-template <class Char>
-inline typename XmlScanner<Char>::Name XmlScanner<Char>::scanName(const Char* at, std::size_t like) const {
-  if (like >= parts_.size() || !isNameOf(parts_[like], at)) return scanNewName(at);
-  return {parts_[like].hash(), parts_[like].nameLength};
-}
-
-/// Whether the part has a name, and that name stands here.
+/// Whether the part's name stands here.
 template <class Char>
 inline bool XmlScanner<Char>::isNameOf(const Part& part, const Char* at) const {
   const std::size_t length = part.nameLength;
-  return length != 0 && static_cast<std::size_t>(end_ - at) >= length &&
+  return static_cast<std::size_t>(end_ - at) >= length &&
          equalBytes(at, text_ + part.start, length * sizeof(Char)) && !is(at[length], kInName);
-}
-
-template <class Char>
-typename XmlScanner<Char>::Name XmlScanner<Char>::scanNewName(const Char* at) {
-  constexpr std::ptrdiff_t kLongest = std::numeric_limits<std::uint16_t>::max();
-  if (!is(*at, kFirstOfName)) return {};
-  const Char* const first = at;
-  std::uint32_t hash = 0;
-  do {
-    hash = hash * 31 + unitOf(*at++);
-  } while (is(*at, kInName));
-  if (at - first > kLongest || (first[0] == 'x' && first[1] == 'm' && first[2] == 'l')) return {};
-  return {hash & 0xffffff, static_cast<std::uint16_t>(at - first)};
-}
-
-/// The value of an attribute, from behind its name; one without an end when it is not plain.
-template <class Char>
-inline typename XmlScanner<Char>::Value XmlScanner<Char>::scanValue(const Char* at) const {
-  if (at[0] == '=' && at[1] == '"') {
-    const Char* const end = behindBlocks(at + 2, end_, Char{'"'});
-    if (*end == '"') return {at + 2, end};
-  }
-  return scanUnusualValue(at);
-}
-
-/// The same for one that is spaced or quoted in another way, near the end of the text, or has references or
-/// characters beyond ASCII.
-template <class Char>
-typename XmlScanner<Char>::Value XmlScanner<Char>::scanUnusualValue(const Char* at) const {
-  const Char* const name = at;
-  at = behindSpace(at);
-  if (*at != '=') return {};
-  at = behindSpace(at + 1);
-  const Char quote = *at++;
-  if ((quote != '"' && quote != '\'') || at - name > kWidestGap) return {};
-  Value value{at};
-  for (;;) {
-    at = behindBlocks(at, end_, quote);
-    while (is(*at, kInValue)) ++at;
-    if (*at == quote) break;
-    if (*at == '&') {
-      const Reference reference = referenceAt(at);
-      if (reference.size == 0) return {};
-      at += reference.size;
-      value.coded = true;
-    } else if (*at == '"' || *at == '\'') {
-      ++at;
-    } else if (is(*at, kSpace)) {
-      ++at;
-      value.coded = true;
-    } else if (at = skipCharacter(at); at == nullptr) {
-      return {};
-    }
-  }
-  value.end = at;
-  return value;
 }
 
 /// Behind the character beyond ASCII; null when there is none, or one that XML does not allow.
@@ -256,7 +147,7 @@ bool XmlScanner<Char>::scanMarkup() {
 
 template <class Char>
 bool XmlScanner<Char>::scanEndTag() {
-  const View opened = nameOf(parts_[open_.back().tag]).text;
+  const View opened = nameOf(parts_[open_.back().tag]);
   at_ += 2;
   if (static_cast<std::size_t>(end_ - at_) < opened.size() || View(at_, opened.size()) != opened)
     return false;
@@ -369,29 +260,6 @@ bool XmlScanner<Char>::skipQuoted(std::string_view ascii) {
   }
   at_ = before;
   return false;
-}
-
-template <class Char>
-typename XmlScanner<Char>::View XmlScanner<Char>::decoded(const Part& part) {
-  const std::size_t first = decoded_.size();
-  const View content = contentOf(part);
-  const Char* const end = content.data() + content.size();
-  for (const Char* at = content.data(); at != end;) {
-    if (*at == '&' && part.kind() != Kind::section) {
-      const Reference reference = referenceAt(at);
-      append(decoded_, reference.character);
-      at += reference.size;
-    } else if (is(*at, kSpace)) {
-      // The end of a line, however written, is one character.
-      const bool two = at[0] == '\r' && at + 1 != end && at[1] == '\n';
-      const Char unit = *at == '\r' ? Char{'\n'} : *at;
-      decoded_ += part.kind() == Kind::attribute ? Char{' '} : unit;
-      at += two ? 2 : 1;
-    } else {
-      decoded_ += *at++;
-    }
-  }
-  return View(decoded_).substr(first);
 }
 
 template class XmlScanner<char>;

@@ -111,7 +111,7 @@ struct FirstTag {
   bool isEmptyElement;
   bool started = false;
 
-  void start(NameView<char> name, BasicMessageReader<char>::Attributes attributes, std::size_t) {
+  void start(NameView<char> name, const ScannedAttributes<char>& attributes, std::size_t) {
     if (!std::exchange(started, true)) reader.start(name, attributes);
   }
   void end(NameView<char> name) {

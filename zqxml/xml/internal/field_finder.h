@@ -38,7 +38,7 @@ class FieldFinder {
   static constexpr unsigned kPlaceBits = 9;
   using Answers = std::array<Answer, std::size_t{1} << kPlaceBits>;
   /// Classes of so few fields are searched faster than looked up.
-  static constexpr int kSearched = 8;
+  static constexpr int kSearched = 2;
 
   static const FieldDef* search(const _ClassDef& classDef, std::uint32_t hash) {
     for (const FieldDef& field : classDef)

@@ -1,15 +1,16 @@
-#include <zqxml/catalogue/lookup.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/internal/message_access.h>
 #include <zqxml/platform/format.h>
 #include <zqxml/platform/number_text.h>
 #include <zqxml/xml/internal/message_reader.h>
 #include <zqxml/xml/internal/message_reader_names.h>
+#include <zqxml/xml/internal/root_class.h>
+#include <zqxml/xml/internal/scanned_text.h>
 
-#include <array>
 #include <concepts>
 #include <memory>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -21,50 +22,23 @@ constexpr char kStart[] = "MySAX2Handler::startElement";
 constexpr char kEnd[] = "MySAX2Handler::endElement";
 constexpr char kAttributes[] = "MySAX2Handler::processAttributes";
 
-/// The class that a root element's name stands for; false when there is none.
-bool findRoot(const std::string& name, short& subsystem, int& classIndex) {
-  const std::size_t separator = name.find('_');
-  if (separator == name.npos) return false;
-  std::string subsystemName = name.substr(0, separator);
-  // QUIRK: twelve classes of DistributedIDA are written under this name, and every class is read under it.
-  if (subsystemName == "SystemMonitoring") subsystemName = "DistributedIDA";
-  return catalogue::subsystemFromName(subsystemName.c_str(), subsystem) &&
-         catalogue::classIndexFromName(name.c_str() + separator + 1, subsystem, classIndex);
-}
-
-/// The latest answers, for all readers of a thread. The catalogue is constant, so they stay true, and which
-/// name an answer was given to is read there.
-struct RootAnswer {
-  short subsystem;
-  int classIndex;
-  bool known;
-
-  bool isOf(std::string_view name) const {
-    if (!known) return false;
-    const SubsystemDef& row = gSubsystemTable[subsystem];
-    const std::string_view first(row.name);
-    return name.size() > first.size() && name.starts_with(first) && name[first.size()] == '_' &&
-           name.substr(first.size() + 1) == row.classDefs[classIndex].getName();
-  }
-};
-
 /// New object of the class that a root element's name stands for, null when there is none or no memory for
 /// it.
-std::unique_ptr<XNMessageBase> makeRoot(const std::string& name, std::uint32_t hash) {
-  constexpr std::size_t kAnswers = 64;
-  static constinit thread_local std::array<RootAnswer, kAnswers> answers{};
-  RootAnswer& answer = answers[hash % kAnswers];
-  if (!answer.isOf(name)) {
-    short subsystem = 0;
-    int classIndex = 0;
-    if (!findRoot(name, subsystem, classIndex)) return nullptr;
-    answer = {subsystem, classIndex, true};
-  }
+std::unique_ptr<XNMessageBase> makeRoot(std::string_view name, std::uint32_t hash) {
+  const std::optional<RootClass> root = rootClassOf(name, hash);
+  if (!root.has_value()) return nullptr;
   try {
-    return std::unique_ptr<XNMessageBase>(MessageAccess::create(answer.subsystem, answer.classIndex));
+    return std::unique_ptr<XNMessageBase>(MessageAccess::create(root->subsystem, root->classIndex));
   } catch (const std::bad_alloc&) {
     return nullptr;
   }
+}
+
+/// The field at the position, when it has that hash: no two of a class have one.
+const FieldDef* fieldAt(const _ClassDef& classDef, unsigned position, std::uint32_t hash) {
+  if (static_cast<int>(position) >= classDef.getNumberOfFields()) return nullptr;
+  const FieldDef& field = classDef.getFields()[position];
+  return field.getFieldHashId() == hash && field.getType() != FDT_NONE ? &field : nullptr;
 }
 
 template <class Tag>
@@ -81,7 +55,8 @@ BasicMessageReader<Char>::BasicMessageReader(XNMessageBase* root, std::size_t ma
 }
 
 template <class Char>
-void BasicMessageReader<Char>::start(Name name, Attributes attributes, std::size_t alike) {
+template <class Attributes>
+void BasicMessageReader<Char>::start(Name name, const Attributes& attributes, std::size_t alike) {
   checkDepth();
   const bool isRoot = !std::exchange(started_, true);
   if (!isRoot && path_.empty()) return;  // the root had no class
@@ -127,11 +102,12 @@ void BasicMessageReader<Char>::checkDepth() {
 }
 
 template <class Char>
-void BasicMessageReader<Char>::openRoot(Name name, Attributes attributes) {
-  const std::string narrow = utf8Text(name.text);
+template <class Attributes>
+void BasicMessageReader<Char>::openRoot(Name name, const Attributes& attributes) {
+  const auto narrow = asUtf8(name.text);
   std::unique_ptr<XNMessageBase> made = makeRoot(narrow, name.hash);
   if (made == nullptr) {
-    const std::string text = "Unable to construct object out of tag : [" + narrow + "]";
+    const std::string text = "Unable to construct object out of tag : [" + std::string(narrow) + "]";
     logError(kStart, "%s", text);
     throw std::runtime_error(text);
   }
@@ -143,7 +119,9 @@ void BasicMessageReader<Char>::openRoot(Name name, Attributes attributes) {
 
 /// Makes the object of an object field, or the next one of a list, the current one. False for other fields.
 template <class Char>
-bool BasicMessageReader<Char>::openObject(const FieldDef& field, Attributes attributes, std::size_t alike) {
+template <class Attributes>
+bool BasicMessageReader<Char>::openObject(const FieldDef& field, const Attributes& attributes,
+                                          std::size_t alike) {
   if (!kObjectFields.contains(field.getType())) return false;
   const bool opened =
       field.getType() == FDT_OBJECT ? path_.openMember(field) : path_.openElement(field, alike);
@@ -153,12 +131,14 @@ bool BasicMessageReader<Char>::openObject(const FieldDef& field, Attributes attr
 
 /// False when the current object has no class that could say what an attribute is.
 template <class Char>
-bool BasicMessageReader<Char>::processAttributes(Attributes attributes) {
+template <class Attributes>
+bool BasicMessageReader<Char>::processAttributes(const Attributes& attributes) {
   XNMessageBase& object = path_.current();
   const _ClassDef* classDef = MessageAccess::classDef(object);
   if (classDef == nullptr) return false;
-  for (const BasicAttributeView<Char>& attribute : attributes) {
-    const FieldDef* field = finder_.find(classDef, attribute.name.hash);
+  for (const BasicAttributeView<Char> attribute : attributes) {
+    const FieldDef* field = fieldAt(*classDef, attribute.position, attribute.name.hash);
+    if (field == nullptr) field = finder_.find(classDef, attribute.name.hash);
     if (field != nullptr)
       values_.storeAttribute(object, *field, attribute.value, kAttributes);
     else
@@ -244,7 +224,10 @@ void BasicMessageReader<Char>::endUnknown(View name, bool wasCapturing) {
 
 template <class Char>
 const FieldDef* BasicMessageReader<Char>::find(const XNMessageBase& object, std::uint32_t hash) {
-  return finder_.find(MessageAccess::classDef(object), hash);
+  const _ClassDef* const classDef = MessageAccess::classDef(object);
+  if (found_.classDef != classDef || found_.hash != hash)
+    found_ = {classDef, finder_.find(classDef, hash), hash};
+  return found_.field;
 }
 
 // --- Map entries: <field><__mapKey__ .../><__mapValue__ .../></field>.
@@ -384,5 +367,8 @@ const char* BasicMessageReader<Char>::mapName() const {
 
 template class BasicMessageReader<char>;
 template class BasicMessageReader<char16_t>;
+template void BasicMessageReader<char>::start(Name, const ScannedAttributes<char>&, std::size_t);
+template void BasicMessageReader<char16_t>::start(Name, const ScannedAttributes<char16_t>&, std::size_t);
+template void MessageReader::start(Name, const AttributeViews&, std::size_t);
 
 }  // namespace zqxml

@@ -38,14 +38,16 @@ class BasicMessageReader {
  public:
   using View = std::basic_string_view<Char>;
   using Name = NameView<Char>;
-  using Attributes = std::span<const BasicAttributeView<Char>>;
+  using AttributeViews = std::span<const BasicAttributeView<Char>>;
 
   /// Reads into `root`, which stays the caller's; null to make an object of the class that the root element
   /// names. `maxLevels` objects may be nested, 0 for any number, in the elements that so many take at most.
   explicit BasicMessageReader(XNMessageBase* root, std::size_t maxLevels);
 
-  /// `alike` elements of that name are known to follow, one behind the other: there may be more.
-  void start(Name name, Attributes attributes, std::size_t alike = 0);
+  /// `alike` elements of that name are known to follow, one behind the other: there may be more. Attributes
+  /// is AttributeViews or ScannedAttributes<Char>.
+  template <class Attributes = AttributeViews>
+  void start(Name name, const Attributes& attributes, std::size_t alike = 0);
   void end(Name name);
   /// A part of a text; one text may come in several.
   void characters(View text) {
@@ -90,12 +92,16 @@ class BasicMessageReader {
 
   // Elements.
   void checkDepth();
-  void openRoot(Name name, Attributes attributes);
-  bool openObject(const FieldDef& field, Attributes attributes, std::size_t alike);
-  bool processAttributes(Attributes attributes);
+  template <class Attributes>
+  void openRoot(Name name, const Attributes& attributes);
+  template <class Attributes>
+  bool openObject(const FieldDef& field, const Attributes& attributes, std::size_t alike);
+  template <class Attributes>
+  bool processAttributes(const Attributes& attributes);
   void readVal(const FieldDef* field, View value, std::size_t alike);
   bool endObject(std::uint32_t hash);
   void endUnknown(View name, bool wasCapturing);
+  /// The field of the object's class, null for none.
   const FieldDef* find(const XNMessageBase& object, std::uint32_t hash);
 
   // Maps.
@@ -117,6 +123,12 @@ class BasicMessageReader {
   std::size_t depth_ = 0;
   ObjectPath path_;
   FieldFinder finder_;
+  /// The latest answer of find(): elements of one name follow each other, and most end where they begin.
+  struct {
+    const _ClassDef* classDef = nullptr;
+    const FieldDef* field = nullptr;
+    std::uint32_t hash = 0;
+  } found_;
   FieldTextReader<Char> values_;
   std::vector<MapEntry> entries_;
   std::uint64_t entryCount_ = 0;

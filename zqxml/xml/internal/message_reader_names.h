@@ -2,7 +2,7 @@
 #pragma once
 
 #include <zqxml/catalogue/field_types.h>
-#include <zqxml/xml/internal/field_finder.h>
+#include <zqxml/xml/internal/name_view.h>
 #include <zqxml/xml/internal/xml_names.h>
 
 #include <cstdint>

@@ -21,6 +21,14 @@ constexpr std::uint32_t nameHash(std::u16string_view name) {
   return hash & 0xffffff;
 }
 
+/// A text of either form as UTF-8: itself where it is that.
+inline std::string_view asUtf8(std::string_view text) {
+  return text;
+}
+inline std::string asUtf8(std::u16string_view text) {
+  return toUtf8(text);
+}
+
 /// A text of either form as UTF-8, and as UTF-16.
 inline std::string utf8Text(std::string_view text) {
   return std::string(text);
@@ -47,11 +55,16 @@ struct NameView {
   std::uint32_t hash = 0;
 };
 
+/// No position of a field.
+inline constexpr std::uint8_t kNoPosition = 255;
+
 /// One attribute: its local name, and its value with all references resolved.
 template <class Char>
 struct BasicAttributeView {
   NameView<Char> name;
   std::basic_string_view<Char> value;
+  /// Where its class may have the field of that name; a guess.
+  std::uint8_t position = kNoPosition;
 };
 
 }  // namespace zqxml

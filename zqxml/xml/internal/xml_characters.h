@@ -3,6 +3,7 @@
 
 #include <zqxml/xml/internal/plain_text.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -62,6 +63,12 @@ template <class Char>
 bool is(Char c, CharacterClass what) {
   const unsigned unit = unitOf(c);
   return unit < kClasses.size() && (kClasses[unit] & what) != 0;
+}
+
+/// A name of ASCII that is legal everywhere in XML and reserved nowhere.
+inline bool isPlainName(std::string_view name) {
+  return !name.empty() && is(name.front(), kFirstOfName) &&
+         std::ranges::all_of(name, [](char c) { return is(c, kInName); }) && !name.starts_with("xml");
 }
 
 /// Behind the white space that begins here, if any does.
