@@ -107,7 +107,8 @@ TEST(UsualFloating, IsTheFormOfAStreamForEveryMagnitudeThatItTakes) {
 }
 
 TEST(UsualFloating, CarriesIntoAnotherDigit) {
-  for (const double number : {9.9999996, 99.999999, 99999.97, 0.99999999, 0.0099999999})
+  for (const double number : {9.9999996, 99.999999, 99999.97, 0.99999999, 0.0099999999, 0.099999996, 9.5,
+                              99999.5, 999998.5, 999997.5})
     EXPECT_EQ(usualFloating(number), streamForm(number));
 }
 
