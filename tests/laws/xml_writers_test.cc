@@ -9,7 +9,9 @@
 #include <zqxml/platform/text.h>
 #include <zqxml/xml/internal/xml_text.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -85,6 +87,61 @@ TEST(XmlWriters, BothEscapeEveryCharacterAlike) {
           << first;
     }
   }
+}
+
+/// Texts of every length up to three blocks, with `piece` at every place in them.
+template <class Expect>
+void forTextsWith(const std::string& piece, Expect expect) {
+  for (std::size_t length = 0; length < 49 && !::testing::Test::HasFatalFailure(); length += 1 + length / 20)
+    for (std::size_t place = 0; place <= length; place += 1 + place / 9) {
+      std::string text(length, 'x');
+      text.insert(place, piece);
+      expect(text);
+    }
+}
+
+TEST(XmlWriters, BothGiveTheSameTextWhereverAnUnusualPieceStands) {
+  OpenMessage message = newMessage("Demo_EveryType");
+  for (const std::string& piece :
+       {std::string("&"), std::string("<\"\n"), std::string("\u00e4"), std::string("\u20ac&\u00e4"),
+        std::string("\U0001f600"), std::string("\x01"), std::string("\xc3"), std::string("&\xff"),
+        std::string("\0", 1), std::string("&\0\x01", 3)})
+    forTextsWith(piece, [&](const std::string& text) {
+      setText(message, "stringField", text);
+      MessageAccess::inPlace<std::u16string>(message, fieldOf(message, "wstringField")) = toUtf16(text);
+      MessageAccess::mark(message, fieldOf(message, "wstringField").getMemNum());
+      for (const unsigned number : {0u, 1u, 4u, 5u})
+        ASSERT_EQ(written(message, WayOfWriting(number), true), written(message, WayOfWriting(number), false))
+            << text;
+    });
+}
+
+TEST(XmlWriters, BothGiveTheSameTextOfAttributesLongerThanTheirRoom) {
+  OpenMessage message = newMessage("Demo_EveryType");
+  auto& keys = collectionOf<std::map<std::string, std::string>>(message, "mapStringStringField");
+  for (const std::size_t length : {100u, 1300u, 1400u, 5000u, 50'000u}) {
+    // Six characters for each.
+    setText(message, "stringField", std::string(length, '"'));
+    keys = {{std::string(length, '"'), std::string(length, '\n')}, {std::string(length, 'k'), "&"}};
+    for (const unsigned number : {0u, 1u, 4u, 5u})
+      ASSERT_EQ(written(message, WayOfWriting(number), true), written(message, WayOfWriting(number), false))
+          << length;
+  }
+}
+
+TEST(XmlWriters, TheTextIsTheSameWhereverItsRoomEnds) {
+  OpenMessage message = everyType();
+  const auto textWith = [&](std::size_t count) {
+    setText(message, "stringField", std::string(count, 'x'));
+    std::string text;
+    EXPECT_TRUE(writeXmlText(message, XmlWalkCall{}, false, text));
+    return text;
+  };
+  const std::string start = " stringField=\"";
+  const std::string expected = textWith(0);
+  const std::size_t place = expected.find(start) + start.size();
+  for (std::size_t count = 1; count < 8200; ++count)
+    ASSERT_EQ(textWith(count), std::string(expected).insert(place, count, 'x'));
 }
 
 TEST(XmlWriters, BothGiveTheSameLongTextWhateverLengthTheLastOneHad) {

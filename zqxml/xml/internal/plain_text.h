@@ -1,11 +1,17 @@
 // Which texts an XML writer may copy as they stand. Not installed.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <string_view>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace zqxml {
 
@@ -20,57 +26,65 @@ Word loadWord(const char* bytes) {
 /// Sixteen bytes side by side, and the same as two words.
 using Bytes16 __attribute__((vector_size(16))) = signed char;
 using Words2 __attribute__((vector_size(16))) = std::uint64_t;
+inline constexpr std::size_t kTextBlock = sizeof(Bytes16);
+static_assert(sizeof(std::string) == 32, "a short string stands in sixteen bytes of its own");
 
-/// All bits of those bytes that are below 0x20, from 0x80 up, or one of `"&<>`.
-inline Bytes16 unusualBytes(Bytes16 bytes) {
+/// The place of the first byte that is below 0x20, from 0x80 up, or one of `"&<>`; `size` when none of so
+/// many is.
+[[gnu::always_inline]] inline std::size_t firstUnusual(Bytes16 bytes, std::size_t size) {
   // Signed, what is from 0x80 up is below 0x20 too. '"' and '&' differ in one bit, and so do '<' and '>'.
-  return (bytes < 0x20) | ((bytes | 0x04) == '&') | ((bytes | 0x02) == '>');
-}
-inline bool isUsual(Bytes16 unusual) {
+  const auto unusual =
+      static_cast<Bytes16>((bytes < 0x20) | ((bytes | 0x04) == '&') | ((bytes | 0x02) == '>'));
+#ifdef __SSE2__
+  const auto places = static_cast<unsigned>(_mm_movemask_epi8(std::bit_cast<__m128i>(unusual)));
+  return static_cast<std::size_t>(std::countr_zero(places | 1u << size));
+#else
   const auto words = std::bit_cast<Words2>(unusual);
-  return (words[0] | words[1]) == 0;
-}
-inline bool isUsual(std::uint64_t low, std::uint64_t high) {
-  return isUsual(unusualBytes(std::bit_cast<Bytes16>(Words2{low, high})));
+  const auto place = [](std::uint64_t word) {
+    return static_cast<std::size_t>(std::endian::native == std::endian::little ? std::countr_zero(word)
+                                                                               : std::countl_zero(word)) /
+           8;
+  };
+  return std::min(size, words[0] != 0 ? place(words[0]) : sizeof words[0] + place(words[1]));
+#endif
 }
 
-/// Hands the text on in pieces, `keep(position, piece)`, which may overlap; whether it has only characters
-/// from 0x20 to 0x7f, and none that XML escapes.
-template <class Keep>
-[[gnu::always_inline]] inline bool isUsual(std::string_view text, Keep keep) {
-  const char* const bytes = text.data();
-  const std::size_t size = text.size();
-  const auto load = [bytes, keep]<class Piece>(std::size_t position, Piece piece) {
-    std::memcpy(&piece, bytes + position, sizeof piece);
-    keep(position, piece);
-    return piece;
-  };
-  constexpr std::uint64_t kBlanks = 0x2020'2020'2020'2020u;
-  if (size >= 16) {
-    Bytes16 unusual = unusualBytes(load(size - 16, Bytes16{}));
-    for (std::size_t i = 0; i + 16 < size; i += 16) unusual |= unusualBytes(load(i, Bytes16{}));
-    return isUsual(unusual);
-  }
-  if (size >= 8) return isUsual(load(0, std::uint64_t{}), load(size - 8, std::uint64_t{}));
-  if (size >= 4)
-    return isUsual(load(0, std::uint32_t{}) | std::uint64_t{load(size - 4, std::uint32_t{})} << 32, kBlanks);
-  std::uint64_t word = kBlanks;
-  for (std::size_t i = 0; i < size; ++i) word = word << 8 | load(i, static_cast<unsigned char>(0));
-  return isUsual(word, kBlanks);
+inline void storeBlock(char* to, Bytes16 block) {
+  std::memcpy(to, &block, sizeof block);
+}
+/// Widened. What is beyond ASCII counts for nothing.
+inline void storeBlock(char16_t* to, Bytes16 block) {
+  for (std::size_t i = 0; i < kTextBlock; ++i) to[i] = static_cast<unsigned char>(block[i]);
 }
 }  // namespace internal
 
-/// Whether the text has only characters from 0x20 to 0x7f, and none that XML escapes.
-inline bool isUsualText(std::string_view text) {
-  return internal::isUsual(text, [](std::size_t, auto) {});
-}
+/// Behind any part of a text that is copied in blocks, so many units may be touched.
+inline constexpr std::size_t kCopyRoom = internal::kTextBlock;
 
-/// Copies such a text, and gives its end; null for any other, with anything in its place at `to`.
-inline char* copyUsualText(char* to, std::string_view text) {
-  const auto copy = [to](std::size_t position, auto piece) {
-    std::memcpy(to + position, &piece, sizeof piece);
+/// Copies the beginning of a text, up to the first character that is not from 0x20 to 0x7f, or that XML
+/// escapes; how much that is. REQUIRES: room for the whole text and kCopyRoom units. Where a text
+/// `inString`, a std::string, begins, a whole block can be read, however short it is.
+template <class Char>
+[[gnu::always_inline]] inline std::size_t copyUsual(Char* to, std::string_view text, bool inString) {
+  using internal::Bytes16, internal::kTextBlock;
+  const char* const from = text.data();
+  const std::size_t size = text.size();
+  const auto copy = [&](std::size_t position, std::size_t most) __attribute__((always_inline)) {
+    const auto block = internal::loadWord<Bytes16>(from + position);
+    internal::storeBlock(to + position, block);
+    return internal::firstUnusual(block, most);
   };
-  return internal::isUsual(text, copy) ? to + text.size() : nullptr;
+  if (size < kTextBlock) {
+    if (inString) [[likely]]
+      return copy(0, size);
+    Bytes16 block{};
+    if (size != 0) std::memcpy(&block, from, size);
+    internal::storeBlock(to, block);
+    return internal::firstUnusual(block, size);
+  }
+  for (std::size_t i = 0; i + kTextBlock < size; i += kTextBlock)
+    if (const std::size_t usual = copy(i, kTextBlock); usual != kTextBlock) return i + usual;
+  return size - kTextBlock + copy(size - kTextBlock, kTextBlock);
 }
 
 /// Bytes of the UTF-8 character at the start of a text, of those that XML can hold in one UTF-16 unit, and
@@ -84,25 +98,6 @@ inline std::size_t wideCharacter(std::string_view text) {
   if ((first & 0xf0) != 0xe0 || text.size() < 3 || !follows(1) || !follows(2)) return 0;
   const unsigned unit = (first & 0x0fu) << 12 | (at(1) & 0x3fu) << 6 | (at(2) & 0x3fu);
   return unit >= 0x800 && (unit < 0xd800 || unit > 0xdfff) && unit < 0xfffe ? 3 : 0;
-}
-
-/// Whether XML can hold the text, UTF-8, as it stands, but for what it escapes: it is well-formed, and all of
-/// its characters are legal units of UTF-16.
-inline bool isLegalText(std::string_view utf8) {
-  for (std::size_t i = 0; i < utf8.size();) {
-    const auto byte = static_cast<unsigned char>(utf8[i]);
-    if (byte >= 0x20 && byte < 0x80) {
-      ++i;
-    } else if (byte < 0x20) {
-      if (byte != '\t' && byte != '\n' && byte != '\r') return false;
-      ++i;
-    } else if (const std::size_t size = wideCharacter(utf8.substr(i)); size != 0) {
-      i += size;
-    } else {
-      return false;
-    }
-  }
-  return true;
 }
 
 /// Whether two texts, which are short as a rule, have the same bytes.
@@ -149,9 +144,6 @@ inline char* copyText(char* to, std::string_view text) {
 inline char16_t* copyText(char16_t* to, std::string_view ascii) {
   for (const char byte : ascii) *to++ = static_cast<unsigned char>(byte);
   return to;
-}
-inline char16_t* copyUsualText(char16_t* to, std::string_view text) {
-  return isUsualText(text) ? copyText(to, text) : nullptr;
 }
 
 }  // namespace zqxml

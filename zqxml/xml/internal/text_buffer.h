@@ -19,13 +19,25 @@ class TextBuffer {
   /// The length that the text may turn out to have: what it grows to, when that is not far more than what it
   /// has already.
   void expect(std::size_t size) { expected_ = size; }
-  /// Room for `count` units at the place that it gives.
-  [[gnu::always_inline]] Char* room(std::size_t count) {
-    if (count > static_cast<std::size_t>(end_ - at_)) [[unlikely]]
+  /// Where the text ends, as far as was told.
+  Char* end() const { return at_; }
+  /// Room for `count` units at the end, which it gives.
+  [[gnu::always_inline]] Char* room(std::size_t count) { return room(at_, count); }
+  /// The same behind what was written up to `at`.
+  [[gnu::always_inline]] Char* room(Char* at, std::size_t count) {
+    if (count > static_cast<std::size_t>(end_ - at)) [[unlikely]] {
+      at_ = at;
       grow(count);
-    return at_;
+      return at_;
+    }
+    return at;
   }
   void endAt(Char* at) { at_ = at; }
+  /// @{
+  /// The unit of that number, from 0, by its place, and the other way round: places do not last.
+  Char* place(std::size_t number) const { return start_ + number; }
+  std::size_t numberOf(const Char* at) const { return static_cast<std::size_t>(at - start_); }
+  /// @}
 
   /// Whether it stands in the object whole.
   bool isShort() const { return start_ == first_; }

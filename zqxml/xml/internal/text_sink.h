@@ -128,7 +128,7 @@ class TextSink {
   [[gnu::always_inline]] void attribute(const Name& name, Value value) {
     if (!tagOpen_) [[unlikely]]
       return giveUp();
-    writer_.putAttribute(name, value);
+    text().endAt(writer_.putAttribute(text().end(), name, value));
   }
   template <class Value>
   void content(Value value) {

@@ -31,6 +31,8 @@ template <class Char>
 struct TextValue {
   std::basic_string_view<Char> text;
   bool asCdata = false;
+  /// The text is that of a std::basic_string, from its beginning.
+  bool inString = false;
 };
 
 }  // namespace zqxml

@@ -252,7 +252,7 @@ class XmlWalk {
       } else if constexpr (std::same_as<E, element::BStr>) {
         return BytesValue{value.str()};
       } else {
-        return TextValue<typename E::Value::value_type>{value, asCdata};
+        return TextValue<typename E::Value::value_type>{.text = value, .asCdata = asCdata, .inString = true};
       }
     }
 
@@ -261,8 +261,6 @@ class XmlWalk {
       if constexpr (std::same_as<E, element::Obj>) {
         // Keys are const in a map. Writing may make missing lists in them, which no comparison looks at.
         walk.writeFields(const_cast<XNMessageBase&>(value), node);
-      } else if constexpr (std::same_as<E, element::Str>) {
-        sink().entryValue(node, TextValue<char>{value});
       } else {
         sink().entryValue(node, valueOf(E{}, value));
       }
