@@ -75,6 +75,8 @@ TEST_F(PlainPassword, PasswordIsATextWithAType) {
 TEST_F(PlainPassword, PasswordsCompareByTheirTexts) {
   EXPECT_TRUE(pstring("a", 5) == pstring("a", 4));
   EXPECT_FALSE(pstring("a", 5) == pstring("b", 5));
+  EXPECT_TRUE(pstring("a", 5) == "a"s && "a"s == pstring("a", 5) && pstring("a", 5) == bstring("a"));
+  EXPECT_TRUE(pstring("a", 5) != "b"s && "b"s != pstring("a", 5) && pstring("a", 5) != bstring("b"));
 }
 
 // --- getPlainPassword

@@ -42,8 +42,11 @@ class ZQXML_EXPORT pstring : public bstring {
   pstring& operator=(const bstring& text) { return *this = text.str(); }
   /// @}
 
+  /// @{
   /// Compares the texts, not the types.
   bool operator==(const pstring& other) const { return str() == other.str(); }
+  bool operator==(const std::string& text) const { return str() == text; }
+  /// @}
 
   /// Annotation::PasswordEncryptType as a number, 1 (plain text) unless another was given.
   int getEncryptionType() const { return encryptionType_; }
