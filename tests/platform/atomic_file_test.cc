@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace zqxml {
 namespace {
@@ -16,6 +17,25 @@ mode_t modeOf(const std::string& path) {
   EXPECT_EQ(stat(path.c_str(), &state), 0);
   return state.st_mode & 0777;
 }
+
+/// Remembers the permissions that files are made with.
+class OpenModes : public internal::FileCalls {
+ public:
+  OpenModes() : previous_(replace(this)) {}
+  ~OpenModes() override { replace(previous_); }
+  OpenModes(const OpenModes&) = delete;
+  OpenModes& operator=(const OpenModes&) = delete;
+
+  int open(const char* path, int flags, mode_t mode) override {
+    modes.push_back(mode);
+    return FileCalls::open(path, flags, mode);
+  }
+
+  std::vector<mode_t> modes;
+
+ private:
+  internal::FileCalls* previous_;
+};
 
 TEST(AtomicFile, AppearsWithCommitAndNotBefore) {
   const ScratchFolder folder;
@@ -78,6 +98,16 @@ TEST(AtomicFile, KeepsPermissionsOfTheOldFile) {
   ASSERT_FALSE(file.Open(folder.path("f")).IsError());
   EXPECT_FALSE(file.Commit().IsError());
   EXPECT_EQ(modeOf(folder.path("f")), 0640U);
+}
+
+TEST(AtomicFile, IsNeverOpenToOthersInThePlaceOfAPrivateFile) {
+  const ScratchFolder folder;
+  folder.write("f", "old");
+  ASSERT_EQ(chmod(folder.path("f").c_str(), 0600), 0);
+  OpenModes calls;
+  AtomicFile file;
+  ASSERT_FALSE(file.Open(folder.path("f")).IsError());
+  EXPECT_EQ(calls.modes, std::vector<mode_t>{0600});
 }
 
 TEST(AtomicFile, NewFileHasThePermissionsOfTheUmask) {

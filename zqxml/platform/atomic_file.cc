@@ -40,12 +40,12 @@ std::string followLinks(std::string path) {
 }
 
 // Opens a new file in `folder`, the name of which no other has, or sets errno.
-int openTemporary(const std::string& folder, std::string& name) {
+int openTemporary(const std::string& folder, mode_t mode, std::string& name) {
   static std::atomic<unsigned> counter{0};
   for (int attempt = 0; attempt < 1000; ++attempt) {
     name = folder + ".zqxml-" + std::to_string(getpid()) + "-" + std::to_string(counter++) + ".tmp";
     const int descriptor =
-        FileCalls::current().open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        FileCalls::current().open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (descriptor >= 0 || (errno != EEXIST && errno != EINTR)) return descriptor;
   }
   return -1;
@@ -74,7 +74,8 @@ CUlError AtomicFile::Open(const std::string& target) {
   // A rename asks only for the folder's permission, not for the file's.
   if (exists && faccessat(AT_FDCWD, target_.c_str(), W_OK, AT_EACCESS) != 0) return CUlError(errno);
   std::string name;
-  const int descriptor = openTemporary(folderOf(target_), name);
+  // What takes the place of a private file is never open to others, not for a moment.
+  const int descriptor = openTemporary(folderOf(target_), exists ? 0600 : 0666, name);
   if (descriptor < 0) return CUlError(errno);
   temporary_ = name;
   file_.Attach(descriptor, target_);
