@@ -213,6 +213,16 @@ TEST(MessageAssignment, ToItselfChangesNothing) {
   checkEveryType(message);
 }
 
+// What no copy takes stays where it is.
+TEST(MessageAssignment, ToItselfKeepsFieldsWithoutAHash) {
+  OpenMessage message = newMessage("Demo_Hashless");
+  setInteger(message, "hiddenNumber", 5);
+  const OpenMessage& self = message;
+  message = self;
+  EXPECT_EQ(slotOf(message, "hiddenNumber"), 5);
+  EXPECT_TRUE(hasBit(message, "hiddenNumber"));
+}
+
 TEST(MessageAssignment, BetweenClassesThrowsAndChangesNothing) {
   OpenMessage target = newMessage("Demo_EveryChild");
   setInteger(target, "number", 5);

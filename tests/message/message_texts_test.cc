@@ -215,6 +215,16 @@ TEST_F(ProcessingInstruction, IsMadeAndMarkedWhenAsked) {
   EXPECT_EQ(&message_.getProcessinginstructioninfo(false), &slot);
 }
 
+TEST_F(ProcessingInstruction, IsMadeAnewInThePlaceOfAnUnsetOne) {
+  const FieldDef& field = fieldOf(message_, "processinginstructioninfo");
+  XNMessageBase* const unset = message_.getObjectAccessor(true, false, field.getMemNum(), field.getIndex(),
+                                                          message_.getTagID(), 0, 18, 74);
+  setText(*unset, "requestId", "old");
+  ASSERT_FALSE(isSet());
+  EXPECT_EQ(textOf(*message_.getProcessinginstructioninfo(true), "requestId"), "");
+  EXPECT_TRUE(isSet());
+}
+
 TEST_F(ProcessingInstruction, SetterStoresACopyThenAssigns) {
   ZqEntities::ProcessingInstructionInfo info;
   message_.setProcessinginstructioninfo(&info);
@@ -231,6 +241,27 @@ TEST_F(ProcessingInstruction, SetterOfNullClearsIt) {
   message_.setProcessinginstructioninfo(nullptr);
   EXPECT_EQ(stored(), nullptr);
   EXPECT_FALSE(isSet());
+}
+
+TEST_F(ProcessingInstruction, IsRefusedInTwoSubsystemsEvenForAClassThatHasIt) {
+  static constexpr FieldDef kField(
+      "\x12\0\0\x4a"
+      "processinginstructioninfo",
+      nullptr, 0xcac2c9, 0, 0, 0, FDT_OBJECT);
+  static constexpr _ClassDef kRecord("WithInstruction", &kField, 1, -1, 1, 1);
+  const ZqEntities::ProcessingInstructionInfo info;
+  for (const char* name : {"Demo_EveryChild", "ZqEntities_GenericEntity", "Annotation_Password"}) {
+    const bool isTaken = name == std::string_view("Demo_EveryChild");
+    OpenMessage message = newMessage(name);
+    const LogCapture capture;
+    const _ClassDef* own = MessageAccess::classDef(message);
+    MessageAccess::setClassDef(message, &kRecord);
+    EXPECT_EQ(message.getProcessinginstructioninfo(true) != nullptr, isTaken) << name;
+    message.setProcessinginstructioninfo(&info);
+    EXPECT_EQ(MessageAccess::slot(message, kField) != 0, isTaken) << name;
+    message.setProcessinginstructioninfo(nullptr);
+    MessageAccess::setClassDef(message, own);
+  }
 }
 
 TEST_F(ProcessingInstruction, IsRefusedWhereItDoesNotBelong) {
