@@ -28,6 +28,15 @@ bool isAttribute(const FieldDef& field) {
   return kAttributeTypes.contains(field.getType()) && !isCdata(field);
 }
 
+PlannedValue valueOf(const FieldDef& field) {
+  if (!isAttribute(field)) return PlannedValue::other;
+  return visitStorage(field.getType(),
+                      Overloaded{[]<element::Integer E>(Scalar<E>) { return PlannedValue::number; },
+                                 [](Scalar<element::Double>) { return PlannedValue::floating; },
+                                 [](InPlace<element::Str>) { return PlannedValue::text; },
+                                 [](auto) { return PlannedValue::other; }});
+}
+
 std::string_view textOf(PlannedName name) {
   return {name.text(), name.length};
 }
@@ -68,7 +77,7 @@ ClassPlan::ClassPlan(const XNMessageBase& message, const _ClassDef& classDef) {
     return PlannedName{nullptr, static_cast<std::uint32_t>(name.size())};
   };
   rootName = keep(root);
-  for (const FieldDef* field : fields) declared.push_back({field, keep(field->getName())});
+  for (const FieldDef* field : fields) declared.push_back({field, keep(field->getName()), valueOf(*field)});
   names_.append(PlannedName::kBlock, ' ');
   const char* next = names_.data();
   const auto place = [&next](PlannedName& name) {

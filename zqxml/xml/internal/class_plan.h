@@ -16,7 +16,7 @@ class XNMessageBase;
 /// A name as the text writer copies it: a block at a time, so that bytes up to the next block stand behind
 /// it.
 struct PlannedName {
-  static constexpr std::size_t kBlock = 16;
+  static constexpr std::size_t kBlock = 32;
 
   /// What stands before the value of an attribute of that name: ` name="`.
   const char* attribute = nullptr;
@@ -26,9 +26,22 @@ struct PlannedName {
   std::size_t attributeLength() const { return length + std::size_t{3}; }
 };
 
+/// What the value of an attribute is made of.
+enum class PlannedValue : std::uint8_t {
+  /// A number in the field's slot. The text has it in decimal, but that of a readable or masked form.
+  number,
+  /// A double in the field's slot.
+  floating,
+  /// A text in the message, likewise.
+  text,
+  /// Anything else, and what is no attribute.
+  other,
+};
+
 struct PlannedField {
   const FieldDef* field = nullptr;
   PlannedName name;
+  PlannedValue value = PlannedValue::other;
 };
 
 /// The fields of one class of the catalogue that XML has, in the two orders of writing them.

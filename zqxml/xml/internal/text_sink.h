@@ -6,6 +6,8 @@
 #pragma once
 
 #include <zqxml/catalogue/records.h>
+#include <zqxml/message/internal/message_access.h>
+#include <zqxml/message/xn_message_base.h>
 #include <zqxml/xml/encoding_flags.h>
 #include <zqxml/xml/internal/class_plan.h>
 #include <zqxml/xml/internal/text_writer.h>
@@ -15,6 +17,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -35,7 +38,8 @@ class TextSink {
   explicit TextSink(const EncodingFlags& flags)
       : elements_(flags.useElements),
         pretty_(flags.readable),
-        masks_((flags.encoding_options & MASK_SENSITIVE) != 0) {}
+        masks_((flags.encoding_options & MASK_SENSITIVE) != 0),
+        plain_(!elements_ && !pretty_ && !masks_ && !flags.enumAsText) {}
 
   void giveUp() { gaveUp_ = true; }
   bool gaveUp() const { return gaveUp_; }
@@ -50,6 +54,39 @@ class TextSink {
   }
   static const FieldDef& field(const PlannedField& item) { return *item.field; }
   static const Name& name(const PlannedField& item) { return item.name; }
+
+  /// Attributes that are numbers and texts, where nothing but their plan decides how they are written.
+  [[gnu::always_inline]] const PlannedField* plainFields(XNMessageBase& message, const PlannedField* item,
+                                                         const PlannedField* end, bool all) {
+    if (!plain_ || !tagOpen_) return item;
+    Char* at = text().end();
+    for (; item != end && item->value != PlannedValue::other; ++item) {
+      const FieldDef& field = *item->field;
+      if (!all && !MessageAccess::isSet(message, field.getMemNum())) continue;
+      if (item->value == PlannedValue::number) {
+        at = writer_.putAttribute(at, item->name, SignedValue{MessageAccess::slot(message, field)});
+      } else if (item->value == PlannedValue::text) {
+        const auto& value = MessageAccess::inPlace<std::string>(message, field);
+        at = writer_.putAttribute(at, item->name, TextValue<char>{.text = value, .inString = true});
+      } else {
+        at = writer_.putAttribute(at, item->name,
+                                  FloatingValue{MessageAccess::scalar<double>(message, field)});
+      }
+    }
+    text().endAt(at);
+    return item;
+  }
+  bool hasPlainEntries() const { return plain_; }
+  template <class Value>
+  [[gnu::always_inline]] void listEntry(const Name& name, Value value) {
+    writer_.putListEntry(name, std::exchange(tagOpen_, false), value);
+    lastWasElement_ = true;
+  }
+  template <class Key, class Value>
+  [[gnu::always_inline]] void wholeMapEntry(const Name& name, Key key, Value value) {
+    writer_.putMapEntry(name, std::exchange(tagOpen_, false), key, value);
+    lastWasElement_ = true;
+  }
 
   template <class Value>
   [[gnu::always_inline]] void scalar(const Node& parent, const Name& name, Value value) {
@@ -112,7 +149,7 @@ class TextSink {
 
  private:
   // Behind each name is a block of bytes that may be copied with it.
-  static constexpr char kNames[] = " val=\" __mapKey__=\" __mapValue__=\"                ";
+  static constexpr char kNames[] = " val=\" __mapKey__=\" __mapValue__=\"                                ";
   static constexpr PlannedName kVal{kNames, 3};
   static constexpr PlannedName kMapKey{kNames + 6, 10};
   static constexpr PlannedName kMapValue{kNames + 19, 12};
@@ -191,6 +228,8 @@ class TextSink {
   const bool elements_;
   const bool pretty_;
   const bool masks_;
+  /// Attributes are what their plan says, and single values are attributes.
+  const bool plain_;
   bool gaveUp_ = false;
   /// The start tag of the innermost element is not ended.
   bool tagOpen_ = false;

@@ -61,8 +61,32 @@ class TextWriter {
     *at = '"';
     return at + 1;
   }
+  /// `<name val="value"/>`, behind the `>` of a start tag that is `open`.
+  template <class Value>
+  [[gnu::always_inline]] void putListEntry(const PlannedName& name, bool open, Value value) {
+    Char* at = text_.room(kStartTagRoom + roomFor(name) + sizeof kVal + roomFor(value));
+    at = copyLiteral(copyStartTag(at, name, open), kVal);
+    text_.endAt(copyLiteral(copyValue(at, value, TextPlace::attribute), kEmptyEnd));
+  }
+  /// The same of an entry of a map.
+  template <class Key, class Value>
+  [[gnu::always_inline]] void putMapEntry(const PlannedName& name, bool open, Key key, Value value) {
+    Char* at = text_.room(kStartTagRoom + roomFor(name) + sizeof kKeyStart + roomFor(key));
+    at = copyLiteral(copyStartTag(at, name, open), kKeyStart);
+    at = copyValue(at, key, TextPlace::attribute);
+    at = text_.room(at, sizeof kValueStart + roomFor(value) + sizeof kEntryEnd + roomFor(name));
+    at = copyValue(copyLiteral(at, kValueStart), value, TextPlace::attribute);
+    at = text_.room(at, sizeof kEntryEnd + roomFor(name));
+    text_.endAt(copyLiteral(copyName(copyLiteral(at, kEntryEnd), name), ">"));
+  }
 
  private:
+  static constexpr char kVal[] = " val=\"";
+  static constexpr char kEmptyEnd[] = "\"/>";
+  static constexpr char kKeyStart[] = "><__mapKey__ val=\"";
+  static constexpr char kValueStart[] = "\"/><__mapValue__ val=\"";
+  static constexpr char kEntryEnd[] = "\"/></";
+
   static constexpr std::size_t kStartTagRoom = 2;
   /// Behind every value: for what ends it.
   static constexpr std::size_t kEndRoom = 8;

@@ -21,6 +21,13 @@
 //   void    end(Node), endEntry(Entry)               nothing more will be put into it
 //   kMayGiveUp, giveUp(), gaveUp()                   see below
 //
+// and one that may give up:
+//   auto plainFields(XNMessageBase&, first, end, bool all)
+//                                                    writes fields that are set, or all, as far as it can by
+//                                                    itself; the first that it leaves
+//   bool hasPlainEntries()                           whether it takes list and map entries whole:
+//   void listEntry(const Name&, value), wholeMapEntry(const Name&, key value, value)
+//
 // A sink reports its own failures; the walk then leaves out what hangs on them and goes on. Listeners may
 // throw: that passes through.
 //
@@ -51,6 +58,7 @@
 #include <concepts>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -80,33 +88,18 @@ class XmlWalk {
     const _ClassDef* classDef = MessageAccess::classDef(msg);
     if (classDef == nullptr) return;
     const bool all = kOldWaySlots[msg.getTagID() >> 24];
-    for (const auto& item : sink_.fields(msg, *classDef)) {
-      const FieldDef& field = sink_.field(item);
+    const auto& fields = sink_.fields(msg, *classDef);
+    const auto* const end = std::to_address(fields.end());
+    for (const auto* item = std::to_address(fields.begin()); item != end; ++item) {
+      if constexpr (Sink::kMayGiveUp) {
+        item = sink_.plainFields(msg, item, end, all);
+        if (item == end) return;
+      }
+      const FieldDef& field = sink_.field(*item);
       // A trailing self record is no field, and its member number is that of the first one.
       if (field.getType() == FDT_NONE || field.getFieldHashId() == 0) continue;
       if (!all && !MessageAccess::isSet(msg, field.getMemNum())) continue;
-      trace("Writing [%s]:[%s]", classDef->getName(), field.getName());
-      if (isVetoed(msg, field)) continue;
-      const auto& name = sink_.name(item);
-      FieldWriter write{*this, msg, field, name, element};
-      if (field.hasAnnotation()) {
-        const AnnotationRecord record(field);
-        if (isMasked(msg, field, record)) {
-          trace(
-              "Masking field [%s]:[%s] as sensitive annotation is present and encoding_options to mask the field is specified",
-              classDef->getName(), field.getName());
-          sink_.scalar(element, name, PlainValue{"########"});
-          continue;
-        }
-        write.asCdata = record.isCdata() && !kNeverCdataTypes.contains(field.getType());
-      }
-      // Most fields by far are of two storages, which here are written without a call.
-      if (kWholeNumberTypes.contains(field.getType()))
-        write(Scalar<element::Int64>{});
-      else if (kTextTypes.contains(field.getType()))
-        write(InPlace<element::Str>{});
-      else
-        visitStorage(field.getType(), FieldWriter(write));
+      writeField(msg, *classDef, field, sink_.name(*item), element);
       if (gaveUp()) return;
     }
   }
@@ -114,15 +107,27 @@ class XmlWalk {
  private:
   static constexpr const char* kFunction = "XMLSerializer::serializeXMLRecur";
 
-  /// Types that are written as the number in their slot, all of them alike.
-  static constexpr FieldTypeSet kWholeNumberTypes = FieldTypeSet::ofStorage(Overloaded{
-      []<element::Integer E>(Scalar<E>) { return true; }, [](Scalar<element::Bool>) { return false; },
-      [](Scalar<element::Enum>) { return false; }, [](auto) { return false; }});
-  static constexpr FieldTypeSet kTextTypes = FieldTypeSet::ofStorage(
-      Overloaded{[](InPlace<element::Str>) { return true; }, [](auto) { return false; }});
+  /// Stays out of the loop over the fields, where most are written by the sink alone.
+  [[gnu::noinline]] void writeField(XNMessageBase& msg, const _ClassDef& classDef, const FieldDef& field,
+                                    const Name& name, const Node& element) {
+    trace("Writing [%s]:[%s]", classDef.getName(), field.getName());
+    if (isVetoed(msg, field)) return;
+    FieldWriter write{*this, msg, field, name, element};
+    if (field.hasAnnotation()) {
+      const AnnotationRecord record(field);
+      if (isMasked(msg, field, record)) {
+        trace(
+            "Masking field [%s]:[%s] as sensitive annotation is present and encoding_options to mask the field is specified",
+            classDef.getName(), field.getName());
+        return sink_.scalar(element, name, PlainValue{"########"});
+      }
+      write.asCdata = record.isCdata() && !kNeverCdataTypes.contains(field.getType());
+    }
+    visitStorage(field.getType(), write);
+  }
 
-  /// One field on its way to the sink: a handler of visitStorage. What is not written in the loop over the
-  /// fields stays a function of its own, so that the frame of a list is not set up for every number.
+  /// One field on its way to the sink: a handler of visitStorage. Its parts stay functions, lest one sets up
+  /// the frame of another.
   struct FieldWriter {
     XmlWalk& walk;
     XNMessageBase& msg;
@@ -194,6 +199,12 @@ class XmlWalk {
     template <class E>
     [[gnu::noinline]] void operator()(List<E>) const {
       for (auto& value : MessageAccess::make<typename List<E>::Value>(msg, field, true)) {
+        if constexpr (Sink::kMayGiveUp && !std::same_as<E, element::Obj>) {
+          if (sink().hasPlainEntries() && !asCdata) {
+            sink().listEntry(name, valueOf(E{}, value));
+            continue;
+          }
+        }
         const Node entry = sink().element(parent, name);
         if (!entry) {
           walk.report("Error constructing list object [%s].", field.getName());
@@ -216,6 +227,12 @@ class XmlWalk {
       auto* entries = MessageAccess::owned<typename Map<K, V>::Value>(msg, field);
       if (entries == nullptr) return;
       for (auto& [key, value] : *entries) {
+        if constexpr (Sink::kMayGiveUp && !std::same_as<K, element::Obj> && !std::same_as<V, element::Obj>) {
+          if (sink().hasPlainEntries()) {
+            sink().wholeMapEntry(name, valueOf(K{}, key), valueOf(V{}, value));
+            continue;
+          }
+        }
         const auto entry = sink().mapEntry(parent, name);
         if (!entry) {
           logLostEntry(key);
