@@ -15,6 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::Not;
+using testing::UnorderedElementsAre;
 
 constexpr char kBinary[] = "zqxml/binary/form.cc";
 constexpr char kHandler[] = "zqxml/xml/my_sax2_handler.cc";
@@ -64,10 +65,10 @@ class CoverageTest : public testing::Test {
     program("script/bootstrap", "");
     program("bin/cmake", "");
     program("bin/ctest", kMeasure);
-    program("bin/llvm-profdata-14", "");
+    program("bin/llvm-profdata-14", R"(merged=$4; shift 4; cat "$@" > "$merged")");
     program("bin/llvm-cov-14", "[ \"$1\" != export ] || cat export.json");
     program("build-coverage/bin/form_test", "");
-    plant("build-coverage/profiles/1.profraw", "");
+    plant("build-coverage/coverage.profdata", "");
     for (Source* source : {&binary_, &handler_, &reader_, &other_})
       plant(source->path, lines(source->reached + source->missed));
   }
@@ -109,9 +110,9 @@ class CoverageTest : public testing::Test {
     EXPECT_THAT(run.out, HasSubstr("\n" + told + "\n"));
   }
 
-  /// What the programs under test leave.
+  /// What two processes under test leave.
   static constexpr char kMeasure[] =
-      R"sh(mkdir -p "$(dirname "$LLVM_PROFILE_FILE")" && touch "$LLVM_PROFILE_FILE")sh";
+      R"sh(for p in 71 72; do echo "counts of $p" > "$(echo "$LLVM_PROFILE_FILE" | sed s/%p/$p/)"; done)sh";
   static constexpr char kScript[] = ZQXML_SOURCE_DIR "/script/coverage";
   // 95 of 100 lines, 18 of 20 ways.
   Source binary_{kBinary, 20, 0, {{3, 1, 1}}};
@@ -220,10 +221,20 @@ TEST_F(CoverageTest, NocoverOfWhatIsReachedFails) {
 }
 
 TEST_F(CoverageTest, BuildsAndRunsTheTestsBeforeItJudges) {
-  fs::remove_all(tree_.path("build-coverage/profiles"));
+  fs::remove(tree_.path("build-coverage/coverage.profdata"));
   const ProgramRun run = coverage({});
   EXPECT_EQ(run.status, 0) << run;
-  EXPECT_TRUE(fs::exists(tree_.path("build-coverage/profiles/%1m.profraw"))) << "where the programs write";
+  const std::string merged = tree_.read("build-coverage/coverage.profdata");
+  EXPECT_THAT(merged, HasSubstr("counts of 71\n"));
+  EXPECT_THAT(merged, HasSubstr("counts of 72\n"));
+}
+
+TEST_F(CoverageTest, CountsOfProcessesAreRemovedOnceTheyAreMerged) {
+  coverage({});
+  std::vector<std::string> left;
+  for (const auto& entry : fs::directory_iterator(tree_.path("build-coverage")))
+    left.push_back(entry.path().filename());
+  EXPECT_THAT(left, UnorderedElementsAre("bin", "coverage.profdata"));
 }
 
 TEST_F(CoverageTest, FailsWhenATestFails) {
@@ -234,7 +245,7 @@ TEST_F(CoverageTest, FailsWhenATestFails) {
 }
 
 TEST_F(CoverageTest, FailsWithoutAMeasurement) {
-  for (const char* place : {"build-coverage/profiles", "build-coverage"}) {
+  for (const char* place : {"build-coverage/coverage.profdata", "build-coverage"}) {
     fs::remove_all(tree_.path(place));
     const ProgramRun run = coverage();
     EXPECT_EQ(run.status, 1) << run;
