@@ -36,8 +36,9 @@ AttributeGuide::AttributeGuide(const _ClassDef& classDef) : classDef_(classDef) 
                       static_cast<std::uint8_t>(std::min<std::size_t>(position, kNoPosition))});
   }
   std::ranges::sort(names_, {}, text);
-  const auto same = std::ranges::unique(names_, {}, text);
-  names_.erase(same.begin(), same.end());
+  // Not std::ranges::unique: clang 14 does not compile what libstdc++ 12 gives for it.
+  const auto same = [text](const Name& a, const Name& b) { return text(a) == text(b); };
+  names_.erase(std::unique(names_.begin(), names_.end(), same), names_.end());
   names_.resize(std::min(names_.size(), TextPart::kMostAttributes));
   for (const Name& name : names_) text_.append(1, ' ').append(text(name)).append("=\"");
   const char* next = text_.data();
