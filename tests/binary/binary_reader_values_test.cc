@@ -268,13 +268,6 @@ TEST(BinaryReaderValuesTest, ElementOfAListHasItsSizeItself) {
   EXPECT_EQ(message.mutableListObjectFieldVector()[0].GetCachedSize(), 5u);
 }
 
-std::string refTo(std::string_view className) {
-  const ClassIndices indices = classNamed(className);
-  const auto index = static_cast<unsigned>(indices.index);
-  return {static_cast<char>(indices.subsystem), static_cast<char>(index >> 16), static_cast<char>(index >> 8),
-          static_cast<char>(index)};
-}
-
 TEST(BinaryReaderValuesTest, KeepsDefaultsSetInListsAndMapsAndNotInASingleObject) {
   const std::string ref = refTo("Demo_Defaults");
   HandMadeClass handMade;

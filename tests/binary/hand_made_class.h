@@ -12,6 +12,14 @@
 
 namespace zqxml {
 
+/// The ClassRef of a class of the tests' catalogue.
+inline std::string refTo(std::string_view className) {
+  const ClassIndices indices = classNamed(className);
+  const auto index = static_cast<unsigned>(indices.index);
+  return {static_cast<char>(indices.subsystem), static_cast<char>(index >> 16), static_cast<char>(index >> 8),
+          static_cast<char>(index)};
+}
+
 /// Up to eight fields of one slot each; in-place strings are not possible. Its messages have the tag id and
 /// the store of Demo_Fields8, and must not outlive the class.
 class HandMadeClass {

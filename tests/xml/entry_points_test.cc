@@ -69,6 +69,14 @@ TEST(EntryPoints, WideTextThatSaysUtf8FailsInTheParser) {
   EXPECT_TRUE(log.hasPart(kParseWide, 0, "xception"));
 }
 
+TEST(EntryPoints, DeclarationWithoutABlankDoesNotCountInAWideText) {
+  Node node;
+  EXPECT_EQ(
+      XMLSerializer().unserialize(node, u"<?xml\tversion='1.0' encoding='UTF-8'?><a id='3'/>", false, false),
+      XN_MSG_OK);
+  EXPECT_EQ(node.getId(), 3);
+}
+
 TEST(EntryPoints, FirstUseOfAnEntityFails) {
   LogCapture log;
   const std::string type = "<!DOCTYPE a [<!ENTITY e 'x'>]>";

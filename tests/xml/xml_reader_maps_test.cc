@@ -1,5 +1,6 @@
 // What the reader makes of map entries.
 #include <gmock/gmock.h>
+#include <tests/binary/hand_made_class.h>
 #include <zqxml/catalogue/generated/XmlRead.h>
 
 #include "tests/support/log_capture.h"
@@ -312,6 +313,31 @@ TEST(XmlReaderMaps, EntriesAreAddedToAMapThatIsThere) {
       "<a>" + entry("mapStringInt", "k", "2", true) + entry("mapStringInt", "l", "3", true) + "</a>";
   ASSERT_EQ(XMLSerializer().unserialize(every, text, true), XN_MSG_OK);
   EXPECT_THAT(every.getMapStringInt(), ElementsAre(Pair("k", 1), Pair("l", 3), Pair("old", 1)));
+}
+
+TEST(XmlReaderMaps, ObjectsInListsAndMapsHaveNoDefaultSet) {
+  const std::string ref = refTo("Demo_Defaults");
+  HandMadeClass handMade;
+  handMade.field(FDT_LIST_OBJECT, "list", ref)
+      .field(FDT_MAP_INT64_OBJECT, "map", ref)
+      .field(FDT_MAP_OBJECT_OBJECT, "pairs", ref + ref);
+  OpenMessage message = handMade.message();
+  ASSERT_EQ(XMLSerializer().unserialize(
+                message,
+                std::string("<a><list intField='1'/><map><__mapKey__>7</__mapKey__><__mapValue__ "
+                            "intField='1'/></map><pairs><__mapKey__ intField='1'/><__mapValue__ "
+                            "intField='1'/></pairs></a>"),
+                false),
+            XN_MSG_OK);
+  const auto& list = *ownedBy<std::vector<XNMessageBase>>(message, "list");
+  const auto& map = *ownedBy<std::map<std::int64_t, XNMessageBase>>(message, "map");
+  const auto& pairs = *ownedBy<std::map<XNMessageBase, XNMessageBase>>(message, "pairs");
+  ASSERT_EQ(list.size(), 1u);
+  ASSERT_EQ(pairs.size(), 1u);
+  for (const XNMessageBase* object : {&list[0], &map.at(7), &pairs.begin()->first, &pairs.begin()->second}) {
+    EXPECT_TRUE(hasBit(*object, "intField"));
+    EXPECT_FALSE(hasBit(*object, "stringField"));
+  }
 }
 
 }  // namespace
