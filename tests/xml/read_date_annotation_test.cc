@@ -66,6 +66,7 @@ TEST(ReadDateAnnotation, NumberTextWithoutNumberIsZero) {
 TEST(ReadDateAnnotation, TextIsACalendarDateOnlyByLengthAndTheDashAtFour) {
   EXPECT_EQ(readDate("20200-01-01").value, 20200);
   EXPECT_EQ(readDate("2020/01/01").value, 2020);
+  EXPECT_EQ(readDate("2020-01-1").value, 2020) << "nine characters";
 }
 
 struct RangeCase {

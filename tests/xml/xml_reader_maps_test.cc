@@ -191,6 +191,17 @@ TEST(XmlReaderMaps, SideInsideASideAddsToItsText) {
   EXPECT_THAT(every.getMapStringString(), ElementsAre(Pair("ab", "c")));
 }
 
+TEST(XmlReaderMaps, ObjectInsideATextSideStaysOpen) {
+  // Its end tag is taken for that of the text, which nothing has ended.
+  LogCapture log;
+  const ReadAs<Node> node(
+      "<words><__mapKey__>a<items></items></__mapKey__><__mapValue__>b</__mapValue__></words>");
+  ASSERT_TRUE(node.ok());
+  EXPECT_TRUE(log.has(kEnd, 0, "Encountered wrong map[key] tag usage. Cached map name is : [words]"));
+  EXPECT_FALSE(node.isWordsSet());
+  EXPECT_FALSE(node.isItemsSet());
+}
+
 TEST(XmlReaderMaps, LastOfSeveralValuesStays) {
   const ReadAs<Every> every(
       "<mapStringString><__mapKey__>a</__mapKey__><__mapValue__>b</__mapValue__><__mapValue__>c</"

@@ -62,6 +62,14 @@ TEST(PasswordForm, MaskIsSevenAsterisksWhateverTheValue) {
             R"(<App_AnnotationSample plainPassword="*******" sessionPassword="*******"/>)");
 }
 
+TEST(PasswordForm, MaskHoldsForVersionOneToo) {
+  AnnotationSample msg;
+  msg.setSessionPassword("secret");
+  std::string xml;
+  EXPECT_EQ(XMLSerializer(withOptions(MASK_PASSWORDS), nullptr).serialize(msg, xml, 1), XN_MSG_OK);
+  EXPECT_THAT(xml, testing::HasSubstr(R"(<App_AnnotationSample sessionPassword="*******"/>)"));
+}
+
 TEST(PasswordForm, StoredTypeIsMarkedAndItsMarkEncoded) {
   AnnotationSample msg;
   msg.setVer3Password("stored", PasswordEncryptType::ZQPASSWORD_ENCRYPTION_VER3);
