@@ -1,5 +1,6 @@
 // XMLDecoder beside parsing: enumerator names, objects by name, lists by name; and Base64 of wide text.
 #include <gmock/gmock.h>
+#include <tests/binary/hand_made_class.h>
 #include <zqxml/catalogue/generated/XmlRead.h>
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/message/internal/message_access.h>
@@ -94,6 +95,16 @@ TEST(EnumNames, ObjectWithoutAClassIsLogged) {
   EXPECT_STREQ(XMLDecoder::GetEnumString(&bare, "Level", 7), "");
   const CapturedLine line{kEnumString, 0, "Error retrieving metadata for given Message"};
   EXPECT_THAT(log.lines(), ElementsAre(line, line));
+}
+
+TEST(EnumNames, SearchGoesOnBehindABrokenReference) {
+  HandMadeClass handMade;
+  handMade.field(FDT_ENUM, "broken", std::string("\xff\0\0\1", 4))
+      .field(FDT_ENUM, "level", refTo("XmlRead_Level"));
+  const OpenMessage message = handMade.message();
+  LogCapture log;
+  EXPECT_STREQ(XMLDecoder::GetEnumString(&message, "Level", 7), "HIGH");
+  EXPECT_TRUE(log.has(kEnumString, 0, "Error retrieving metadata for message"));
 }
 
 TEST(EnumNames, ByRecordWithoutALine) {
