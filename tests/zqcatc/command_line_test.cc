@@ -67,7 +67,7 @@ TEST_F(ZqcatcCommandTest, WrongUsageIsTwo) {
 }
 
 TEST_F(ZqcatcCommandTest, FileThatCannotBeReadIsThree) {
-  EXPECT_EQ(run("--check missing.xml").err, "zqcatc: cannot read missing.xml\n");
+  EXPECT_EQ(run("--check missing.xml").err, "zqcatc: cannot read missing.xml: No such file or directory\n");
   EXPECT_EQ(run("--check missing.xml").status, 3);
   EXPECT_EQ(run("--check .").err, "zqcatc: there is no *.xml file in folder .\n");
   EXPECT_EQ(run("--check .").status, 3);

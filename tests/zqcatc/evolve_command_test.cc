@@ -45,7 +45,8 @@ TEST_F(EvolveCommandTest, HelpHasExamplesAndExitStatus) {
     const ProgramRun outcome = run(std::string(name) + " --help");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.out,
-                AllOf(StartsWith(std::string("zqcatc ") + name + " - "), HasSubstr("Examples:\n"),
+                AllOf(StartsWith(std::string("zqcatc ") + name + " - "),
+                      HasSubstr(std::string("Usage: zqcatc ") + name + ' '), HasSubstr("Examples:\n"),
                       HasSubstr("Exit status: 0 no"), HasSubstr("10 ")));
   }
 }
@@ -74,8 +75,10 @@ TEST_F(EvolveCommandTest, ExitStatusGoesByWhatCounts) {
 TEST_F(EvolveCommandTest, WrongUsageIsTwo) {
   const auto refused = [this](const std::string& arguments, const std::string& why) {
     const ProgramRun outcome = run(arguments);
+    const std::string command = arguments.substr(0, arguments.find(' ')) + ' ';
     EXPECT_EQ(outcome.status, 2) << arguments;
-    EXPECT_EQ(outcome.err, "zqcatc: " + why + "; 'zqcatc --help' shows the usage\n");
+    EXPECT_EQ(outcome.err, "zqcatc: " + why + "; 'zqcatc " + (command == "--check " ? "" : command) +
+                               "--help' shows the usage\n");
   };
   refused("diff old", "diff takes OLD and NEW");
   refused("diff old new old", "diff takes OLD and NEW");
@@ -100,10 +103,13 @@ TEST_F(EvolveCommandTest, SchemaErrorIsOne) {
 }
 
 TEST_F(EvolveCommandTest, FileThatCannotBeReadIsThree) {
-  EXPECT_EQ(run("diff old missing").err, "zqcatc: cannot read missing\n");
+  EXPECT_EQ(run("diff old missing").err, "zqcatc: cannot read missing: No such file or directory\n");
   EXPECT_EQ(run("diff old missing").status, 3);
   EXPECT_EQ(run("lint .").err, "zqcatc: there is no *.xml file in folder .\n");
   EXPECT_EQ(run("lint .").status, 3);
+  const ProgramRun unnamed = run("lint -", schema(""));
+  EXPECT_EQ(unnamed.status, 3);
+  EXPECT_THAT(unnamed.err, StartsWith("zqcatc: standard input holds a schema, "));
 }
 
 TEST_F(EvolveCommandTest, OutputThatCannotBeWrittenIsThree) {
@@ -138,7 +144,7 @@ TEST_F(EvolveCommandTest, JsonIsAnObjectPerLine) {
   EXPECT_EQ(
       run("--check --error-format json missing").err,
       "{\"file\":\"\",\"line\":0,\"column\":0,\"severity\":\"error\",\"code\":\"file\",\"message\":\"cannot "
-      "read missing\"}\n");
+      "read missing: No such file or directory\"}\n");
 }
 
 TEST_F(EvolveCommandTest, LintTellsAndAllows) {

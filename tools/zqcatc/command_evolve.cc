@@ -110,6 +110,9 @@ int load(const std::vector<std::string>& inputs, const EvolveOptions& options, L
       diagnostics.setCode("dump");
       std::optional<Snapshot> snapshot = readDump(source, diagnostics);
       if (snapshot.has_value()) loaded.snapshot = std::move(*snapshot);
+    } else if (source.path == "-") {
+      return fileError("standard input holds a schema, which is known by the name of its file; give the file",
+                       options.format);
     } else {
       loaded.sources.clear();
     }
@@ -172,8 +175,9 @@ CLI::App& defineLint(CLI::App& app, EvolveOptions& options) {
 }
 
 int runDiff(const EvolveOptions& options) {
-  if (options.inputs.size() != 2) return usage("diff takes OLD and NEW");
-  if (options.inputs[0] == "-" && options.inputs[1] == "-") return usage("standard input is one file only");
+  if (options.inputs.size() != 2) return usage("diff takes OLD and NEW", "diff");
+  if (options.inputs[0] == "-" && options.inputs[1] == "-")
+    return usage("standard input is one file only", "diff");
   Loaded before, after;
   if (const int status = load({options.inputs[0]}, options, before); status >= 0) return status;
   if (const int status = load({options.inputs[1]}, options, after); status >= 0) return status;
@@ -189,7 +193,7 @@ int runDiff(const EvolveOptions& options) {
 }
 
 int runLint(const EvolveOptions& options) {
-  if (options.inputs.empty()) return usage("lint takes a schema");
+  if (options.inputs.empty()) return usage("lint takes a schema", "lint");
   Loaded loaded;
   if (const int status = load(options.inputs, options, loaded); status >= 0) return status;
   std::vector<Finding> findings = lintCatalogue(loaded.snapshot);

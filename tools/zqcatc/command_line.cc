@@ -13,8 +13,9 @@ int print(std::string_view text) {
   return kFileError;
 }
 
-int usage(std::string_view why) {
-  std::cerr << "zqcatc: " << why << "; 'zqcatc --help' shows the usage\n";
+int usage(std::string_view why, std::string_view command) {
+  std::cerr << "zqcatc: " << why << "; 'zqcatc " << command << (command.empty() ? "" : " ")
+            << "--help' shows the usage\n";
   return kUsage;
 }
 
@@ -48,6 +49,11 @@ const CLI::App& called(const CLI::App& app) {
   return commands.empty() ? app : *commands.front();
 }
 
+/// Its name; "" of the program itself.
+std::string nameOf(const CLI::App& command) {
+  return command.get_parent() == nullptr ? "" : command.get_name();
+}
+
 /// A ValidationError and an ArgumentMismatch begin with the option's name.
 std::string whyOf(const CLI::App& app, const CLI::ParseError& error) {
   std::string what = error.what();
@@ -64,12 +70,13 @@ std::string whyOf(const CLI::App& app, const CLI::ParseError& error) {
 int refuseRest(const CLI::App& command) {
   const std::vector<std::string> rest = command.remaining();
   if (rest.empty()) return -1;
-  const std::string of = command.get_parent() == nullptr ? "" : " of " + command.get_name();
-  if (rest.front().starts_with('-')) return usage("unknown option '" + rest.front() + "'" + of);
+  const std::string name = nameOf(command);
+  if (rest.front().starts_with('-'))
+    return usage("unknown option '" + rest.front() + "'" + (name.empty() ? "" : " of " + name), name);
   std::string taken;
   for (const CLI::Option* positional : command_pages::positionalsOf(command))
     taken += (taken.empty() ? "" : " and ") + positional->get_name(true);
-  return usage(command.get_name() + " takes " + taken);
+  return usage(command.get_name() + " takes " + taken, name);
 }
 
 }  // namespace
@@ -85,12 +92,12 @@ int parse(CLI::App& app, int argc, const char* const* argv) {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
     const CLI::App& command = called(app);
-    const std::string words = &command == &app ? app.get_name() : app.get_name() + ' ' + command.get_name();
-    return print(words + " - " + command.help());
+    if (&command == &app) return print(app.get_name() + " - " + app.help());
+    return print(app.get_name() + ' ' + command.get_name() + " - " + command.help(app.get_name()));
   } catch (const CLI::CallForVersion& version) {
     return print(std::string(version.what()) + '\n');
   } catch (const CLI::ParseError& error) {
-    return usage(whyOf(app, error));
+    return usage(whyOf(app, error), nameOf(called(app)));
   }
   const int status = refuseRest(app);
   return status >= 0 ? status : refuseRest(called(app));

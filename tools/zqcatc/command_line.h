@@ -15,8 +15,8 @@ enum ExitStatus { kDone = 0, kSchemaErrors = 1, kUsage = 2, kFileError = 3, kFou
 /// Prints to standard output; an exit status.
 int print(std::string_view text);
 
-/// Tells on standard error how the program was called wrongly; the exit status of that.
-int usage(std::string_view why);
+/// Tells on standard error how the program, or a command of it, was called wrongly; the exit status of that.
+int usage(std::string_view why, std::string_view command = {});
 
 /// A failure to read or write, on standard error; the exit status of that.
 int fileError(std::string_view why, ErrorFormat format);

@@ -1,6 +1,7 @@
 #include "source_files.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -45,8 +46,11 @@ bool readSource(SchemaSource& source, std::size_t limit, bool input, std::string
     return error.empty();
   }
   std::ifstream file(source.path, std::ios::binary);
+  const int reason = errno;
   readStream(file, limit, source.text);
-  if (!file.is_open() || file.bad()) error = cat("cannot read ", source.path);
+  if (!file.is_open())
+    error = cat("cannot read ", source.path, ": ", std::generic_category().message(reason));
+  if (file.bad()) error = cat("cannot read ", source.path);
   return error.empty();
 }
 
