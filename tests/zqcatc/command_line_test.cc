@@ -81,6 +81,17 @@ TEST_F(ZqcatcCommandTest, FolderThatCannotBeWrittenIsThree) {
   EXPECT_THAT(outcome.err, StartsWith("zqcatc: cannot make folder blocked/x/zqxml/catalogue/generated: "));
 }
 
+TEST_F(ZqcatcCommandTest, NamesReachTheTerminalHarmless) {
+  folder_.write(
+      "T.xml",
+      "<subsystem name=\"T\" slot=\"202\" records=\"1\"><class name=\"C&#x9b;31m\" index=\"0\"/></subsystem>");
+  EXPECT_THAT(run("--check T.xml").err, HasSubstr("value 'C?31m' is invalid NCName"));
+  EXPECT_EQ(run("--check \033[2J.xml").err, "zqcatc: cannot read ?[2J.xml: No such file or directory\n");
+  folder_.write("\033[2J.xml", "");
+  EXPECT_THAT(run("--check \033[2J.xml").err, StartsWith("?[2J.xml:1:1: error: "));
+  EXPECT_THAT(run("--\033[2J").err, StartsWith("zqcatc: unknown option '--?[2J'; "));
+}
+
 TEST_F(ZqcatcCommandTest, EndlessInputIsRefusedAtTheSizeLimit) {
   const ProgramRun outcome = run("--check /dev/zero");
   EXPECT_EQ(outcome.status, 1);

@@ -14,7 +14,7 @@ int print(std::string_view text) {
 }
 
 int usage(std::string_view why, std::string_view command) {
-  std::cerr << "zqcatc: " << why << "; 'zqcatc " << command << (command.empty() ? "" : " ")
+  std::cerr << "zqcatc: " << shown(why) << "; 'zqcatc " << command << (command.empty() ? "" : " ")
             << "--help' shows the usage\n";
   return kUsage;
 }

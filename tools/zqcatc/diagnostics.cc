@@ -7,6 +7,18 @@
 
 namespace zqxml::zqcatc {
 
+std::string shown(std::string_view text) {
+  std::string clean;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0u;
+    const bool second = byte == 0xc2 && next >= 0x80 && next < 0xa0;  // the controls from U+0080 on
+    clean += byte < 0x20 || byte == 0x7f || second ? '?' : text[i];
+    if (second) ++i;
+  }
+  return clean;
+}
+
 void Diagnostics::error(const Position& position, std::string text) {
   ++count_;
   if (entries_.size() < kMaxKept) entries_.push_back({position, code_, std::move(text)});
@@ -25,9 +37,9 @@ void Diagnostics::forEach(
 
 void Diagnostics::print(std::ostream& out) const {
   forEach([&out](const Position& position, std::string_view, const std::string& text) {
-    out << position.file;
+    out << shown(position.file);
     if (position.line != 0) out << ':' << position.line << ':' << position.column;
-    out << ": error: " << text << '\n';
+    out << ": error: " << shown(text) << '\n';
   });
   if (count_ > entries_.size()) out << "... and " << count_ - entries_.size() << " more errors\n";
 }

@@ -34,6 +34,10 @@ std::string cat(const Parts&... parts) {
   return text;
 }
 
+/// What people are shown of a text from elsewhere: names and files may hold anything, and nothing of them may
+/// end the line or speak to the terminal. Control characters become '?'.
+std::string shown(std::string_view text);
+
 /// The errors of one run, in the order in which they were found.
 class Diagnostics {
  public:

@@ -9,19 +9,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// Names of a dump may hold anything: nothing of it may end the line or speak to the terminal.
-std::string shown(std::string_view text) {
-  std::string clean;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0u;
-    const bool second = byte == 0xc2 && next >= 0x80 && next < 0xa0;  // the controls from U+0080 on
-    clean += byte < 0x20 || byte == 0x7f || second ? '?' : text[i];
-    if (second) ++i;
-  }
-  return clean;
-}
-
 void printText(std::ostream& out, const Finding& finding) {
   out << shown(finding.position.file);
   if (finding.position.line != 0) out << ':' << finding.position.line << ':' << finding.position.column;
@@ -60,7 +47,7 @@ void printErrors(std::ostream& out, const Diagnostics& diagnostics, ErrorFormat 
 
 void printFailure(std::ostream& out, std::string_view code, std::string_view text, ErrorFormat format) {
   if (format == ErrorFormat::kText)
-    out << "zqcatc: " << text << '\n';
+    out << "zqcatc: " << shown(text) << '\n';
   else
     printJson(out, {{}, "error", std::string(code), std::string(text), {}, false});
 }
