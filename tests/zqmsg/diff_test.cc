@@ -8,6 +8,7 @@ namespace {
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testing::StartsWith;
 
 class Diff : public ZqmsgTest {
  protected:
@@ -81,6 +82,15 @@ TEST_F(Diff, FilesOfDifferentManyObjectsDiffer) {
   EXPECT_THAT(run, Exits(10));
   EXPECT_EQ(run.out, "a ends before object 2 of b\n");
   EXPECT_EQ(diff(object + object, object).out, "b ends before object 2 of a\n");
+}
+
+TEST_F(Diff, WhatWasFoundBeforeDamageIsPrinted) {
+  const std::string first = converted("objects", "<ZQGui_SaveAlert loginName=\"a\"/>");
+  const std::string second = converted("objects", "<ZQGui_SaveAlert loginName=\"b\"/>");
+  const ProgramRun run = diff(first + first, second + second.substr(0, second.size() - 1));
+  EXPECT_THAT(run, Exits(1));
+  EXPECT_EQ(run.out, "object 1.loginName: \"a\" != \"b\"\n");
+  EXPECT_THAT(run.err, StartsWith("zqmsg: b: object 2, at byte "));
 }
 
 TEST_F(Diff, AnInputThatCannotBeReadIsAFailureAndNoDifference) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "tools/zqmsg/failure.h"
+#include "tools/zqmsg/output.h"
 #include "tools/zqmsg/session.h"
 
 namespace zqxml::tool {
@@ -35,5 +36,19 @@ class Attempts {
   Session& session_;
   std::uint64_t failures_ = 0;
 };
+
+/// Runs `step`, which writes to `output`. What it could write is written out, whatever happens then.
+template <class Step>
+void writeAsFarAsItGoes(Output& output, Session& session, Step step) {
+  try {
+    step();
+  } catch (const Failure&) {
+    session.console.endProgress();
+    output.commit();
+    throw;
+  }
+  session.console.endProgress();
+  output.commit();
+}
 
 }  // namespace zqxml::tool

@@ -2,6 +2,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/zqmsg/attempts.h"
 #include "tools/zqmsg/command.h"
 #include "tools/zqmsg/message_diff.h"
 #include "tools/zqmsg/message_source.h"
@@ -41,21 +42,21 @@ void diff(const Options& options, Session& session) {
         output.write(visible(path) + ": " + aText + " != " + bText + '\n');
       });
   bool sameCount = true;
-  while (sameCount) {
-    const MessagePtr aMessage = a.next();
-    const MessagePtr bMessage = b.next();
-    sameCount = (aMessage == nullptr) == (bMessage == nullptr);
-    if (!sameCount) {
-      const MessageSource& longer = aMessage != nullptr ? a : b;
-      output.write(visible((aMessage != nullptr ? b : a).name()) + " ends before object " +
-                   std::to_string(longer.number()) + " of " + visible(longer.name()) + '\n');
+  writeAsFarAsItGoes(output, session, [&] {
+    while (sameCount) {
+      const MessagePtr aMessage = a.next();
+      const MessagePtr bMessage = b.next();
+      sameCount = (aMessage == nullptr) == (bMessage == nullptr);
+      if (!sameCount) {
+        const MessageSource& longer = aMessage != nullptr ? a : b;
+        output.write(visible((aMessage != nullptr ? b : a).name()) + " ends before object " +
+                     std::to_string(longer.number()) + " of " + visible(longer.name()) + '\n');
+      }
+      if (aMessage == nullptr || bMessage == nullptr) break;
+      difference.compare(rootPath(a).empty() ? rootPath(b) : rootPath(a), *aMessage, *bMessage);
+      if (isStream(a.form())) session.console.progress("objects compared", a.number());
     }
-    if (aMessage == nullptr || bMessage == nullptr) break;
-    difference.compare(rootPath(a).empty() ? rootPath(b) : rootPath(a), *aMessage, *bMessage);
-    if (isStream(a.form())) session.console.progress("objects compared", a.number());
-  }
-  session.console.endProgress();
-  output.commit();
+  });
   if (!sameCount || difference.count() != 0) session.status = kDifferent;
 }
 

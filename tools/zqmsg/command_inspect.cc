@@ -2,6 +2,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/zqmsg/attempts.h"
 #include "tools/zqmsg/command.h"
 #include "tools/zqmsg/explanation.h"
 #include "tools/zqmsg/message_source.h"
@@ -67,23 +68,18 @@ void inspectObjects(ByteSource& source, Explanation& explanation) {
   }
 }
 
-void inspect(const Options& options) {
+void inspect(const Options& options, Session& session) {
   ByteSource source(options.file);
   const Form form = formToInspect(source, options.from);
   Output output("-");
   Explanation explanation(output);
-  // What could be shown is shown, whatever happens then.
-  try {
+  writeAsFarAsItGoes(output, session, [&] {
     if (form == Form::kObjects) {
       inspectObjects(source, explanation);
     } else if (!explanation.message(readWhole(source), 0)) {
       throw undecodable(source.name(), "cannot be read as a binary message");
     }
-  } catch (const Failure&) {
-    output.commit();
-    throw;
-  }
-  output.commit();
+  });
 }
 
 }  // namespace
@@ -95,7 +91,7 @@ void addInspect(CLI::App& app, Session& session) {
   command.add_option("FILE", options->file, "Binary message or file of objects; - or none is standard input");
   command.add_option("--from", options->from, "Form of the input; found out when not given")
       ->check(CLI::IsMember(std::vector<std::string>{"binary", "objects"}));
-  command.callback([options] { inspect(*options); });
+  command.callback([options, &session] { inspect(*options, session); });
 }
 
 }  // namespace zqxml::tool

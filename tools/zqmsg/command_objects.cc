@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/zqmsg/attempts.h"
 #include "tools/zqmsg/class_name.h"
 #include "tools/zqmsg/command.h"
 #include "tools/zqmsg/conversion.h"
@@ -60,21 +61,14 @@ void list(const Options& options, Session& session) {
   Output output("-");
   output.write("object      offset       bytes  tag id      class\n");
   std::string data;
-  // What could be listed is listed, whatever happens then.
-  try {
+  writeAsFarAsItGoes(output, session, [&] {
     while (objects.next(data)) {
       const std::uint32_t tag = tagOf(data);
       output.write(formatText("%6llu  %10llu  %10u  0x%08x  %s\n", objects.number(), objects.offset(),
                               objects.length(), tag, classOf(tag)));
       session.console.progress("objects listed", objects.number(), {source.position(), source.size()});
     }
-  } catch (const Failure&) {
-    session.console.endProgress();
-    output.commit();
-    throw;
-  }
-  session.console.endProgress();
-  output.commit();
+  });
 }
 
 // --- cat
