@@ -4,13 +4,13 @@
 #include <zqxml/platform/platform_info.h>
 #include <zqxml/xml/base64_decode.h>
 #include <zqxml/xml/date_text.h>
+#include <zqxml/xml/internal/base64_plain.h>
 #include <zqxml/xml/internal/list_growth.h>
 #include <zqxml/xml/internal/message_reader_values.h>
 #include <zqxml/xml/internal/name_view.h>
 #include <zqxml/xml/xml_decoder.h>
 
 #include <algorithm>
-#include <atomic>
 #include <memory>
 #include <optional>
 #include <type_traits>
@@ -93,7 +93,7 @@ struct FieldTextReader<Char>::ScalarStore {
   }
   void operator()(InPlace<element::Str>) const { reader.storeString(object, field, text); }
   void operator()(InPlace<element::WStr>) const {
-    MessageAccess::inPlace<std::u16string>(object, field) = reader.restored(text);
+    reader.readWideString(text, MessageAccess::inPlace<std::u16string>(object, field));
     MessageAccess::mark(object, field.getMemNum());
   }
   void operator()(Owned<element::BStr>) const {
@@ -231,10 +231,23 @@ std::u16string_view FieldTextReader<Char>::restored(View text) {
   return scratch_;
 }
 
+template <class Char>
+void FieldTextReader<Char>::readWideString(View text, std::u16string& out) {
+  if constexpr (std::is_same_v<Char, char>) {
+    if (!XmlInvalidCharHandler::isEscaped(text)) {
+      out.clear();
+      return appendUtf16(out, text);
+    }
+  }
+  out = restored(text);
+}
+
 /// QUIRK: text that is not Base64 gives no bytes, which are stored.
 template <class Char>
 std::string FieldTextReader<Char>::readBytes(View text) {
   std::string bytes;
+  if constexpr (std::is_same_v<Char, char>)
+    if (base64DecodePlain(text, bytes)) return bytes;
   base64DecodeXmlCh(std::u16string(restored(text)).c_str(), bytes);
   return bytes;
 }
@@ -242,10 +255,7 @@ std::string FieldTextReader<Char>::readBytes(View text) {
 template class FieldTextReader<char>;
 template class FieldTextReader<char16_t>;
 
-void readSpecialCharsSetting() {
-  // A race only reads the setting twice, with the same result.
-  static std::atomic<bool> wasRead{false};
-  if (wasRead.load(std::memory_order_relaxed)) return;
+void readSpecialCharsSettingNow() {
   // QUIRK: switched off, a list string counts as empty when its narrow form is. Conversion to UTF-8 is total,
   // so that is the same as the wide text being empty, and the value makes no difference here.
   int newSpecialCharsBehaviour = 1;  // what holds without the setting
@@ -255,7 +265,7 @@ void readSpecialCharsSetting() {
     logDebug("MySAX2Handler::startElement", 0,
              "Disabling new XMLCh behavior for checking empty input strings.");
   }
-  wasRead.store(true, std::memory_order_relaxed);
+  specialCharsSettingKnown.store(true, std::memory_order_relaxed);
 }
 
 }  // namespace zqxml

@@ -9,6 +9,7 @@
 #include <zqxml/xml/encoding_flags.h>
 #include <zqxml/xml/xml_invalid_char_handler.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -80,13 +81,20 @@ class FieldTextReader {
   void storePassword(XNMessageBase& object, const FieldDef& field, View text, const char* where);
   /// As UTF-16 with what XML cannot hold restored: the text itself, or a place in scratch_.
   std::u16string_view restored(View text);
+  void readWideString(View text, std::u16string& out);
   std::string readBytes(View text);
 
   std::u16string scratch_;
 };
 
+/// Whether the process knows the setting that is read below.
+inline std::atomic<bool> specialCharsSettingKnown = false;
+void readSpecialCharsSettingNow();
 /// Reads, at the first call in the process, whether the special treatment of empty list strings is switched
 /// off (setting EnableNewXMLBehaviorForSpecialChars = 0, which is logged).
-void readSpecialCharsSetting();
+inline void readSpecialCharsSetting() {
+  // A race only reads the setting twice, with the same result.
+  if (!specialCharsSettingKnown.load(std::memory_order_relaxed)) readSpecialCharsSettingNow();
+}
 
 }  // namespace zqxml
