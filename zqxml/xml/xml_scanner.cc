@@ -23,7 +23,7 @@ bool XmlScanner<Char>::scan(View text) {
   if (expected > kInlineParts) parts_.take(ThreadMemory::take());
   parts_.reserve(expected);
   if (at_[0] == '<' && at_[1] == '?' && !scanDeclaration()) return false;
-  if (!scanMisc() || !scanStartTag()) return false;
+  if (!scanMisc() || !scanStartTags()) return false;
   while (!open_.empty())
     if (!scanContent()) return false;
   return scanMisc() && at_ == end_;
@@ -70,61 +70,6 @@ bool XmlScanner<Char>::scanMisc() {
   }
 }
 
-template <class Char>
-bool XmlScanner<Char>::scanStartTag() {
-  if (at_[0] != '<' || open_.size() >= kMostLevels) return false;
-  ++at_;
-  const auto number = static_cast<std::uint32_t>(parts_.size());
-  const std::size_t like = open_.empty() ? 0 : open_.back().run;
-  const AttributeGuide* guide = nullptr;
-  Name name;
-  if (like != 0 && isNameOf(parts_[like], at_)) {
-    // Of elements that follow each other with one name, the first counts the others.
-    ++parts_[like].length;
-    name = {parts_[like].hash(), parts_[like].nameLength};
-    guide = open_.back().runGuide;
-  } else {
-    name = scanNewName(at_);
-    if (name.length == 0) return false;
-    guide = guideOf({at_, name.length}, name.hash);
-    if (!open_.empty()) {
-      open_.back().run = number;
-      open_.back().runGuide = guide;
-    }
-  }
-  parts_.push_back(
-      {.start = offset(at_), .marks = Part::marksOf(name.hash, Kind::start), .nameLength = name.length});
-  at_ += name.length;
-  if (!scanAttributes(number, guide, like)) return false;
-  parts_[number].position = static_cast<std::uint8_t>(parts_.size() - number - 1);
-  if (*at_ == '>') {
-    ++at_;
-    open_.push_back({number, 0, guide, nullptr});
-    return true;
-  }
-  if (!skipWord("/>")) return false;
-  ++parts_.back().ends;
-  return true;
-}
-
-/// What an element of that name may be expected to have at this place; null for nothing.
-template <class Char>
-const AttributeGuide* XmlScanner<Char>::guideOf(View name, std::uint32_t hash) const {
-  if constexpr (sizeof(Char) == 1) {
-    if (open_.empty()) return AttributeGuide::ofRoot(name, hash);
-    if (open_.back().guide != nullptr) return open_.back().guide->ofField(hash);
-  }
-  return nullptr;
-}
-
-/// Whether the part's name stands here.
-template <class Char>
-inline bool XmlScanner<Char>::isNameOf(const Part& part, const Char* at) const {
-  const std::size_t length = part.nameLength;
-  return static_cast<std::size_t>(end_ - at) >= length &&
-         equalBytes(at, text_ + part.start, length * sizeof(Char)) && !is(at[length], kInName);
-}
-
 /// Behind the character beyond ASCII; null when there is none, or one that XML does not allow.
 template <class Char>
 const Char* XmlScanner<Char>::skipCharacter(const Char* at) const {
@@ -141,7 +86,7 @@ bool XmlScanner<Char>::scanContent() {
 template <class Char>
 bool XmlScanner<Char>::scanMarkup() {
   if (at_[1] == '/') return scanEndTag();
-  if (at_[1] != '!') return scanStartTag();
+  if (at_[1] != '!') return scanStartTags();
   return at_[2] == '[' ? scanSection() : scanComment();
 }
 

@@ -1,4 +1,4 @@
-// The attributes of a tag, in the first step of the scanner.
+// Start tags, in the first step of the scanner.
 #include <zqxml/xml/internal/name_filter.h>
 #include <zqxml/xml/internal/xml_characters.h>
 #include <zqxml/xml/internal/xml_scanner.h>
@@ -9,9 +9,74 @@
 
 namespace zqxml {
 
+/// A tag, and when its element is empty, those of the elements that follow directly.
+template <class Char>
+bool XmlScanner<Char>::scanStartTags() {
+  do {
+    if (!scanStartTag()) return false;
+  } while (!open_.empty() && *at_ == '<' && is(at_[1], kFirstOfName));
+  return true;
+}
+
+template <class Char>
+inline bool XmlScanner<Char>::scanStartTag() {
+  if (at_[0] != '<' || open_.size() >= kMostLevels) return false;
+  ++at_;
+  const auto number = static_cast<std::uint32_t>(parts_.size());
+  const std::size_t like = open_.empty() ? 0 : open_.back().run;
+  const AttributeGuide* guide = nullptr;
+  Name name;
+  if (like != 0 && isNameOf(parts_[like], at_)) {
+    // Of elements that follow each other with one name, the first counts the others.
+    ++parts_[like].length;
+    name = {parts_[like].hash(), parts_[like].nameLength};
+    guide = open_.back().runGuide;
+  } else {
+    name = scanNewName(at_);
+    if (name.length == 0) return false;
+    guide = guideOf({at_, name.length}, name.hash);
+    if (!open_.empty()) {
+      open_.back().run = number;
+      open_.back().runGuide = guide;
+    }
+  }
+  parts_.push_back(
+      {.start = offset(at_), .marks = Part::marksOf(name.hash, Kind::start), .nameLength = name.length});
+  at_ += name.length;
+  if (!scanAttributes(number, guide, like)) return false;
+  parts_[number].position = static_cast<std::uint8_t>(parts_.size() - number - 1);
+  if (*at_ == '>') {
+    ++at_;
+    open_.push_back({number, 0, guide, nullptr});
+    return true;
+  }
+  if (at_[0] != '/' || at_[1] != '>') return false;
+  at_ += 2;
+  ++parts_.back().ends;
+  return true;
+}
+
+/// What an element of that name may be expected to have at this place; null for nothing.
+template <class Char>
+const AttributeGuide* XmlScanner<Char>::guideOf(View name, std::uint32_t hash) const {
+  if constexpr (sizeof(Char) == 1) {
+    if (open_.empty()) return AttributeGuide::ofRoot(name, hash);
+    if (open_.back().guide != nullptr) return open_.back().guide->ofField(hash);
+  }
+  return nullptr;
+}
+
+/// Whether the part's name stands here.
+template <class Char>
+inline bool XmlScanner<Char>::isNameOf(const Part& part, const Char* at) const {
+  const std::size_t length = part.nameLength;
+  return static_cast<std::size_t>(end_ - at) >= length &&
+         equalBytes(at, text_ + part.start, length * sizeof(Char)) && !is(at[length], kInName);
+}
+
 /// `like` is an earlier tag, 0 for none.
 template <class Char>
-bool XmlScanner<Char>::scanAttributes(std::size_t tag, const AttributeGuide* guide, std::size_t like) {
+inline bool XmlScanner<Char>::scanAttributes(std::size_t tag, const AttributeGuide* guide, std::size_t like) {
   if constexpr (sizeof(Char) == 1)
     if (guide != nullptr) scanExpectedAttributes(*guide);
   if (guide == nullptr && like != 0) scanSameAttributes(like);
@@ -113,13 +178,13 @@ bool XmlScanner<Char>::isNew(View name, std::uint32_t hash, std::size_t tag) con
 template <class Char>
 typename XmlScanner<Char>::Name XmlScanner<Char>::scanNewName(const Char* at) {
   constexpr std::ptrdiff_t kLongest = std::numeric_limits<std::uint8_t>::max();
-  if (!is(*at, kFirstOfName)) return {};
+  if (!is(*at, kFirstOfName) || (at[0] == 'x' && at[1] == 'm' && at[2] == 'l')) return {};
   const Char* const first = at;
   std::uint32_t hash = 0;
   do {
     hash = hash * 31 + unitOf(*at++);
   } while (is(*at, kInName));
-  if (at - first > kLongest || (first[0] == 'x' && first[1] == 'm' && first[2] == 'l')) return {};
+  if (at - first > kLongest) return {};
   return {hash & 0xffffff, static_cast<std::uint8_t>(at - first)};
 }
 
@@ -176,9 +241,7 @@ typename XmlScanner<Char>::Value XmlScanner<Char>::scanUnusualValue(const Char* 
   return value;
 }
 
-template bool XmlScanner<char>::scanAttributes(std::size_t, const AttributeGuide*, std::size_t);
-template bool XmlScanner<char16_t>::scanAttributes(std::size_t, const AttributeGuide*, std::size_t);
-template XmlScanner<char>::Name XmlScanner<char>::scanNewName(const char*);
-template XmlScanner<char16_t>::Name XmlScanner<char16_t>::scanNewName(const char16_t*);
+template bool XmlScanner<char>::scanStartTags();
+template bool XmlScanner<char16_t>::scanStartTags();
 
 }  // namespace zqxml

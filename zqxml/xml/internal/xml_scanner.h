@@ -77,6 +77,7 @@ class XmlScanner {
 
   bool scanDeclaration();
   bool scanMisc();
+  bool scanStartTags();
   bool scanStartTag();
   bool scanAttributes(std::size_t tag, const AttributeGuide* guide, std::size_t like);
   void scanExpectedAttributes(const AttributeGuide& guide) requires(sizeof(Char) == 1);
