@@ -2,6 +2,7 @@
 // the same result, the same lines, and the same traces in the message.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <tests/support/every_type.h>
 #include <tests/support/random_message.h>
 #include <tests/support/time_zone.h>
@@ -67,6 +68,27 @@ TEST(XmlWriters, EveryTypeIsWrittenWithoutADom) {
   OpenMessage message = everyType();
   for (unsigned number = 0; number < WayOfWriting::kCount; ++number)
     EXPECT_TRUE(writesFast(message, WayOfWriting(number))) << number;
+}
+
+TEST(XmlWriters, StoreNothingInAMessageThatHasItsLists) {
+  const ClassIndices indices = classNamed("Demo_EveryType");
+  constexpr std::size_t kRoom = 65536;
+  void* const block = mmap(nullptr, kRoom, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(block, MAP_FAILED);
+  {
+    // Its slots and the marks of its fields are in the block.
+    OpenMessage message(indices.subsystem, indices.index, static_cast<std::int64_t*>(block), kRoom);
+    fillEveryType(message);
+    ASSERT_TRUE(MessageAccess::buffer(message).usesCallerBlock());
+    ASSERT_EQ(mprotect(block, kRoom, PROT_READ), 0);
+    for (const bool fast : {true, false}) {
+      const FastXmlRoads roads(fast);
+      std::string text;
+      EXPECT_EQ(message.serialize(text), XN_MSG_OK);
+    }
+    ASSERT_EQ(mprotect(block, kRoom, PROT_READ | PROT_WRITE), 0);
+  }
+  munmap(block, kRoom);
 }
 
 TEST(XmlWriters, BothEscapeEveryCharacterAlike) {

@@ -61,7 +61,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <vector>
 
 namespace zqxml {
@@ -196,15 +195,18 @@ class XmlWalk {
     }
 
     // The list is made, and the field marked, when there is none: what callers of an old-way object rely on.
+    // Nothing else is stored: another thread may be at work on what lies beside the message.
     template <class E>
     [[gnu::noinline]] void operator()(List<E>) const {
-      for (auto& value : MessageAccess::make<typename List<E>::Value>(msg, field, true)) {
-        if constexpr (Sink::kMayGiveUp && !std::same_as<E, element::Obj>) {
+      auto* values = MessageAccess::owned<typename List<E>::Value>(msg, field);
+      if (values == nullptr || !MessageAccess::isSet(msg, field.getMemNum()))
+        values = &MessageAccess::make<typename List<E>::Value>(msg, field, true);
+      for (auto& value : *values) {
+        if constexpr (Sink::kMayGiveUp && !std::same_as<E, element::Obj>)
           if (sink().hasPlainEntries() && !asCdata) {
             sink().listEntry(name, valueOf(E{}, value));
             continue;
           }
-        }
         const Node entry = sink().element(parent, name);
         if (!entry) {
           walk.report("Error constructing list object [%s].", field.getName());
@@ -227,12 +229,11 @@ class XmlWalk {
       auto* entries = MessageAccess::owned<typename Map<K, V>::Value>(msg, field);
       if (entries == nullptr) return;
       for (auto& [key, value] : *entries) {
-        if constexpr (Sink::kMayGiveUp && !std::same_as<K, element::Obj> && !std::same_as<V, element::Obj>) {
+        if constexpr (Sink::kMayGiveUp && !std::same_as<K, element::Obj> && !std::same_as<V, element::Obj>)
           if (sink().hasPlainEntries()) {
             sink().wholeMapEntry(name, valueOf(K{}, key), valueOf(V{}, value));
             continue;
           }
-        }
         const auto entry = sink().mapEntry(parent, name);
         if (!entry) {
           logLostEntry(key);
@@ -350,11 +351,10 @@ class XmlWalk {
   /// Logs what a field is missing for.
   template <class... Args>
   void report(const char* format, const Args&... arguments) {
-    if constexpr (Sink::kMayGiveUp) {
+    if constexpr (Sink::kMayGiveUp)
       sink_.giveUp();
-    } else {
+    else
       logError(kFunction, format, arguments...);
-    }
   }
 
   template <class... Args>
