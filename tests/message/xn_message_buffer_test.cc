@@ -3,6 +3,8 @@
 #include <zqxml/message/xn_message_buffer.h>
 
 #include <array>
+#include <memory>
+#include <new>
 #include <type_traits>
 #include <utility>
 
@@ -52,6 +54,26 @@ TEST(MessageBuffer, SlotsBeyondTheInlineOnesAndTheBitsLieOutside) {
   }
   EXPECT_EQ(&buffer[3], &buffer[2] + 1);
   EXPECT_EQ(buffer.getIsSet(), reinterpret_cast<unsigned char*>(&buffer[2] + 3));
+}
+
+TEST(MessageBuffer, SlotsThatAllLieInsideAreZeroedWithTheirBits) {
+  for (short slots = 0; slots <= XNMessageBuffer::kMaxInlineSlots; ++slots) {
+    for (const short fields : {short{0}, slots, short{95}, short{96}}) {
+      alignas(XNMessageBuffer) std::array<unsigned char, sizeof(XNMessageBuffer)> memory;
+      memory.fill(0xff);
+      auto* const buffer = ::new (memory.data()) XNMessageBuffer();
+      buffer->init(slots, fields);
+      EXPECT_EQ(buffer->slotCount(), slots);
+      EXPECT_EQ(buffer->inlineCount(), slots);
+      EXPECT_EQ(buffer->fieldCount(), fields);
+      EXPECT_EQ(buffer->hasExternalBlock(), slots == 24 && fields == 96)
+          << "12 bytes of bits fit behind 24 slots";
+      for (short index = 0; index < slots; ++index) EXPECT_EQ((*buffer)[index], 0) << slots;
+      for (std::size_t at = 0; at < XNMessageBuffer::bitBytes(fields); ++at)
+        EXPECT_EQ(buffer->getIsSet()[at], 0) << slots << ", " << fields;
+      std::destroy_at(buffer);
+    }
+  }
 }
 
 TEST(MessageBuffer, BitsThatDoNotFitInsideLieOutside) {

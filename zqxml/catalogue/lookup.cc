@@ -111,12 +111,6 @@ bool tagFromIndices(short subsystem, int classIndex, std::uint32_t& tagId) {
   return true;
 }
 
-const _ClassDef* classAt(int subsystem, int classIndex) {
-  if (!isSlot(subsystem)) return nullptr;
-  const SubsystemDef& row = gSubsystemTable[subsystem];
-  return classIndex >= 0 && classIndex < row.recordCount ? &row.classDefs[classIndex] : nullptr;
-}
-
 const _ClassDef* classDef(short subsystem, int classIndex) {
   if (subsystem > 0 && subsystem < kSubsystemCount && classIndex >= 0) return classAt(subsystem, classIndex);
   logError("XNMessageBase::GetClassDef",

@@ -24,7 +24,11 @@ ZQXML_EXPORT bool indicesFromTag(std::uint32_t tagId, short& subsystem, int& cla
 ZQXML_EXPORT bool tagFromIndices(short subsystem, int classIndex, std::uint32_t& tagId);
 /// The record, without a word in the log: null for an index outside the subsystem's records and for an empty
 /// slot.
-ZQXML_EXPORT const _ClassDef* classAt(int subsystem, int classIndex);
+inline const _ClassDef* classAt(int subsystem, int classIndex) {
+  if (subsystem < 0 || subsystem >= kSubsystemCount) return nullptr;
+  const SubsystemDef& row = gSubsystemTable[subsystem];
+  return classIndex >= 0 && classIndex < row.recordCount ? &row.classDefs[classIndex] : nullptr;
+}
 /// The record; null with a log line ("XNMessageBase::GetClassDef") outside slots 1 to 206 or for a negative
 /// index.
 ZQXML_EXPORT const _ClassDef* classDef(short subsystem, int classIndex);

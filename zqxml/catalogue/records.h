@@ -94,6 +94,56 @@ class ZQXML_EXPORT FieldDef {
   FieldDataType type_ = FDT_NONE;
 };
 
+/// What is built with a message of a class and ends with it, found out when the table of the class is
+/// compiled: so that a message is built and ended without a walk over its fields.
+class BuiltContent {
+ public:
+  /// Slots whose strings are told: those that a message has room for inside.
+  static constexpr int kSlots = 24;
+
+  /// Nothing is known: the fields have to be walked over.
+  constexpr BuiltContent() = default;
+  /// Of the class with these fields.
+  constexpr BuiltContent(const FieldDef* fields, int count) : bits_(kNothingElseBuilt | kNothingElseOwned) {
+    for (const FieldDef* field = fields; field != nullptr && field != fields + count; ++field) {
+      const FieldDataType type = field->getType();
+      if (isInFirstSlots(*field)) {
+        bits_ |= std::uint32_t{1} << field->getIndex();
+      } else {
+        if (kAlwaysBuiltTypes.contains(type)) bits_ &= ~kNothingElseBuilt;
+        if (kOwningTypes.contains(type)) bits_ &= ~kNothingElseOwned;
+      }
+    }
+  }
+
+  /// The slots below kSlots where a std::string in place begins, a bit each; it ends below kSlots too.
+  constexpr std::uint32_t strings() const { return bits_ & kStrings; }
+  /// Whether the field's content is one of strings().
+  constexpr bool isString(const FieldDef& field) const {
+    return isInFirstSlots(field) && (bits_ >> field.getIndex() & 1) != 0;
+  }
+  /// Whether no other content is there for the whole life of a message.
+  constexpr bool nothingElseBuilt() const { return (bits_ & kNothingElseBuilt) != 0; }
+  /// Whether no other slot ever owns anything.
+  constexpr bool nothingElseOwned() const { return (bits_ & kNothingElseOwned) != 0; }
+
+ private:
+  static constexpr std::uint32_t kNothingElseBuilt = std::uint32_t{1} << kSlots;
+  static constexpr std::uint32_t kNothingElseOwned = kNothingElseBuilt << 1;
+  static constexpr std::uint32_t kStrings = kNothingElseBuilt - 1;
+  static constexpr FieldTypeSet kStringTypes = FieldTypeSet::ofStorage(
+      Overloaded{[](InPlace<element::Str>) { return true; }, [](auto) { return false; }});
+  static constexpr FieldTypeSet kOwningTypes = FieldTypeSet::ofStorage(Overloaded{
+      [](Nothing) { return false; }, []<class E>(Scalar<E>) { return false; }, [](auto) { return true; }});
+
+  static constexpr bool isInFirstSlots(const FieldDef& field) {
+    return kStringTypes.contains(field.getType()) &&
+           field.getIndex() + kFieldTypes[field.getType()].slots <= kSlots;
+  }
+
+  std::uint32_t bits_ = 0;
+};
+
 /// One message class or one enumeration. It is an enumeration exactly when its first field is an
 /// FDT_ENUM_VALUE.
 class _ClassDef {
@@ -108,7 +158,8 @@ class _ClassDef {
         classId_(classId),
         defaultsStart_(defaultsStart),
         numberOfFields_(numberOfFields),
-        numberOfElements_(numberOfElements) {}
+        numberOfElements_(numberOfElements),
+        builtContent_(fields, numberOfFields) {}
 
   /// Class name, unique in its subsystem; null for a record that the schema does not describe.
   constexpr const char* getName() const { return name_; }
@@ -122,6 +173,8 @@ class _ClassDef {
   constexpr std::int16_t getNumberOfElements() const { return numberOfElements_; }
   /// Position of the class's first entry in its subsystem's defaults, or -1.
   constexpr std::int32_t defaultsStart() const { return defaultsStart_; }
+  /// What is built with an instance and ends with it.
+  constexpr BuiltContent builtContent() const { return builtContent_; }
 
   /// @{
   /// Range over the fields: `for (const FieldDef& field : classDef)`.
@@ -141,7 +194,9 @@ class _ClassDef {
   std::int32_t defaultsStart_ = -1;
   std::int16_t numberOfFields_ = 0;
   std::int16_t numberOfElements_ = 0;
+  BuiltContent builtContent_;
 };
+static_assert(sizeof(_ClassDef) == 32);
 
 /// The way from a class id to a class index; a subsystem's entries ascend by class id.
 struct ClassIdIndexEntry {

@@ -1,5 +1,6 @@
 // What the value of a message is: copy, assignment, equality. Only set fields with a name hash take part.
 #include <zqxml/logging/xml_log_context.h>
+#include <zqxml/message/internal/kept_texts.h>
 #include <zqxml/message/internal/message_access.h>
 #include <zqxml/message/xn_message_base.h>
 #include <zqxml/platform/exception.h>
@@ -165,7 +166,7 @@ void copyText(std::unique_ptr<T>& target, const std::unique_ptr<T>& source) {
 
 XNMessageBase::XNMessageBase(const XNMessageBase& other) : XNMessageBase() {
   if (other.classDef_ == nullptr) return;
-  initialize(other.msgSysIndex_, other.msgIndex_, false, nullptr, 0);
+  initialize(other.msgSysIndex_, other.msgIndex_);
   wipeBitset();
   copyTexts(other);
   copyFields(other);
@@ -212,17 +213,22 @@ void XNMessageBase::requireSameClass(const XNMessageBase& other) const {
 }
 
 void XNMessageBase::copyTexts(const XNMessageBase& other) {
-  copyText(cdataBuffer_, other.cdataBuffer_);
-  if (other.cdataBuffer_ == nullptr)
-    cdataBuffer_.reset();
+  if (other.texts_ == nullptr) {
+    if (texts_ != nullptr) texts_->cdataBuffer.reset();
+    return;
+  }
+  KeptTexts& texts = madeTexts();
+  copyText(texts.cdataBuffer, other.texts_->cdataBuffer);
+  if (other.texts_->cdataBuffer == nullptr)
+    texts.cdataBuffer.reset();
   else
-    cdataBuffer_->set_ = other.cdataBuffer_->set_;
+    texts.cdataBuffer->set_ = other.texts_->cdataBuffer->set_;
   // QUIRK: a text of the target survives when the source has none.
-  copyText(serializedXml_, other.serializedXml_);
-  if (other.serializedXml_ != nullptr && other.serialized_) serialized_ = true;
-  copyText(lastSerializedXml_, other.lastSerializedXml_);
-  copyText(serializedXmlUtf16_, other.serializedXmlUtf16_);
-  copyText(lastError_, other.lastError_);
+  copyText(texts.serializedXml, other.texts_->serializedXml);
+  if (other.texts_->serializedXml != nullptr && other.serialized_) serialized_ = true;
+  copyText(texts.lastSerializedXml, other.texts_->lastSerializedXml);
+  copyText(texts.serializedXmlUtf16, other.texts_->serializedXmlUtf16);
+  copyText(texts.lastError, other.texts_->lastError);
 }
 
 void XNMessageBase::copyFields(const XNMessageBase& other) {

@@ -3,7 +3,6 @@
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/internal/message_access.h>
-#include <zqxml/message/object_views.h>
 #include <zqxml/message/xn_message_base.h>
 
 namespace zqxml {
@@ -18,17 +17,6 @@ eXNMsgRet abandon(XNMessageBase*& out, std::string& error, std::string why) {
 }
 
 }  // namespace
-
-XNMessageBase& typed::append(std::vector<XNMessageBase>& list, int subsystem, int classIndex) {
-  XNMessageBase& added = list.emplace_back();
-  try {
-    MessageAccess::initialize(added, subsystem, classIndex);
-  } catch (...) {
-    list.pop_back();
-    throw;
-  }
-  return added;
-}
 
 XNMessageBase* XNMessageBase::createObject(std::uint32_t tagId, bool) {
   short subsystem = 0;

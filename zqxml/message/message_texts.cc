@@ -5,6 +5,7 @@
 #include <zqxml/catalogue/name_hash.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/internal/field_resolution.h>
+#include <zqxml/message/internal/kept_texts.h>
 #include <zqxml/message/xn_message_base.h>
 #include <zqxml/platform/text.h>
 
@@ -26,8 +27,12 @@ Text& made(std::unique_ptr<Text>& text) {
 
 }  // namespace
 
+XNMessageBase::KeptTexts& XNMessageBase::madeTexts() {
+  return made(texts_);
+}
+
 const char16_t* XNMessageBase::getLastErrorEnglishW() const {
-  return lastError_ == nullptr ? u"" : lastError_->c_str();
+  return texts_ == nullptr || texts_->lastError == nullptr ? u"" : texts_->lastError->c_str();
 }
 std::u16string XNMessageBase::getLastErrorEnglishStrW() const {
   return getLastErrorEnglishW();
@@ -37,14 +42,14 @@ void XNMessageBase::formatLastErrorA(const char* format, std::span<const FormatA
   if (format == nullptr) return;
   std::string text = formatText(std::string_view(format), args);
   if (text.size() > kLastErrorUnits) text.resize(kLastErrorUnits);
-  made(lastError_) = toUtf16(text);
+  made(madeTexts().lastError) = toUtf16(text);
 }
 
 void XNMessageBase::formatLastErrorW(const char16_t* format, std::span<const FormatArg> args) {
   if (format == nullptr) return;
   std::u16string text = toUtf16(formatText(toUtf8(format), args));
   if (text.size() > kLastErrorUnits) text.resize(kLastErrorUnits);
-  made(lastError_) = std::move(text);
+  made(madeTexts().lastError) = std::move(text);
 }
 
 // QUIRK: the text is taken for a format, as callers of this interface expect.
@@ -56,38 +61,40 @@ void XNMessageBase::setLastErrorEnglishStrW(const std::u16string& text) {
 }
 
 const char* XNMessageBase::getSerializedXMLString() const {
-  return serializedXml_ == nullptr ? "" : serializedXml_->c_str();
+  return texts_ == nullptr || texts_->serializedXml == nullptr ? "" : texts_->serializedXml->c_str();
 }
 std::string& XNMessageBase::getSerializedXMLStringRef() {
-  return made(serializedXml_);
+  return made(madeTexts().serializedXml);
 }
 
 void XNMessageBase::setSerializedXMLString(const std::string& text, bool markSerialized) {
-  made(serializedXml_) = text;
+  made(madeTexts().serializedXml) = text;
   if (markSerialized) serialized_ = true;
 }
 void XNMessageBase::setLastSerializedXMLString(const std::string& text) {
-  made(lastSerializedXml_) = text;
+  made(madeTexts().lastSerializedXml) = text;
 }
 
 void XNMessageBase::clearSerializedXMLString() {
-  if (serializedXml_ != nullptr) serializedXml_->clear();
+  if (texts_ != nullptr && texts_->serializedXml != nullptr) texts_->serializedXml->clear();
   serialized_ = false;
 }
 
 void XNMessageBase::setCDATABuffer(const std::string& text) {
-  made(cdataBuffer_) = text;
-  cdataBuffer_->set_ = true;
+  cdata& body = made(madeTexts().cdataBuffer);
+  body = text;
+  body.set_ = true;
 }
 std::string XNMessageBase::getCDATABuffer() const {
-  return cdataBuffer_ == nullptr ? "" : cdataBuffer_->str();
+  return texts_ == nullptr || texts_->cdataBuffer == nullptr ? "" : texts_->cdataBuffer->str();
 }
 bool XNMessageBase::isCDATABufferSet() const {
-  return cdataBuffer_ != nullptr && cdataBuffer_->set_;
+  return texts_ != nullptr && texts_->cdataBuffer != nullptr && texts_->cdataBuffer->set_;
 }
 void XNMessageBase::resetCDATABuffer() {
-  made(cdataBuffer_) = std::string();
-  cdataBuffer_->set_ = false;
+  cdata& body = made(madeTexts().cdataBuffer);
+  body = std::string();
+  body.set_ = false;
 }
 
 bool XNMessageBase::hasProcessingInstructionInfo() const {

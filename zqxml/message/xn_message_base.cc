@@ -2,15 +2,20 @@
 #include <zqxml/catalogue/lookup.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/message/internal/ended_messages.h>
+#include <zqxml/message/internal/kept_texts.h>
 #include <zqxml/message/internal/message_access.h>
+#include <zqxml/message/object_views.h>
 #include <zqxml/message/xn_message_base.h>
 #include <zqxml/platform/exception.h>
 
+#include <bit>
 #include <new>
 
 namespace zqxml {
 
 constinit thread_local std::uint64_t endedMessages = 0;
+
+static_assert(BuiltContent::kSlots == XNMessageBuffer::kMaxInlineSlots);
 
 namespace {
 
@@ -69,11 +74,10 @@ struct InPlaceMover {
 constexpr FieldTypeSet kInPlaceTypes =
     FieldTypeSet::ofStorage(Overloaded{[]<class E>(InPlace<E>) { return true; }, [](auto) { return false; }});
 
-/// How many of the class's slots lie inside the object, so that no string is split between inside and
-/// outside.
+/// How many slots of a class that has more than fit lie inside the object, so that no string is split between
+/// inside and outside.
 short inlineSlotCount(const _ClassDef& classDef) {
   constexpr short kMax = XNMessageBuffer::kMaxInlineSlots;
-  if (classDef.getNumberOfElements() <= kMax) return classDef.getNumberOfElements();
   const FieldDef* last = nullptr;
   for (const FieldDef& field : classDef) {
     if (field.getIndex() == kMax) return kMax;
@@ -90,47 +94,37 @@ short inlineSlotCount(const _ClassDef& classDef) {
 XNMessageBase::XNMessageBase() = default;
 
 XNMessageBase::XNMessageBase(int msgSysIndex, int msgIndex) : XNMessageBase() {
-  initialize(msgSysIndex, msgIndex, false, nullptr, 0);
+  initialize(msgSysIndex, msgIndex);
 }
 
 XNMessageBase::XNMessageBase(int msgSysIndex, int msgIndex, std::int64_t* block, int blockSize)
     : XNMessageBase() {
-  initialize(msgSysIndex, msgIndex, block != nullptr, block, blockSize);
+  if (block == nullptr)
+    initialize(msgSysIndex, msgIndex);
+  else
+    initializeInBlock(msgSysIndex, msgIndex, block, blockSize);
 }
 
 XNMessageBase::XNMessageBase(XNMessageBase&& other) noexcept
     : tagId_(other.tagId_),
-      buffer_(std::move(other.buffer_)),
-      classDef_(other.classDef_),
-      serializedXml_(std::move(other.serializedXml_)),
-      lastSerializedXml_(std::move(other.lastSerializedXml_)),
-      serializedXmlUtf16_(std::move(other.serializedXmlUtf16_)),
-      lastError_(std::move(other.lastError_)),
-      cdataBuffer_(std::move(other.cdataBuffer_)),
       cachedSize_(other.cachedSize_),
+      classDef_(other.classDef_),
+      texts_(std::move(other.texts_)),
       msgSysIndex_(other.msgSysIndex_),
       msgIndex_(other.msgIndex_),
       serialized_(other.serialized_),
-      movedFrom_(other.movedFrom_) {
+      movedFrom_(other.movedFrom_),
+      buffer_(std::move(other.buffer_)) {
   takeInlineStrings(other);
   other.initToNULL();
   other.movedFrom_ = true;
-}
-
-XNMessageBase::~XNMessageBase() {
-  ++endedMessages;
-  destroyFields();
 }
 
 void XNMessageBase::initToNULL() {
   ++endedMessages;
   tagId_ = 0;
   classDef_ = nullptr;
-  serializedXml_.reset();
-  lastSerializedXml_.reset();
-  serializedXmlUtf16_.reset();
-  lastError_.reset();
-  cdataBuffer_.reset();
+  texts_.reset();
   cachedSize_ = 0;
   msgSysIndex_ = 0;
   msgIndex_ = 0;
@@ -138,33 +132,36 @@ void XNMessageBase::initToNULL() {
   movedFrom_ = false;
 }
 
-void XNMessageBase::initialize(int msgSysIndex, int msgIndex, bool useBlock, std::int64_t* block,
-                               int blockSize) {
-  const _ClassDef* record = catalogue::classAt(msgSysIndex, msgIndex);
-  if (record == nullptr) return;
-  initializeBuffer(*record, useBlock ? block : nullptr, blockSize);
-  msgSysIndex_ = msgSysIndex;
-  msgIndex_ = msgIndex;
-  tagId_ = makeTagId(msgSysIndex, record->getClassId());
-  classDef_ = record;
-  for (const FieldDef& field : *record) {
-    if (kAlwaysBuiltTypes.contains(field.getType()))
-      visitStorage(field.getType(), ContentBuilder{*this, field});
-  }
-  if (record->defaultsStart() != -1) setDefaults(-1);
-  if (gSubsystemTable[msgSysIndex].oldWay) {
-    constructSubObjects();
-    setEveryPrimitiveBitset(true);
-  }
+template <class Handler>
+void XNMessageBase::forEachFirstString(BuiltContent content, Handler handle) {
+  if (content.strings() == 0) return;
+  std::int64_t* const slots =
+      &buffer_[0];  // those before BuiltContent::kSlots are together, wherever they are
+  for (std::uint32_t strings = content.strings(); strings != 0; strings &= strings - 1)
+    handle(slots[std::countr_zero(strings)]);
 }
 
-void XNMessageBase::initializeBuffer(const _ClassDef& record, std::int64_t* block, int blockSize) {
+void XNMessageBase::initialize(int msgSysIndex, int msgIndex) {
+  const _ClassDef* record = catalogue::classAt(msgSysIndex, msgIndex);
+  if (record == nullptr) return;
+  initializeBuffer(*record);
+  initializeContent(*record, msgSysIndex, msgIndex);
+}
+
+inline void XNMessageBase::initializeBuffer(const _ClassDef& record) {
   const short slots = record.getNumberOfElements();
   const short fields = record.getNumberOfFields();
-  if (block == nullptr) {
+  if (slots <= XNMessageBuffer::kMaxInlineSlots)
+    buffer_.init(slots, fields);
+  else
     buffer_.init(inlineSlotCount(record), slots, fields);
-    return;
-  }
+}
+
+void XNMessageBase::initializeInBlock(int msgSysIndex, int msgIndex, std::int64_t* block, int blockSize) {
+  const _ClassDef* record = catalogue::classAt(msgSysIndex, msgIndex);
+  if (record == nullptr) return;
+  const short slots = record->getNumberOfElements();
+  const short fields = record->getNumberOfFields();
   // QUIRK: the test does not scale the slots to bytes; generated classes were built against it.
   if (blockSize < slots + fields / 8 + 1) {
     static constexpr const char* kText = "Size of buffer provided is not sufficient";
@@ -174,9 +171,36 @@ void XNMessageBase::initializeBuffer(const _ClassDef& record, std::int64_t* bloc
   const std::size_t needed =
       static_cast<std::size_t>(slots) * sizeof *block + XNMessageBuffer::bitBytes(fields);
   if (static_cast<std::size_t>(blockSize) < needed)
-    buffer_.init(inlineSlotCount(record), slots, fields);
+    initializeBuffer(*record);
   else
     buffer_.init(block, blockSize, slots, fields);
+  initializeContent(*record, msgSysIndex, msgIndex);
+}
+
+inline void XNMessageBase::initializeContent(const _ClassDef& record, int msgSysIndex, int msgIndex) {
+  msgSysIndex_ = msgSysIndex;
+  msgIndex_ = msgIndex;
+  tagId_ = makeTagId(msgSysIndex, record.getClassId());
+  classDef_ = &record;
+  const BuiltContent content = record.builtContent();
+  forEachFirstString(content, [](std::int64_t& slot) { ::new (&slot) std::string(); });
+  if (!content.nothingElseBuilt() || record.defaultsStart() != -1 || gSubsystemTable[msgSysIndex].oldWay)
+    initializeRest();
+}
+
+[[gnu::noinline]] void XNMessageBase::initializeRest() {
+  const BuiltContent content = classDef_->builtContent();
+  if (!content.nothingElseBuilt()) {
+    for (const FieldDef& field : *classDef_) {
+      if (kAlwaysBuiltTypes.contains(field.getType()) && !content.isString(field))
+        visitStorage(field.getType(), ContentBuilder{*this, field});
+    }
+  }
+  setDefaults(-1);
+  if (gSubsystemTable[msgSysIndex_].oldWay) {
+    constructSubObjects();
+    setEveryPrimitiveBitset(true);
+  }
 }
 
 void XNMessageBase::constructSubObjects() {
@@ -206,13 +230,37 @@ void XNMessageBase::takeInlineStrings(XNMessageBase& other) noexcept {
   }
 }
 
-void XNMessageBase::destroyFields() noexcept {
+inline void XNMessageBase::destroyFields() noexcept {
   if (classDef_ == nullptr) return;
+  const BuiltContent content = classDef_->builtContent();
+  forEachFirstString(content,
+                     [](std::int64_t& slot) { std::destroy_at(reinterpret_cast<std::string*>(&slot)); });
+  if (!content.nothingElseOwned()) destroyOtherFields();
+  classDef_ = nullptr;
+}
+
+XNMessageBase::~XNMessageBase() {
+  ++endedMessages;
+  destroyFields();
+}
+
+[[gnu::noinline]] void XNMessageBase::destroyOtherFields() noexcept {
+  const BuiltContent content = classDef_->builtContent();
   for (const FieldDef& field : *classDef_) {
-    if (!kNumberTypes.contains(field.getType()))
+    if (!kNumberTypes.contains(field.getType()) && !content.isString(field))
       visitStorage(field.getType(), ContentDestroyer{*this, field});
   }
-  classDef_ = nullptr;
+}
+
+XNMessageBase& typed::append(std::vector<XNMessageBase>& list, int subsystem, int classIndex) {
+  XNMessageBase& added = list.emplace_back();
+  try {
+    MessageAccess::initialize(added, subsystem, classIndex);
+  } catch (...) {
+    list.pop_back();
+    throw;
+  }
+  return added;
 }
 
 }  // namespace zqxml

@@ -555,10 +555,13 @@ class ZQXML_EXPORT XNMessageBase {
 
  private:
   friend class MessageAccess;
+  struct KeptTexts;
 
   void initToNULL();
-  void initialize(int msgSysIndex, int msgIndex, bool useBlock, std::int64_t* block, int blockSize);
-  void initializeBuffer(const _ClassDef& record, std::int64_t* block, int blockSize);
+  void initialize(int msgSysIndex, int msgIndex);
+  void initializeInBlock(int msgSysIndex, int msgIndex, std::int64_t* block, int blockSize);
+  void initializeBuffer(const _ClassDef& record);
+  void initializeContent(const _ClassDef& record, int msgSysIndex, int msgIndex);
   void constructSubObjects();
   /// reset and wipeBitset, in half the time.
   void resetAndWipe();
@@ -566,11 +569,17 @@ class ZQXML_EXPORT XNMessageBase {
   void wipeBitset();
   void setEveryPrimitiveBitset(bool on);
   void requireSameClass(const XNMessageBase& other) const;
+  KeptTexts& madeTexts();
   void copyTexts(const XNMessageBase& other);
   void copyFields(const XNMessageBase& other);
   void takeFields(XNMessageBase& other);
   void takeInlineStrings(XNMessageBase& other) noexcept;
   void destroyFields() noexcept;
+  void initializeRest();
+  void destroyOtherFields() noexcept;
+  /// The strings of BuiltContent::strings(), each given to `handle` as a reference to where it stands.
+  template <class Handler>
+  void forEachFirstString(BuiltContent content, Handler handle);
   void formatLastErrorA(const char* format, std::span<const FormatArg> args);
   void formatLastErrorW(const char16_t* format, std::span<const FormatArg> args);
   static bool getMessageSchemaString(std::string& text, short msgSysIndex, int msgIndex, bool allFields,
@@ -581,18 +590,14 @@ class ZQXML_EXPORT XNMessageBase {
   void becomeOf(XNMessageBase&& other) noexcept;
 
   std::uint32_t tagId_ = 0;
-  XNMessageBuffer buffer_;
-  const _ClassDef* classDef_ = nullptr;
-  std::unique_ptr<std::string> serializedXml_;
-  std::unique_ptr<std::string> lastSerializedXml_;
-  std::unique_ptr<std::u16string> serializedXmlUtf16_;
-  std::unique_ptr<std::u16string> lastError_;
-  std::unique_ptr<cdata> cdataBuffer_;
   std::uint32_t cachedSize_ = 0;
+  const _ClassDef* classDef_ = nullptr;
+  std::unique_ptr<KeptTexts> texts_;  ///< null while there is none
   std::int32_t msgSysIndex_ = 0;
   std::int32_t msgIndex_ = 0;
   bool serialized_ = false;
   bool movedFrom_ = false;  ///< without a class because it was moved from, not because it never had one
+  XNMessageBuffer buffer_;  // last, for what it says of its own last member
 };
 
 }  // namespace zqxml

@@ -14,17 +14,13 @@ std::size_t slotsFor(std::size_t bytes) {
 
 }  // namespace
 
-XNMessageBuffer::~XNMessageBuffer() {
-  release();
-}
-
 XNMessageBuffer::XNMessageBuffer(XNMessageBuffer&& other) noexcept
     : external_(other.external_),
+      isSet_(other.isSet_),
       inlineCount_(other.inlineCount_),
       slotCount_(other.slotCount_),
       fieldCount_(other.fieldCount_),
-      callerBlock_(other.callerBlock_),
-      isSet_(other.isSet_) {
+      callerBlock_(other.callerBlock_) {
   std::memcpy(inlineArea_, other.inlineArea_, other.inlineBytes());
   if (other.bitsAreInline()) isSet_ = inlineArea_ + (other.isSet_ - other.inlineArea_);
   other.external_ = nullptr;

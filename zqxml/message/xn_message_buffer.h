@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace zqxml {
 
@@ -23,7 +24,9 @@ class ZQXML_EXPORT XNMessageBuffer {
   // NOLINTNEXTLINE(modernize-use-equals-default): a message made with () shall not zero the inline area
   XNMessageBuffer() {}
   /// Frees the external block unless it is the caller's.
-  ~XNMessageBuffer();
+  ~XNMessageBuffer() {
+    if (hasExternalBlock()) delete[] external_;
+  }
   /// Takes over the external block and the bytes of the inline area; `other` is left empty. In-place strings
   /// are the message's business: their bytes must not be used as they come.
   XNMessageBuffer(XNMessageBuffer&& other) noexcept;
@@ -34,6 +37,18 @@ class ZQXML_EXPORT XNMessageBuffer {
   /// last slot, and move to external storage when the inline area has no room for them. REQUIRES: no storage
   /// held yet.
   void init(short inlineCount, short slotCount, short fieldCount);
+  /// The same where all slots lie inside: most messages are such, and a few stores do.
+  void init(short slotCount, short fieldCount) {
+    const std::size_t slotBytes = static_cast<std::size_t>(slotCount) * sizeof(std::int64_t);
+    const std::size_t bytes = slotBytes + bitBytes(fieldCount);
+    if (bytes > kInlineBytes) [[unlikely]]
+      return init(slotCount, slotCount, fieldCount);
+    inlineCount_ = slotCount_ = slotCount;
+    fieldCount_ = fieldCount;
+    callerBlock_ = 0;
+    isSet_ = inlineArea_ + slotBytes;
+    zeroInline(bytes);
+  }
   /// The caller's block holds all slots and, behind them, the set bits; `blockSize` bytes of it are zeroed.
   /// The block stays the caller's and must outlive the message.
   void init(std::int64_t* block, int blockSize, short slotCount, short fieldCount);
@@ -54,6 +69,11 @@ class ZQXML_EXPORT XNMessageBuffer {
   unsigned char* getIsSet() { return isSet_; }
   const unsigned char* getIsSet() const { return isSet_; }
   /// @}
+  /// Sets the bit of a member; not checked.
+  void mark(int memNum) {
+    isSet_[static_cast<unsigned>(memNum) / 8] |=
+        static_cast<unsigned char>(1u << static_cast<unsigned>(memNum) % 8);
+  }
 
   /// Zeroes all slots and the bits of `fieldCount` fields. REQUIRES: no live content in the slots.
   void reset(short fieldCount);
@@ -84,18 +104,26 @@ class ZQXML_EXPORT XNMessageBuffer {
   const std::int64_t* inlineSlots() const { return reinterpret_cast<const std::int64_t*>(inlineArea_); }
   void release();
   bool bitsAreInline() const;
+  /// Zeroes at least `bytes` of the inline area. In steps of fixed length: they need no call.
+  void zeroInline(std::size_t bytes) {
+    constexpr std::size_t kFew = 64, kMore = 144;
+    std::memset(inlineArea_, 0, kFew);
+    if (bytes > kFew) std::memset(inlineArea_ + kFew, 0, kMore - kFew);
+    if (bytes > kMore) std::memset(inlineArea_ + kMore, 0, kInlineBytes - kMore);
+  }
 
   /// Bytes of the inline area that slots and set bits take.
   std::size_t inlineBytes() const;
 
-  // Zeroed by init, as far as a message uses it: most use little, and lists make messages by the thousand.
-  alignas(std::int64_t) unsigned char inlineArea_[kInlineBytes];
   std::int64_t* external_ = nullptr;
+  unsigned char* isSet_ = nullptr;
   short inlineCount_ = 0;
   short slotCount_ = 0;
   short fieldCount_ = 0;
   std::int32_t callerBlock_ = 1;
-  unsigned char* isSet_ = nullptr;
+  // Last, so that what a message uses is together: most use little, and lists make messages by the thousand.
+  // Zeroed by init, as far as it is used.
+  alignas(std::int64_t) unsigned char inlineArea_[kInlineBytes];
 };
 
 }  // namespace zqxml

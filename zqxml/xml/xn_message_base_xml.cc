@@ -1,4 +1,5 @@
 // The members of XNMessageBase that write XML. All of them use default flags and no context.
+#include <zqxml/message/internal/kept_texts.h>
 #include <zqxml/message/xn_message_base.h>
 #include <zqxml/xml/internal/xml_start_up_once.h>
 #include <zqxml/xml/xml_serializer.h>
@@ -32,17 +33,19 @@ std::string XNMessageBase::AsString() {
 }
 
 const char* XNMessageBase::getSerializedXMLString(bool rootOnly) {
-  if (serialized_ && serializedXml_ != nullptr) return serializedXml_->c_str();
+  if (serialized_ && texts_ != nullptr && texts_->serializedXml != nullptr)
+    return texts_->serializedXml->c_str();
   std::string& text = getSerializedXMLStringRef();
   return serialize(text, rootOnly) == XN_MSG_OK ? text.c_str() : "";
 }
 
 const char16_t* XNMessageBase::getSerializedXMLStringUTF16(bool rootOnly) {
   if (!serialized_) {
-    serializedXmlUtf16_ = std::make_unique<std::u16string>();
-    if (serializeUTF16(*serializedXmlUtf16_, rootOnly) != XN_MSG_OK) return u"";
+    std::u16string& text = *(madeTexts().serializedXmlUtf16 = std::make_unique<std::u16string>());
+    if (serializeUTF16(text, rootOnly) != XN_MSG_OK) return u"";
   }
-  return serializedXmlUtf16_ == nullptr ? u"" : serializedXmlUtf16_->c_str();
+  return texts_ == nullptr || texts_->serializedXmlUtf16 == nullptr ? u""
+                                                                    : texts_->serializedXmlUtf16->c_str();
 }
 
 const char16_t* XNMessageBase::getSerializedXMLStringUTF16() {

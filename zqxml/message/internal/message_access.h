@@ -31,7 +31,7 @@ class MessageAccess {
   static XNMessageBase make(int subsystem, int classIndex) { return XNMessageBase(subsystem, classIndex); }
   /// Gives a default-constructed message its class (elements of a list are made in place).
   static void initialize(XNMessageBase& message, int subsystem, int classIndex) {
-    message.initialize(subsystem, classIndex, false, nullptr, 0);
+    message.initialize(subsystem, classIndex);
   }
   static void initialize(XNMessageBase& message, ClassRef ref) {
     initialize(message, ref.subsystem, ref.classIndex);
@@ -49,9 +49,7 @@ class MessageAccess {
   static bool isSet(const XNMessageBase& message, int memNum) {
     return (message.buffer_.isSet_[byteOf(memNum)] & bitOf(memNum)) != 0;
   }
-  static void mark(XNMessageBase& message, int memNum) {
-    message.buffer_.isSet_[byteOf(memNum)] |= bitOf(memNum);
-  }
+  static void mark(XNMessageBase& message, int memNum) { message.buffer_.mark(memNum); }
   static void unmark(XNMessageBase& message, int memNum) {
     message.buffer_.isSet_[byteOf(memNum)] &= static_cast<unsigned char>(~bitOf(memNum));
   }
