@@ -62,6 +62,32 @@ TEST(TypedValuesTest, CopiedTextTakesTheMemoryThatIsThere) {
   EXPECT_EQ(message.getStringField(), kLong.substr(0, 10));
 }
 
+TEST(TypedValuesTest, ShortTextTakesAPartOfItself) {
+  EveryType message;
+  message.setStringField("abcdefghijklmno");
+  message.setStringField(std::string_view(message.getStringField()).substr(1));
+  EXPECT_EQ(message.getStringField(), "bcdefghijklmno");
+  message.setStringField(message.getStringField());
+  EXPECT_EQ(message.getStringField(), "bcdefghijklmno");
+  message.setWstringField(u"abcdefg");
+  message.setWstringField(std::u16string_view(message.getWstringField()).substr(1));
+  EXPECT_EQ(message.getWstringField(), u"bcdefg");
+}
+
+TEST(TypedValuesTest, TextsOfEveryLengthTakeThePlaceOfEachOther) {
+  EveryType message;
+  for (std::size_t before = 0; before < 40; ++before) {
+    for (std::size_t after = 0; after < 40; ++after) {
+      message.setStringField(std::string(before, 'b'));
+      message.setStringField(std::string_view(kLong).substr(0, after));
+      ASSERT_EQ(message.getStringField(), std::string(after, 'x')) << before;
+      message.setWstringField(std::u16string(before, u'b'));
+      message.setWstringField(std::u16string_view(kLongWide).substr(0, after));
+      ASSERT_EQ(message.getWstringField(), std::u16string(after, u'x')) << before;
+    }
+  }
+}
+
 TEST(TypedValuesTest, NullTextIsEmptyAndSet) {
   EveryType message;
   const char* none = nullptr;

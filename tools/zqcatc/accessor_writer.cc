@@ -80,6 +80,7 @@ std::string listWord(FieldDataType type) {
 ///   @X@       the field's name behind get, set, ...
 ///   @mem@     its member number            @place@   member number and slot, as most accessors take them
 ///   @slot@    its slot                     @id@      the tag of the class and the hash of the field
+///   @fdt@     its type in the catalogue
 ///   @type@    C++ type of a value          @word@    what the base's accessors call the type
 ///   @target@  C++ name of the class or enumeration that it refers to, @indices@ its slot and class index
 class AccessorWriter {
@@ -92,6 +93,7 @@ class AccessorWriter {
                {"mem", member},
                {"slot", slot},
                {"place", cat(member, ", ", slot)},
+               {"fdt", cat("::zqxml::", fieldTypeFacts(field.type).name)},
                {"id", cat("kTagId, ", hexNumber(field.hash))}};
     if (field.references.empty()) return;
     const Class& target = *field.references.front().target;
@@ -119,13 +121,13 @@ void unset@X@() {
       values_.push_back({"word", std::string(accessorWord(E{}))});
       emit(R"(
 @word@ get@X@() const { return get@word@(@slot@, @id@); }
-void set@X@(@word@ value) { set@word@(@place@, value, @id@); }
+void set@X@(@word@ value) { put@word@<@fdt@>(@place@, value, @id@); }
 )");
     } else {
       values_.push_back({"type", std::string(cppType(E{}))});
       emit(R"(
 @type@ get@X@() const { return static_cast<@type@>(getint64(@slot@, @id@)); }
-void set@X@(@type@ value) { setint64(@place@, static_cast<std::int64_t>(value), @id@); }
+void set@X@(@type@ value) { putint64<@fdt@>(@place@, static_cast<std::int64_t>(value), @id@); }
 )");
     }
   }
@@ -133,7 +135,7 @@ void set@X@(@type@ value) { setint64(@place@, static_cast<std::int64_t>(value), 
   void operator()(Scalar<element::Bool>) {
     emit(R"(
 bool get@X@() const { return getint64(@slot@, @id@) != 0; }
-void set@X@(bool value) { setint64(@place@, value ? 1 : 0, @id@); }
+void set@X@(bool value) { putint64<@fdt@>(@place@, value ? 1 : 0, @id@); }
 template <class T>
 void set@X@(T*) = delete;  // a pointer would be true
 )");
@@ -143,7 +145,7 @@ void set@X@(T*) = delete;  // a pointer would be true
     // An enumerator is a signed 32-bit number in its slot, whatever type the enumeration has in C++.
     emit(R"(
 @target@ get@X@() const { return static_cast<@target@>(getint64(@slot@, @id@)); }
-void set@X@(@target@ value) { setint64(@place@, static_cast<std::int32_t>(value), @id@); }
+void set@X@(@target@ value) { putint64<@fdt@>(@place@, static_cast<std::int32_t>(value), @id@); }
 )");
   }
 
@@ -155,7 +157,7 @@ void set@X@(@target@ value) { setint64(@place@, static_cast<std::int32_t>(value)
     emit(R"(
 const @type@& get@X@() const { return get@word@ByRef_const(@place@, @id@); }
 @type@& mutable@X@() { return get@word@ByRef(@place@, @id@); }
-void set@X@(const typed::@arg@& value) { assign@word@(@place@, value, @id@); }
+void set@X@(const typed::@arg@& value) { put@word@<@fdt@>(@place@, value, @id@); }
 )");
   }
 

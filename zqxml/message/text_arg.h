@@ -14,12 +14,34 @@
 
 #include <concepts>
 #include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 
 /// What the generated accessors call, and what they take. Programs call the accessors.
 namespace zqxml::typed {
+
+/// target.assign(text). Not inlined: what assignText leaves over.
+template <class Char>
+[[gnu::noinline]] void assignAnyText(std::basic_string<Char>& target, std::basic_string_view<Char> text) {
+  target.assign(text);
+}
+
+/// target.assign(text), in line where both are short enough for the room that a string has in itself.
+template <class Char>
+inline void assignText(std::basic_string<Char>& target, std::basic_string_view<Char> text) {
+  const std::size_t room = std::basic_string<Char>().capacity();  // known when this is compiled
+  // A part of the target itself is left to the library, which copies what overlaps.
+  const bool isPart =
+      reinterpret_cast<std::uintptr_t>(text.data()) - reinterpret_cast<std::uintptr_t>(&target) <
+      sizeof target;
+  if (text.size() > room || target.capacity() > room || isPart) return assignAnyText(target, text);
+  // A string without a block of its own has nothing to free or to keep: one made anew does as well.
+  std::destroy_at(&target);
+  std::construct_at(&target, text);
+}
 
 /// A text to copy, or to move when it came as an rvalue.
 template <class Char>
@@ -54,7 +76,7 @@ class TextArg {
     if (moved_ != nullptr && moved_ != &target)
       target = std::move(*moved_);
     else
-      target.assign(view_);
+      assignText(target, view_);
   }
 
  private:

@@ -15,6 +15,7 @@
 #include <zqxml/platform/format.h>
 
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -544,6 +545,51 @@ class ZQXML_EXPORT XNMessageBase {
   void unsetField(short memNum, std::uint32_t msgTag, std::uint32_t fieldHash);
   /// @}
 
+  // --- Setters in line, for generated classes
+
+  /// @{
+  /// As setint64, setdouble, setfloat, assignstring and assignwstring, but told the type of the field too,
+  /// and without a call where the object has the field as it is told.
+  template <FieldDataType kType>
+  void putint64(short memNum, short index, std::int64_t value, std::uint32_t msgTag,
+                std::uint32_t fieldHash) {
+    if (!hasField<kType>(memNum, index, msgTag)) [[unlikely]]
+      return setint64(memNum, index, value, msgTag, fieldHash);
+    buffer_[index] = value;
+    buffer_.mark(memNum);
+  }
+  template <FieldDataType kType>
+  void putdouble(short memNum, short index, double value, std::uint32_t msgTag, std::uint32_t fieldHash) {
+    if (!hasField<kType>(memNum, index, msgTag)) [[unlikely]]
+      return setdouble(memNum, index, value, msgTag, fieldHash);
+    buffer_[index] = std::bit_cast<std::int64_t>(value);
+    buffer_.mark(memNum);
+  }
+  template <FieldDataType kType>
+  void putfloat(short memNum, short index, float value, std::uint32_t msgTag, std::uint32_t fieldHash) {
+    if (!hasField<kType>(memNum, index, msgTag)) [[unlikely]]
+      return setfloat(memNum, index, value, msgTag, fieldHash);
+    buffer_[index] = std::bit_cast<std::uint32_t>(value);
+    buffer_.mark(memNum);
+  }
+  template <FieldDataType kType>
+  void putstring(short memNum, short index, const typed::StringArg& value, std::uint32_t msgTag,
+                 std::uint32_t fieldHash) {
+    if (!hasField<kType>(memNum, index, msgTag)) [[unlikely]]
+      return assignstring(memNum, index, value, msgTag, fieldHash);
+    value.assignTo(reinterpret_cast<std::string&>(buffer_[index]));
+    buffer_.mark(memNum);
+  }
+  template <FieldDataType kType>
+  void putwstring(short memNum, short index, const typed::WStringArg& value, std::uint32_t msgTag,
+                  std::uint32_t fieldHash) {
+    if (!hasField<kType>(memNum, index, msgTag)) [[unlikely]]
+      return assignwstring(memNum, index, value, msgTag, fieldHash);
+    value.assignTo(reinterpret_cast<std::u16string&>(buffer_[index]));
+    buffer_.mark(memNum);
+  }
+  /// @}
+
   // --- Whole object
 
   /// Back to the freshly built state. QUIRK: in a subsystem that is not old-way the defaults are present but
@@ -556,6 +602,15 @@ class ZQXML_EXPORT XNMessageBase {
  private:
   friend class MessageAccess;
   struct KeptTexts;
+
+  /// Whether the object has the tag, and in its class the slot and the type are those of the member. What the
+  /// library was built with may differ from what its caller was.
+  template <FieldDataType kType>
+  bool hasField(short memNum, short index, std::uint32_t msgTag) const {
+    if (tagId_ != msgTag || classDef_ == nullptr || memNum >= classDef_->getNumberOfFields()) return false;
+    const FieldDef& field = classDef_->getFields()[memNum];
+    return field.getIndex() == index && field.getType() == kType;
+  }
 
   void initToNULL();
   void initialize(int msgSysIndex, int msgIndex);
