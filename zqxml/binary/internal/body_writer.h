@@ -44,14 +44,12 @@ class BodyWriter {
   [[gnu::flatten]] Position body(XNMessageBase& message, Position at) {
     const _ClassDef* classDef = MessageAccess::classDef(message);
     if (classDef == nullptr || classDef->getFields() == nullptr) return at;
-    const int count = classDef->getNumberOfFields();
+    const FieldDef* fields = classDef->getFields();  // of one byte of bits
     const unsigned char* bits = MessageAccess::buffer(message).getIsSet();
-    for (int first = 0; first < count; first += 8) {
-      for (unsigned set = *bits++; set != 0; set &= set - 1) {
-        const int position = first + std::countr_zero(set);
-        if (position >= count) return at;
-        at = record(message, *classDef, classDef->getFields()[position], at);
-      }
+    for (int left = classDef->getNumberOfFields(); left > 0; left -= 8, fields += 8) {
+      unsigned set = *bits++;
+      if (left < 8) set &= (1u << left) - 1;  // no field belongs to the rest
+      for (; set != 0; set &= set - 1) at = record(message, *classDef, fields[std::countr_zero(set)], at);
     }
     return at;
   }
@@ -71,15 +69,17 @@ class BodyWriter {
  private:
   Position record(XNMessageBase& message, const _ClassDef& classDef, const FieldDef& field, Position at) {
     const FieldDataType type = field.getType();
-    if (type == FDT_NONE) return at;  // the self record of a class: no field
     if constexpr (Sink::kTraces) {
-      if (traces_) [[unlikely]]
+      if (traces_ && type != FDT_NONE) [[unlikely]]
         trace(classDef, field, at);
     }
     // QUIRK: an FDT_ULONGLONG counts as a collection, so its value stands behind the marker without a key,
     // and an FDT_LIST_ULONGLONG does not, so its key stands in the marker's place. Readers cannot read either
     // back.
     return visitStorage(type, [&](auto storage) {
+      if constexpr (std::same_as<decltype(storage), Nothing>) {
+        if (type == FDT_NONE) return at;  // the self record of a class: no field
+      }
       return value(message, field, storage, sink_.fixed32(at, wire::firstWordOf<decltype(storage)>(field)));
     });
   }
