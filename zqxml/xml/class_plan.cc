@@ -3,12 +3,11 @@
 #include <zqxml/message/internal/message_access.h>
 #include <zqxml/message/xn_message_base.h>
 #include <zqxml/xml/internal/class_plan.h>
+#include <zqxml/xml/internal/per_class.h>
 #include <zqxml/xml/internal/root_element_name.h>
 #include <zqxml/xml/internal/xml_characters.h>
 
 #include <algorithm>
-#include <array>
-#include <atomic>
 #include <memory>
 #include <string_view>
 
@@ -48,20 +47,7 @@ bool isFoundByName(const XNMessageBase& message, const _ClassDef& classDef, cons
          catalogue::fieldPosition(&classDef, field.getName()) == &field - classDef.getFields();
 }
 
-using PlanSlot = std::atomic<const ClassPlan*>;
-/// One row of plans per subsystem, made when the first of its classes is written. They stay for the process:
-/// the catalogue does, and threads may write to the very end.
-std::array<std::atomic<PlanSlot*>, kSubsystemCount> gPlans{};
-
-/// Puts `made` into the empty slot; when another thread was faster, gives what that put there.
-template <class T>
-T* publish(std::atomic<T*>& slot, T* made, void (*destroy)(T*)) {
-  T* found = nullptr;
-  if (slot.compare_exchange_strong(found, made, std::memory_order_acq_rel, std::memory_order_acquire))
-    return made;
-  destroy(made);
-  return found;
-}
+constinit PerClass<ClassPlan> plans;
 
 }  // namespace
 
@@ -119,20 +105,9 @@ const ClassPlan* ClassPlan::of(const XNMessageBase& message) {
   if (subsystem < 0 || subsystem >= kSubsystemCount || index < 0) return nullptr;
   const SubsystemDef& row = gSubsystemTable[subsystem];
   if (index >= row.recordCount || classDef != row.classDefs + index) return nullptr;
-  const PlanSlot* plans = gPlans[static_cast<std::size_t>(subsystem)].load(std::memory_order_acquire);
-  const ClassPlan* plan = plans == nullptr ? nullptr : plans[index].load(std::memory_order_acquire);
-  return plan != nullptr ? plan : make(message, *classDef);
-}
-
-const ClassPlan* ClassPlan::make(const XNMessageBase& message, const _ClassDef& classDef) {
-  const auto subsystem = static_cast<std::size_t>(message.getSubsysID());
-  PlanSlot* plans = gPlans[subsystem].load(std::memory_order_acquire);
-  if (plans == nullptr) {
-    const auto count = static_cast<std::size_t>(gSubsystemTable[subsystem].recordCount);
-    plans = publish<PlanSlot>(gPlans[subsystem], new PlanSlot[count]{}, [](PlanSlot* row) { delete[] row; });
-  }
-  return publish<const ClassPlan>(plans[message.getMessageIndex()], new ClassPlan(message, classDef),
-                                  [](const ClassPlan* plan) { delete plan; });
+  return plans.of(subsystem, index, [=, &message] {
+    return std::unique_ptr<const ClassPlan>(new ClassPlan(message, *classDef));
+  });
 }
 
 }  // namespace zqxml

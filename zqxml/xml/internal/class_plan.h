@@ -69,7 +69,6 @@ struct ClassPlan {
 
  private:
   ClassPlan(const XNMessageBase& message, const _ClassDef& classDef);
-  static const ClassPlan* make(const XNMessageBase& message, const _ClassDef& classDef);
 
   std::string names_;
   mutable std::atomic<std::size_t> expectedLength_ = 0;

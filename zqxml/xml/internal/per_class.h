@@ -19,19 +19,25 @@ class PerClass {
   /// made. REQUIRES: the catalogue has such a record. Throws what make throws, and std::bad_alloc.
   template <class Make>
   const T* of(int subsystem, int classIndex, Make make) {
+    const Slot* slots = rows_[static_cast<std::size_t>(subsystem)].load(std::memory_order_acquire);
+    const T* const found = slots == nullptr ? nullptr : slots[classIndex].load(std::memory_order_acquire);
+    return found != nullptr ? found : ofNew(subsystem, classIndex, make);
+  }
+
+ private:
+  using Slot = std::atomic<const T*>;
+
+  /// Stays out of the way of what is there.
+  template <class Make>
+  [[gnu::noinline]] const T* ofNew(int subsystem, int classIndex, Make make) {
     std::atomic<Slot*>& row = rows_[static_cast<std::size_t>(subsystem)];
     Slot* slots = row.load(std::memory_order_acquire);
     if (slots == nullptr) {
       const auto count = static_cast<std::size_t>(gSubsystemTable[subsystem].recordCount);
       slots = publish(row, std::make_unique<Slot[]>(count));
     }
-    Slot& slot = slots[classIndex];
-    const T* const found = slot.load(std::memory_order_acquire);
-    return found != nullptr ? found : publish(slot, make());
+    return publish(slots[classIndex], make());
   }
-
- private:
-  using Slot = std::atomic<const T*>;
 
   template <class Owner>
   static auto publish(std::atomic<typename Owner::pointer>& slot, Owner made) {
