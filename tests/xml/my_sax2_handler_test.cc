@@ -3,7 +3,9 @@
 #include <zqxml/catalogue/generated/XmlRead.h>
 #include <zqxml/xml/my_sax2_handler.h>
 
+#include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 #include <xercesc/sax2/Attributes.hpp>
 
@@ -69,6 +71,17 @@ TEST(SaxHandler, LocalNameGoesBeforeTheQualifiedOne) {
   EXPECT_EQ(node.getId(), 3);
   EXPECT_FALSE(node.isNameSet());
   EXPECT_TRUE(log.empty());
+}
+
+TEST(SaxHandler, RootWithoutANameIsRefused) {
+  // On a thread of its own, which has met no name yet.
+  std::thread([] {
+    LogCapture log;
+    MySAX2Handler handler;
+    EXPECT_THROW(handler.startElement(u"", u"", u"", OneAttribute(u"id", u"id", u"3")), std::runtime_error);
+    EXPECT_EQ(handler.getMainObject(), nullptr);
+    EXPECT_TRUE(log.has("MySAX2Handler::startElement", 0, "Unable to construct object out of tag : []"));
+  }).join();
 }
 
 TEST(SaxHandler, MessageWithoutAClassTakesNoAttributes) {

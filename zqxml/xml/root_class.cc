@@ -23,11 +23,11 @@ std::optional<RootClass> find(const std::string& name) {
   return found;
 }
 
-/// An answer, with the name that it was given to.
+/// An answer, with the name that it was given to; none where that is empty, which no class is called.
 class RootAnswer {
  public:
   bool isOf(std::string_view name) const {
-    return name.size() == length_ && equalBytes(name.data(), name_, length_);
+    return length_ != 0 && name.size() == length_ && equalBytes(name.data(), name_, length_);
   }
   RootClass root() const { return root_; }
   void keep(std::string_view name, RootClass root) {
