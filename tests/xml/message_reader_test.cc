@@ -289,6 +289,16 @@ TEST(MessageReader, ElementsOfAListAreNeverCopied) {
   EXPECT_EQ(node.getItems()[0].getChild(), child);
 }
 
+TEST(MessageReader, FieldWithoutAHashIsNotFoundAtItsPlace) {
+  XmlRead::Every every;
+  constexpr std::u16string_view kName = u"acftono";
+  static_assert(nameHash(kName) == 0);
+  const auto position = static_cast<std::uint8_t>(XmlRead::Every::FieldNumber::kNameless);
+  Events(&every).open(u"root", {AttributeView{kName, u"5", position}});
+  EXPECT_EQ(every.getNameless(), 0);
+  EXPECT_FALSE(every.isNamelessSet());
+}
+
 TEST(MessageReader, TooManyOpenObjectsThrow) {
   Node node;
   Events events(&node, 3);

@@ -34,9 +34,10 @@ std::unique_ptr<XNMessageBase> makeRoot(std::string_view name, std::uint32_t has
   }
 }
 
-/// The field at the position, when it has that hash: no two of a class have one.
+/// The field at the position, when it has that hash: no two of a class have one, but for the 0 of fields that
+/// no name leads to.
 const FieldDef* fieldAt(const _ClassDef& classDef, unsigned position, std::uint32_t hash) {
-  if (static_cast<int>(position) >= classDef.getNumberOfFields()) return nullptr;
+  if (hash == 0 || static_cast<int>(position) >= classDef.getNumberOfFields()) return nullptr;
   const FieldDef& field = classDef.getFields()[position];
   return field.getFieldHashId() == hash && field.getType() != FDT_NONE ? &field : nullptr;
 }
