@@ -1,11 +1,9 @@
 // The state machine of the reader, driven without a parser: who owns what when events stop or do not fit.
 #include <gmock/gmock.h>
 #include <zqxml/catalogue/generated/XmlRead.h>
-#include <zqxml/catalogue/lookup.h>
 #include <zqxml/message/internal/message_access.h>
 #include <zqxml/xml/internal/message_reader.h>
 
-#include <algorithm>
 #include <initializer_list>
 #include <memory>
 #include <stdexcept>
@@ -289,16 +287,6 @@ TEST(MessageReader, ElementsOfAListAreNeverCopied) {
   EXPECT_EQ(node.getItems()[0].getChild(), child);
 }
 
-TEST(MessageReader, FieldWithoutAHashIsNotFoundAtItsPlace) {
-  XmlRead::Every every;
-  constexpr std::u16string_view kName = u"acftono";
-  static_assert(nameHash(kName) == 0);
-  const auto position = static_cast<std::uint8_t>(XmlRead::Every::FieldNumber::kNameless);
-  Events(&every).open(u"root", {AttributeView{kName, u"5", position}});
-  EXPECT_EQ(every.getNameless(), 0);
-  EXPECT_FALSE(every.isNamelessSet());
-}
-
 TEST(MessageReader, TooManyOpenObjectsThrow) {
   Node node;
   Events events(&node, 3);
@@ -374,36 +362,14 @@ TEST(MessageReader, ManyShortRunsDoNotMakeAListGrowByLittle) {
 
 // --- Finding fields
 
-TEST(FieldFinder, GivesTheFirstFieldOfAHashForEveryClassOfTheCatalogue) {
-  FieldFinder finder;
-  std::size_t fields = 0;
-  for (int round = 0; round < 2; ++round) {
-    for (int subsystem = 0; subsystem < kSubsystemCount; ++subsystem) {
-      for (int index = 0; index < gSubsystemTable[subsystem].recordCount; ++index) {
-        const _ClassDef& record = *catalogue::classAt(subsystem, index);
-        for (const FieldDef& field : record) {
-          const std::uint32_t hash = field.getFieldHashId();
-          const FieldDef* first = std::find_if(record.begin(), record.end(), [hash](const FieldDef& other) {
-            return hash != 0 && other.getFieldHashId() == hash && other.getType() != FDT_NONE;
-          });
-          ASSERT_EQ(finder.find(&record, hash), first == record.end() ? nullptr : first);
-          ASSERT_EQ(finder.find(&record, hash ^ 0x1000000), nullptr);
-          ++fields;
-        }
-      }
-    }
-  }
-  EXPECT_GT(fields, 500u);
-}
-
-TEST(FieldFinder, FindsNothingWithoutAClass) {
-  EXPECT_EQ(FieldFinder().find(nullptr, 5), nullptr);
-}
-
-TEST(FieldFinder, WideNamesHashLikeTheirUtf8) {
-  for (const std::string_view name :
-       {"", "a", "processinginstructioninfo", "n\xc3\xa4me", "\xe6\x97\xa5x", "\xf0\x9f\x98\x80"})
-    EXPECT_EQ(nameHash(toUtf16(name)), nameHash(name)) << name;
+TEST(MessageReader, FieldWithoutAHashIsNotFoundAtItsPlace) {
+  XmlRead::Every every;
+  constexpr std::u16string_view kName = u"acftono";
+  static_assert(nameHash(kName) == 0);
+  const auto position = static_cast<std::uint8_t>(XmlRead::Every::FieldNumber::kNameless);
+  Events(&every).open(u"root", {AttributeView{kName, u"5", position}});
+  EXPECT_EQ(every.getNameless(), 0);
+  EXPECT_FALSE(every.isNamelessSet());
 }
 
 }  // namespace
