@@ -223,7 +223,7 @@ const std::vector<TextSource>& textSources() {
       {"zqxml/xml/xml_serializer_read_file.cc", "error.GetText()", "zqxml/xml/xml_serializer_read_file.cc",
        R"re(logError\(kRead, "(%s)", error\.GetText\(\)\))re"},
       {"zqxml/xml/internal/message_reader.cc", "text", "zqxml/xml/internal/message_reader.cc",
-       R"re(text = "([^"]+)" \+ tag \+ "([^"]+)")re"},
+       R"re(text = "([^"]+)";\s*text\.append\(narrow\)\.append\("([^"]+)"\))re"},
       {"zqxml/message/copy_compare.cc", "text", "zqxml/message/copy_compare.cc",
        R"re(text = "([^"]+)" \+ other\.getTagName\(\) \+\s*"([^"]+)" \+ getTagName\(\) \+ "([^"]+)")re"},
   };

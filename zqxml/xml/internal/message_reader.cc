@@ -108,8 +108,8 @@ void BasicMessageReader<Char>::openRoot(Name name, const Attributes& attributes)
   const auto narrow = asUtf8(name.text);
   std::unique_ptr<XNMessageBase> made = makeRoot(narrow, name.hash);
   if (made == nullptr) {
-    const std::string tag(narrow);
-    const std::string text = "Unable to construct object out of tag : [" + tag + "]";
+    std::string text = "Unable to construct object out of tag : [";
+    text.append(narrow).append("]");
     logError(kStart, "%s", text);
     throw std::runtime_error(text);
   }
