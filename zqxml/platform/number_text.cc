@@ -1,4 +1,5 @@
 #include <locale.h>
+#include <zqxml/platform/internal/load_word.h>
 #include <zqxml/platform/number_text.h>
 
 #include <algorithm>
@@ -7,7 +8,6 @@
 #include <charconv>
 #include <cstddef>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <string>
 #include <system_error>
@@ -56,13 +56,6 @@ Decimal scanDecimal(View text) {
   return number;
 }
 
-template <class Word>
-std::uint64_t loadWord(const char* bytes) {
-  Word word;
-  std::memcpy(&word, bytes, sizeof word);
-  return word;
-}
-
 /// What eight characters stand for, each in a byte, the first in the lowest; above 9 for what is no digit.
 constexpr std::uint64_t digitsOf(std::uint64_t characters) {
   return characters ^ 0x3030'3030'3030'3030;
@@ -87,16 +80,16 @@ bool readDigits(std::string_view text, std::uint64_t& number) {
   if constexpr (std::endian::native == std::endian::little) {
     if (size >= 8) {
       if (size > 16) return false;
-      const std::uint64_t first = digitsOf(loadWord<std::uint64_t>(at));
-      const std::uint64_t last = digitsOf(loadWord<std::uint64_t>(at + size - 8));
+      const std::uint64_t first = digitsOf(internal::loadWord<std::uint64_t>(at));
+      const std::uint64_t last = digitsOf(internal::loadWord<std::uint64_t>(at + size - 8));
       // Zeros take the place of what is in both.
       const std::uint64_t high = size == 8 ? 0 : numberOf(first << 8 * (16 - size));
       number = high * 100'000'000 + numberOf(last);
       return areDigits(first) && areDigits(last);
     }
     if (size >= 4) {
-      const std::uint64_t first = loadWord<std::uint32_t>(at);
-      const std::uint64_t last = loadWord<std::uint32_t>(at + size - 4);
+      const std::uint64_t first = internal::loadWord<std::uint32_t>(at);
+      const std::uint64_t last = internal::loadWord<std::uint32_t>(at + size - 4);
       const std::uint64_t digits = digitsOf(first | last << 8 * (size - 4)) << 8 * (8 - size);
       number = numberOf(digits);
       return areDigits(digits);

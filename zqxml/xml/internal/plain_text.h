@@ -1,6 +1,8 @@
 // Which texts an XML writer may copy as they stand. Not installed.
 #pragma once
 
+#include <zqxml/platform/internal/load_word.h>
+
 #include <algorithm>
 #include <bit>
 #include <cstddef>
@@ -16,13 +18,6 @@
 namespace zqxml {
 
 namespace internal {
-template <class Word>
-Word loadWord(const char* bytes) {
-  Word word;
-  std::memcpy(&word, bytes, sizeof word);
-  return word;
-}
-
 /// Sixteen bytes side by side, and the same as two words.
 using Bytes16 __attribute__((vector_size(16))) = signed char;
 using Words2 __attribute__((vector_size(16))) = std::uint64_t;

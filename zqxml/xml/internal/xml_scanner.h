@@ -3,8 +3,8 @@
 // It works in two steps. The first reads the whole text and notes where its parts are; it is true only when
 // the text is well-formed and made of nothing but elements, attributes, text, CDATA sections, comments, the
 // five entities and character references, behind a declaration or none. The second gives the parts as events,
-// and cannot fail. So whoever gives up has touched nothing, and what the XML library says of a text that is
-// not plain is said by itself.
+// and fails for lack of memory alone. So whoever gives up has touched nothing, and what the XML library says
+// of a text that is not plain is said by itself.
 //
 // What is plain is less than what is well-formed: names are up to 255 characters of ASCII without colons, and
 // none begins with "xml";
