@@ -294,6 +294,9 @@ constexpr FieldTypeSet FieldTypeSet::ofStorage(Handler handler) {
 /// Types whose slot is a number and owns nothing.
 inline constexpr FieldTypeSet kNumberTypes =
     FieldTypeSet::ofStorage(Overloaded{[]<class E>(Scalar<E>) { return true; }, [](auto) { return false; }});
+/// Types whose slot may own something.
+inline constexpr FieldTypeSet kOwningTypes = FieldTypeSet::ofStorage(Overloaded{
+    [](Nothing) { return false; }, []<class E>(Scalar<E>) { return false; }, [](auto) { return true; }});
 /// Types whose content exists for the whole life of a message.
 inline constexpr FieldTypeSet kAlwaysBuiltTypes =
     FieldTypeSet::ofStorage(Overloaded{[]<class E>(InPlace<E>) { return true; },

@@ -133,8 +133,6 @@ class BuiltContent {
   static constexpr std::uint32_t kStrings = kNothingElseBuilt - 1;
   static constexpr FieldTypeSet kStringTypes = FieldTypeSet::ofStorage(
       Overloaded{[](InPlace<element::Str>) { return true; }, [](auto) { return false; }});
-  static constexpr FieldTypeSet kOwningTypes = FieldTypeSet::ofStorage(Overloaded{
-      [](Nothing) { return false; }, []<class E>(Scalar<E>) { return false; }, [](auto) { return true; }});
 
   static constexpr bool isInFirstSlots(const FieldDef& field) {
     return kStringTypes.contains(field.getType()) &&

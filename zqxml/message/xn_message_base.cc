@@ -247,7 +247,7 @@ XNMessageBase::~XNMessageBase() {
 [[gnu::noinline]] void XNMessageBase::destroyOtherFields() noexcept {
   const BuiltContent content = classDef_->builtContent();
   for (const FieldDef& field : *classDef_) {
-    if (!kNumberTypes.contains(field.getType()) && !content.isString(field))
+    if (kOwningTypes.contains(field.getType()) && !content.isString(field))
       visitStorage(field.getType(), ContentDestroyer{*this, field});
   }
 }

@@ -553,40 +553,34 @@ class ZQXML_EXPORT XNMessageBase {
   template <FieldDataType kType>
   void putint64(short memNum, short index, std::int64_t value, std::uint32_t msgTag,
                 std::uint32_t fieldHash) {
-    if (!hasField<kType>(memNum, index, msgTag)) [[unlikely]]
-      return setint64(memNum, index, value, msgTag, fieldHash);
-    buffer_[index] = value;
-    buffer_.mark(memNum);
+    if (!put<kType>(memNum, index, msgTag, [value](std::int64_t& slot) { slot = value; })) [[unlikely]]
+      setint64(memNum, index, value, msgTag, fieldHash);
   }
   template <FieldDataType kType>
   void putdouble(short memNum, short index, double value, std::uint32_t msgTag, std::uint32_t fieldHash) {
-    if (!hasField<kType>(memNum, index, msgTag)) [[unlikely]]
-      return setdouble(memNum, index, value, msgTag, fieldHash);
-    buffer_[index] = std::bit_cast<std::int64_t>(value);
-    buffer_.mark(memNum);
+    const auto store = [value](std::int64_t& slot) { slot = std::bit_cast<std::int64_t>(value); };
+    if (!put<kType>(memNum, index, msgTag, store)) [[unlikely]]
+      setdouble(memNum, index, value, msgTag, fieldHash);
   }
   template <FieldDataType kType>
   void putfloat(short memNum, short index, float value, std::uint32_t msgTag, std::uint32_t fieldHash) {
-    if (!hasField<kType>(memNum, index, msgTag)) [[unlikely]]
-      return setfloat(memNum, index, value, msgTag, fieldHash);
-    buffer_[index] = std::bit_cast<std::uint32_t>(value);
-    buffer_.mark(memNum);
+    const auto store = [value](std::int64_t& slot) { slot = std::bit_cast<std::uint32_t>(value); };
+    if (!put<kType>(memNum, index, msgTag, store)) [[unlikely]]
+      setfloat(memNum, index, value, msgTag, fieldHash);
   }
   template <FieldDataType kType>
   void putstring(short memNum, short index, const typed::StringArg& value, std::uint32_t msgTag,
                  std::uint32_t fieldHash) {
-    if (!hasField<kType>(memNum, index, msgTag)) [[unlikely]]
-      return assignstring(memNum, index, value, msgTag, fieldHash);
-    value.assignTo(reinterpret_cast<std::string&>(buffer_[index]));
-    buffer_.mark(memNum);
+    const auto store = [&](std::int64_t& slot) { value.assignTo(reinterpret_cast<std::string&>(slot)); };
+    if (!put<kType>(memNum, index, msgTag, store)) [[unlikely]]
+      assignstring(memNum, index, value, msgTag, fieldHash);
   }
   template <FieldDataType kType>
   void putwstring(short memNum, short index, const typed::WStringArg& value, std::uint32_t msgTag,
                   std::uint32_t fieldHash) {
-    if (!hasField<kType>(memNum, index, msgTag)) [[unlikely]]
-      return assignwstring(memNum, index, value, msgTag, fieldHash);
-    value.assignTo(reinterpret_cast<std::u16string&>(buffer_[index]));
-    buffer_.mark(memNum);
+    const auto store = [&](std::int64_t& slot) { value.assignTo(reinterpret_cast<std::u16string&>(slot)); };
+    if (!put<kType>(memNum, index, msgTag, store)) [[unlikely]]
+      assignwstring(memNum, index, value, msgTag, fieldHash);
   }
   /// @}
 
@@ -603,13 +597,17 @@ class ZQXML_EXPORT XNMessageBase {
   friend class MessageAccess;
   struct KeptTexts;
 
-  /// Whether the object has the tag, and in its class the slot and the type are those of the member. What the
-  /// library was built with may differ from what its caller was.
-  template <FieldDataType kType>
-  bool hasField(short memNum, short index, std::uint32_t msgTag) const {
+  /// Lets `store` fill the member's slot and marks the bit, if the object has the tag, and in its class the
+  /// slot and the type are those of the member: what the library was built with may differ from what its
+  /// caller was. False, and nothing is done, if not.
+  template <FieldDataType kType, class Store>
+  bool put(short memNum, short index, std::uint32_t msgTag, Store store) {
     if (tagId_ != msgTag || classDef_ == nullptr || memNum >= classDef_->getNumberOfFields()) return false;
     const FieldDef& field = classDef_->getFields()[memNum];
-    return field.getIndex() == index && field.getType() == kType;
+    if (field.getIndex() != index || field.getType() != kType) return false;
+    store(buffer_[index]);
+    buffer_.mark(memNum);
+    return true;
   }
 
   void initToNULL();
