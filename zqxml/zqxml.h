@@ -57,6 +57,7 @@
 #include <zqxml/platform/number_text.h>
 #include <zqxml/platform/platform_info.h>
 #include <zqxml/platform/secure_string.h>
+#include <zqxml/platform/striped_counter.h>
 #include <zqxml/platform/text.h>
 #include <zqxml/platform/thread_pool.h>
 #include <zqxml/platform/zq_password.h>

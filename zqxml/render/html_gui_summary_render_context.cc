@@ -3,7 +3,7 @@
 
 namespace zqxml {
 
-std::atomic<int> HTMLGuiSummaryRenderContext::CountOptions{0};
+constinit StripedCounter HTMLGuiSummaryRenderContext::CountOptions;
 
 void HTMLGuiSummaryRenderContext::DumpToString(std::string& text) const {
   text = output;
@@ -18,7 +18,7 @@ void HTMLGuiSummaryRenderContext::addToOutPut(const std::string& name, const std
 
 void HTMLGuiSummaryRenderContext::startHeader(std::string) {
   output += "<p> Summary";
-  CountOptions.fetch_add(1, std::memory_order_relaxed);
+  ++CountOptions;
 }
 void HTMLGuiSummaryRenderContext::endHeader(std::string) {
   output += "</p></div>";

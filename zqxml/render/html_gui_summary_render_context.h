@@ -1,9 +1,9 @@
 #pragma once
 
 #include <zqxml/platform/export.h>
+#include <zqxml/platform/striped_counter.h>
 #include <zqxml/render/html_value_context.h>
 
-#include <atomic>
 #include <string>
 
 namespace zqxml {
@@ -21,7 +21,7 @@ class ZQXML_EXPORT HTMLGuiSummaryRenderContext : public HTMLValueContext {
   using HTMLValueContext::writeAttribute;
 
   /// How many summaries the contexts of the process have begun.
-  static std::atomic<int> CountOptions;
+  static StripedCounter CountOptions;
 
   void DumpToString(std::string& text) const override;
   /// One line. QUIRK: an empty value is written too.
