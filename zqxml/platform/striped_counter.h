@@ -21,8 +21,9 @@ namespace zqxml {
 /// operations may be called by several threads at once.
 class ZQXML_EXPORT StripedCounter {
  public:
+  /// How many threads have one each.
   static constexpr std::size_t kCells = 8;
-  /// Bytes.
+  /// Bytes that go from core to core together.
   static constexpr std::size_t kCacheLine = 64;
 
   /// 0.
