@@ -48,6 +48,13 @@ struct ContentDestroyer {
   void operator()(InPlace<E>) const {
     std::destroy_at(&MessageAccess::inPlace<typename E::Value>(message, field));
   }
+  /// From the last one: the first ones are still in the cache when the next message takes their place.
+  void operator()(List<element::Obj>) const {
+    auto* objects = MessageAccess::owned<std::vector<XNMessageBase>>(message, field);
+    if (objects == nullptr) return;
+    while (!objects->empty()) objects->pop_back();
+    delete objects;
+  }
   template <class Storage>
   void operator()(Storage) const {
     delete MessageAccess::owned<typename Storage::Value>(message, field);
@@ -110,8 +117,8 @@ XNMessageBase::XNMessageBase(XNMessageBase&& other) noexcept
       cachedSize_(other.cachedSize_),
       classDef_(other.classDef_),
       texts_(std::move(other.texts_)),
-      msgSysIndex_(other.msgSysIndex_),
       msgIndex_(other.msgIndex_),
+      msgSysIndex_(other.msgSysIndex_),
       serialized_(other.serialized_),
       movedFrom_(other.movedFrom_),
       buffer_(std::move(other.buffer_)) {
@@ -126,8 +133,8 @@ void XNMessageBase::initToNULL() {
   classDef_ = nullptr;
   texts_.reset();
   cachedSize_ = 0;
-  msgSysIndex_ = 0;
   msgIndex_ = 0;
+  msgSysIndex_ = 0;
   serialized_ = false;
   movedFrom_ = false;
 }
@@ -178,8 +185,8 @@ void XNMessageBase::initializeInBlock(int msgSysIndex, int msgIndex, std::int64_
 }
 
 inline void XNMessageBase::initializeContent(const _ClassDef& record, int msgSysIndex, int msgIndex) {
-  msgSysIndex_ = msgSysIndex;
   msgIndex_ = msgIndex;
+  msgSysIndex_ = static_cast<std::int16_t>(msgSysIndex);
   tagId_ = makeTagId(msgSysIndex, record.getClassId());
   classDef_ = &record;
   const BuiltContent content = record.builtContent();

@@ -646,8 +646,8 @@ class ZQXML_EXPORT XNMessageBase {
   std::uint32_t cachedSize_ = 0;
   const _ClassDef* classDef_ = nullptr;
   std::unique_ptr<KeptTexts> texts_;  ///< null while there is none
-  std::int32_t msgSysIndex_ = 0;
   std::int32_t msgIndex_ = 0;
+  std::int16_t msgSysIndex_ = 0;
   bool serialized_ = false;
   bool movedFrom_ = false;  ///< without a class because it was moved from, not because it never had one
   XNMessageBuffer buffer_;  // last, for what it says of its own last member

@@ -25,7 +25,7 @@ class ZQXML_EXPORT XNMessageBuffer {
   XNMessageBuffer() {}
   /// Frees the external block unless it is the caller's.
   ~XNMessageBuffer() {
-    if (hasExternalBlock()) delete[] external_;
+    if (hasExternalBlock()) delete[] block();
   }
   /// Takes over the external block and the bytes of the inline area; `other` is left empty. In-place strings
   /// are the message's business: their bytes must not be used as they come.
@@ -45,7 +45,7 @@ class ZQXML_EXPORT XNMessageBuffer {
       return init(slotCount, slotCount, fieldCount);
     inlineCount_ = slotCount_ = slotCount;
     fieldCount_ = fieldCount;
-    callerBlock_ = 0;
+    place_ = Place::kInside;
     isSet_ = inlineArea_ + slotBytes;
     zeroInline(bytes);
   }
@@ -56,11 +56,11 @@ class ZQXML_EXPORT XNMessageBuffer {
   /// @{
   /// Slot `index`, from 0; not checked.
   std::int64_t& operator[](short index) {
-    return index >= inlineCount_ ? external_[index - inlineCount_] : inlineSlots()[index];
+    return index >= inlineCount_ ? behindSlots()[index - slotCount_] : inlineSlots()[index];
   }
   std::int64_t operator[](short index) const { return at_ref_const(index); }
   const std::int64_t& at_ref_const(short index) const {
-    return index >= inlineCount_ ? external_[index - inlineCount_] : inlineSlots()[index];
+    return index >= inlineCount_ ? behindSlots()[index - slotCount_] : inlineSlots()[index];
   }
   /// @}
 
@@ -85,9 +85,9 @@ class ZQXML_EXPORT XNMessageBuffer {
   short fieldCount() const { return fieldCount_; }
   /// @}
   /// Whether the caller gave the block. QUIRK: true without storage too.
-  bool usesCallerBlock() const { return callerBlock_ != 0; }
+  bool usesCallerBlock() const { return place_ == Place::kCallersBlock; }
   /// Whether a block of its own lies outside the object.
-  bool hasExternalBlock() const { return external_ != nullptr && callerBlock_ == 0; }
+  bool hasExternalBlock() const { return place_ == Place::kOwnBlock; }
   /// Bytes that the set bits of a class take.
   static constexpr std::size_t bitBytes(short fieldCount) {
     return static_cast<std::size_t>(fieldCount) / 8 + 1;
@@ -96,14 +96,26 @@ class ZQXML_EXPORT XNMessageBuffer {
  private:
   friend class MessageAccess;
   friend class XNMessageBase;
+
+  /// Where the set bits lie, and the slots before them that are not inline.
+  enum class Place : unsigned char { kInside, kOwnBlock, kCallersBlock };
+
   // A store is never copied with its contents: these give equal storage, zeroed, or share the caller's block.
   XNMessageBuffer(const XNMessageBuffer& other) { *this = other; }
   XNMessageBuffer& operator=(const XNMessageBuffer& other);
 
   std::int64_t* inlineSlots() { return reinterpret_cast<std::int64_t*>(inlineArea_); }
   const std::int64_t* inlineSlots() const { return reinterpret_cast<const std::int64_t*>(inlineArea_); }
+  /// The end of the slots, where the set bits begin: slots outside the object are counted back from there,
+  /// which takes no second pointer.
+  std::int64_t* behindSlots() { return reinterpret_cast<std::int64_t*>(isSet_); }
+  const std::int64_t* behindSlots() const { return reinterpret_cast<const std::int64_t*>(isSet_); }
+  std::size_t externalSlots() const {
+    return slotCount_ > inlineCount_ ? static_cast<std::size_t>(slotCount_ - inlineCount_) : 0;
+  }
+  /// The first slot outside the object. REQUIRES: a block.
+  std::int64_t* block() { return behindSlots() - externalSlots(); }
   void release();
-  bool bitsAreInline() const;
   /// Zeroes at least `bytes` of the inline area. In steps of fixed length: they need no call.
   void zeroInline(std::size_t bytes) {
     constexpr std::size_t kFew = 64, kMore = 144;
@@ -115,12 +127,11 @@ class ZQXML_EXPORT XNMessageBuffer {
   /// Bytes of the inline area that slots and set bits take.
   std::size_t inlineBytes() const;
 
-  std::int64_t* external_ = nullptr;
   unsigned char* isSet_ = nullptr;
   short inlineCount_ = 0;
   short slotCount_ = 0;
   short fieldCount_ = 0;
-  std::int32_t callerBlock_ = 1;
+  Place place_ = Place::kCallersBlock;
   // Last, so that what a message uses is together: most use little, and lists make messages by the thousand.
   // Zeroed by init, as far as it is used.
   alignas(std::int64_t) unsigned char inlineArea_[kInlineBytes];
