@@ -50,8 +50,8 @@ void XNMessageBuffer::init(short inlineCount, short slotCount, short fieldCount)
     return;
   }
   std::memset(inlineArea_, 0, slotBytes);
-  isSet_ = reinterpret_cast<unsigned char*>(new std::int64_t[outside + slotsFor(bitBytes(fieldCount))]() +
-                                            outside);
+  std::int64_t* const slots = new std::int64_t[outside + slotsFor(bitBytes(fieldCount))]();
+  isSet_ = reinterpret_cast<unsigned char*>(slots + outside);
   place_ = Place::kOwnBlock;
 }
 
