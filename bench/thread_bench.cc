@@ -5,10 +5,10 @@
 // take turns, and so do the roads. Times are those of the wall: a thread that waits for a lock uses no
 // processor.
 //
-// Each round has its stacks at other pages. A processor may take a read for one of what was just written, and
-// wait, when both are at the same place of two pages whose physical addresses look alike to it. What a thread
-// writes on its stack while it reads a message takes up to a quarter longer on some pages therefore, alone or
-// beside another thread; one that stayed on such pages would count as disturbed.
+// A sample is taken at many pages of the stack. A processor may take a read for one of what was just written,
+// and wait, when both are at the same place of two pages whose physical addresses look alike to it. What a
+// thread writes on its stack while it reads a message takes up to a quarter longer on some pages therefore,
+// alone or beside another thread; one that stayed on such pages would count as disturbed.
 #include <bench/report.h>
 #include <bench/roads.h>
 #include <bench/subject.h>
@@ -33,7 +33,7 @@ namespace {
 
 constexpr double kReach = 1.9;
 constexpr std::size_t kThreads = 2;
-constexpr std::size_t kStackPlaces = 64;
+constexpr std::size_t kStackPlaces = 32;
 constexpr std::size_t kPage = 4096;
 using Work = std::function<void()>;
 
@@ -52,26 +52,31 @@ struct Cost {
   }
 };
 
-/// When a thread began its work, and when it ended it.
-struct Span {
-  Cost begin, end;
-
-  /// Of so many calls.
-  static Span of(const Work& work, std::size_t calls) {
-    Span span{Cost::now(), {}};
-    for (std::size_t i = 0; i < calls; ++i) work();
-    span.end = Cost::now();
-    return span;
-  }
-  double processor() const { return end.processor - begin.processor; }
-};
-
 /// Calls it with the stack so many pages further down.
 [[gnu::noinline]] void callBelow(std::size_t pages, const Work& work) {
   auto* const passed = static_cast<volatile char*>(__builtin_alloca(pages * kPage + 1));
   *passed = 0;  // so that it is there
   work();
 }
+
+/// When a thread began its work, and when it ended it.
+struct Span {
+  Cost begin, end;
+
+  /// Of so many calls, spread over the places of the stack.
+  static Span of(const Work& work, std::size_t calls) {
+    Span span{Cost::now(), {}};
+    std::size_t done = 0;
+    for (std::size_t place = 1; place <= kStackPlaces; ++place) {
+      callBelow(place, [&] {
+        for (; done < calls * place / kStackPlaces; ++done) work();
+      });
+    }
+    span.end = Cost::now();
+    return span;
+  }
+  double processor() const { return end.processor - begin.processor; }
+};
 
 /// Keeps this thread, the one of that number, on a processor of its own, of those that the program may use:
 /// the system could leave all threads on one. They are far apart, where fewer of them share a core.
@@ -168,9 +173,6 @@ class Contest {
     return road_ == nullptr ? nullptr : std::make_unique<WithRoad>(*road_);
   }
 
-  /// Where the stacks are in this round.
-  std::size_t stackPlace() const { return two_.wall.size() % kStackPlaces; }
-
   /// Of a message: by the wall, from the first thread's beginning to the last one's end, so that threads gain
   /// nothing by taking turns; and by each one's processor.
   Cost costOf(Crew& crew, std::size_t threads) {
@@ -181,7 +183,7 @@ class Contest {
       tasks[i] = [this, i, threads, &spans, &awake] {
         // Waking up is no part of the work.
         for (++awake; awake < threads;) std::this_thread::yield();
-        callBelow(stackPlace(), [&] { spans[i] = Span::of(works_[i], calls_); });
+        spans[i] = Span::of(works_[i], calls_);
       };
     }
     crew.run(std::move(tasks));
