@@ -23,21 +23,20 @@ constexpr double kReach = 2.1;
 
 /// More than the measurements have at any time. Untouched, it takes no memory.
 constexpr std::size_t kHeap = std::size_t{2} << 30;
-constexpr std::uintptr_t kHugePage = std::uintptr_t{2} << 20;
+constexpr std::size_t kHugePage = std::size_t{2} << 20;
 
 /// Gives the heap all it will need at once, to keep, and asks for huge pages there. False where the system
 /// has none.
 bool keepHeapInHugePages() {
   mallopt(M_MMAP_MAX, 0);
   mallopt(M_TRIM_THRESHOLD, -1);
-  const auto begin = reinterpret_cast<std::uintptr_t>(sbrk(0));
+  char* const begin = static_cast<char*>(sbrk(0));
   void* const all = std::malloc(kHeap);
   require(all != nullptr, "the heap does not grow");
   std::free(all);
-  const std::uintptr_t first = (begin + kHugePage - 1) / kHugePage * kHugePage;
-  const auto size = (reinterpret_cast<std::uintptr_t>(sbrk(0)) - first) / kHugePage * kHugePage;
-  return madvise(reinterpret_cast<void*>(first), size, MADV_HUGEPAGE) ==
-         0;  // NOLINT(performance-no-int-to-ptr)
+  char* const first = begin + (kHugePage - reinterpret_cast<std::uintptr_t>(begin) % kHugePage) % kHugePage;
+  const auto size = static_cast<std::size_t>(static_cast<char*>(sbrk(0)) - first);
+  return madvise(first, size / kHugePage * kHugePage, MADV_HUGEPAGE) == 0;
 }
 
 struct Pair {
