@@ -246,6 +246,15 @@ TEST(PushEventArgument, TextsAreNotLogged) {
   EXPECT_TRUE(capture.empty());
 }
 
+TEST(PushEventArgument, TextMayBeThatOfAnArgumentOfTheEvent) {
+  EventMessage message;
+  pushEventArgumentXML(message, "again");
+  for (std::size_t i = 0; i < 4; ++i)
+    pushEventArgumentXML(message, std::as_const(message).getArguments()[i].getData());
+  EXPECT_THAT(shown(std::as_const(message).getArguments()),
+              ElementsAre("1 3 again", "2 3 again", "3 3 again", "4 3 again", "5 3 again"));
+}
+
 TEST(PushEventArgument, OtherTypesAreRefused) {
   LogCapture capture(10);
   EventMessage message;

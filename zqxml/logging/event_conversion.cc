@@ -52,15 +52,16 @@ std::string dataOf(const ArgumentInfo::Node& node) {
   return node.text;
 }
 
-void fill(EventArgument& argument, std::size_t position, EventArgumentType type, const std::string& data) {
+void fill(EventArgument& argument, std::size_t position, EventArgumentType type, std::string data) {
   argument.setPosition(static_cast<std::int32_t>(position));
   argument.setType(type);
-  argument.setData(data);
+  argument.setData(std::move(data));
 }
 
-void append(EventMessage& msg, EventArgumentType type, const std::string& data) {
+/// The text by value: it may be that of an argument of this very event, which moves when the list grows.
+void append(EventMessage& msg, EventArgumentType type, std::string data) {
   const std::size_t position = msg.mutableArgumentsVector().size() + 1;
-  fill(msg.addToArguments(), position, type, data);
+  fill(msg.addToArguments(), position, type, std::move(data));
 }
 
 /// Reads one argument into the container. False, and a line, when its type is not known.
