@@ -129,6 +129,20 @@ TEST(EventToMessage, ArgumentsGoIntoAListOfTheCallersToo) {
   EXPECT_EQ(list.size(), 2u);
 }
 
+TEST(EventToMessage, ListOfTheCallersGrowsInStepsHoweverManyEventsItTakes) {
+  EvMessageContainer event;
+  event << 1;
+  std::vector<EventArgument> list;
+  int growths = 0;
+  for (int i = 0; i < 1000; ++i) {
+    const std::size_t before = list.capacity();
+    setEvMessageArgumentsToXML(&event.getArguments(), list);
+    growths += list.capacity() != before ? 1 : 0;
+  }
+  EXPECT_EQ(list.size(), 1000u);
+  EXPECT_LT(growths, 20);
+}
+
 // --- Message to container
 
 TEST(MessageToEvent, ContainerIsEmptiedFirst) {

@@ -120,7 +120,6 @@ void setEvMessageContainerToXML(const EvMessageContainer& in, EventMessage& out)
 
 void setEvMessageArgumentsToXML(const ArgumentInfo* first, std::vector<EventArgument>& out) {
   if (first == nullptr) return;
-  out.reserve(out.size() + static_cast<std::size_t>(first->NoOfArgs()));
   for (auto* node = first->first(); node != nullptr; node = node->next.get()) {
     const std::size_t position = out.size() + 1;
     fill(out.emplace_back(), position, typeOf(node->kind), dataOf(*node));
