@@ -62,6 +62,15 @@ TEST(HTMLRenderContext, DateWithoutLocalTimeIsPassedOver) {
   EXPECT_EQ(outlineOf(message), "Dated:" + item("timeInt", "1") + "</div>");
 }
 
+TEST(HTMLRenderContext, LastYearsWithALocalTimeAreWrittenWhole) {
+  const ScopedTimeZone zone("UTC0");
+  OpenMessage message = newMessage("Demo_Dated");
+  setInteger(message, "dateTime64", 67768036191676799);
+  setInteger(message, "dayTime64", 67767976233532800);
+  EXPECT_EQ(outlineOf(message), "Dated:" + item("dateTime64", "2147485547-12-31 23:59:59") +
+                                    item("dayTime64", "2147483648-01-01") + "</div>");
+}
+
 TEST(HTMLRenderContext, DateOnATextIsNoDate) {
   OpenMessage message = newMessage("Demo_Forced");
   setText(message, "dateText", "next week");

@@ -4,6 +4,7 @@
 #include <zqxml/xml/internal/date_forms.h>
 
 #include <algorithm>
+#include <cinttypes>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
@@ -224,11 +225,15 @@ bool formatDate(std::int64_t seconds, unsigned dateType, const DateForms& forms,
     } else {
       print(forms.seconds, static_cast<int>(seconds));
     }
-  } else if (dateType == kDateTypeDate) {
-    print("%04d-%02d-%02d", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
+    return true;
+  }
+  // The last years that the system knows do not fit in an int.
+  const std::int64_t year = std::int64_t{local.tm_year} + 1900;
+  if (dateType == kDateTypeDate) {
+    print("%04" PRId64 "-%02d-%02d", year, local.tm_mon + 1, local.tm_mday);
   } else {
-    print("%04d-%02d-%02d %02d:%02d:%02d", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
-          local.tm_hour, local.tm_min, local.tm_sec);
+    print("%04" PRId64 "-%02d-%02d %02d:%02d:%02d", year, local.tm_mon + 1, local.tm_mday, local.tm_hour,
+          local.tm_min, local.tm_sec);
   }
   return true;
 }
