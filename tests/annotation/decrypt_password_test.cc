@@ -64,6 +64,12 @@ TEST_F(PasswordCodec, TextThatIsNoBase64IsRefused) {
   EXPECT_TRUE(calls().empty());
 }
 
+TEST_F(PasswordCodec, TypeOfARefusedTextIsKnownAllTheSame) {
+  XMLDecoder decoder;
+  EXPECT_EQ(decryptPassword(decoder, u"\5abc"), "refused");
+  EXPECT_EQ(decoder.getEncryptionTypeUsed(), 5);
+}
+
 TEST_F(PasswordCodec, ContextOfPassThroughTakesTheStoredForm) {
   registerDecryption<2, 5>();
   LogCapture capture(10);
