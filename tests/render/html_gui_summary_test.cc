@@ -37,6 +37,16 @@ TEST(HTMLGuiSummary, SectionBreaksTheLineOnlyBehindItems) {
             "<p> Summary<B>first </B><p><B>second </B><p>&nbsp;name&nbsp;:&nbsp;x</p></div>");
 }
 
+TEST(HTMLGuiSummary, ItemsBreakTheLineOfTheNextSectionAlone) {
+  Render::Bare message;
+  HTMLGuiSummaryRenderContext context(optionsFor(kNoTexts));
+  MsgFieldContext item = eventOf(message, "item");
+  context.addToOutPut("a", "1");
+  context.startSubHeader(item);
+  context.startSubHeader(item);
+  EXPECT_EQ(textOf(context), line("a", "1") + "<br><B>item </B><p><B>item </B><p>");
+}
+
 TEST(HTMLGuiSummary, ItemBehindASectionBeginsWithoutABreak) {
   Render::JobOption message;
   HTMLGuiSummaryRenderContext context(optionsFor(kNoTexts));

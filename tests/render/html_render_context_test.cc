@@ -43,6 +43,14 @@ TEST(HTMLRenderContext, EmptySectionIsForgottenAsTheLabelBefore) {
             "Nothings:" + label("first") + label("second") + item("name", "x", 1) + "</div>");
 }
 
+TEST(HTMLRenderContext, SectionOfNothingButEmptySectionsIsForgottenToo) {
+  // Did an empty `part` count, the label of the third element would be taken for one that stands already.
+  Render::Owners message;
+  for (int i = 0; i < 3; ++i) message.addToOwners().mutablePart();
+  const std::string element = label("owners") + label("part", 1);
+  EXPECT_EQ(outlineOf(message), "Owners:" + element + element + element + "</div>");
+}
+
 TEST(HTMLRenderContext, ObjectsOfOneListWithSubObjectsOfTheirOwnPrintTheirHeaderOnce) {
   Render::Owners message;
   message.addToOwners().mutablePart().setName("a");
@@ -206,13 +214,14 @@ TEST(HTMLRenderContext, EmptyValueWritesNothing) {
 }
 
 TEST(HTMLRenderContext, FieldIsWrittenWhenItIsSetInTheMessageAndInTheEvent) {
-  Render::Item message = namedItem("x");
+  Render::Values message;
+  message.setLast(1);
   HTMLRenderContext context(optionsFor(kNoTexts));
-  MsgFieldContext unsetInEvent = eventOf(message, "name");
+  MsgFieldContext unsetInEvent = eventOf(message, "last");
   unsetInEvent.setValueState(false);
   context.writeAttribute(unsetInEvent);
-  message.unsetName();
-  MsgFieldContext unsetInMessage = eventOf(message, "name");
+  setBit(message, "last", false);
+  MsgFieldContext unsetInMessage = eventOf(message, "last");
   unsetInMessage.setValueState(true);
   context.writeAttribute(unsetInMessage);
   std::string text;

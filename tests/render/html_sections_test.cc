@@ -64,6 +64,34 @@ TEST(HTMLRenderContext, ReferencesOfAListStandOnALineBelowTheirLabel) {
                                     "</div>");
 }
 
+TEST(HTMLRenderContext, ReferenceWhoseLabelStandsAlreadyGoesOnInTheLine) {
+  Render::References message;
+  for (int i = 1; i <= 3; ++i) message.addToClients().setClientId(i);
+  const auto element = [](const std::string& id) { return "&nbsp;&nbsp;&nbsp;clientId&nbsp;:&nbsp;" + id; };
+  const std::string head = label("clients") + "<br>" + indentation(1);
+  EXPECT_EQ(outlineOf(message),
+            "References:" + head + element("1") + head + element("2") + element("3") + "</div>");
+}
+
+TEST(HTMLRenderContext, EndOfALevelWithItemsEndsTheLineOfAReference) {
+  Render::JobOption message;
+  Render::References references;
+  references.mutableClient();
+  HTMLRenderContext context(optionsFor(kNoTexts));
+  MsgFieldContext section = eventOf(message, "client");
+  MsgFieldContext reference = eventOf(references, "client");
+  context.startSubHeader(section);
+  context.addToOutPut("a", "1");
+  context.endSubHeader(section);
+  context.startSubHeader(reference);
+  context.endSubHeader(reference);  // it got no items, and the line goes on
+  context.endSubHeader(section);    // as of an element that opened no level
+  context.addToOutPut("b", "2");
+  std::string text;
+  context.DumpToString(text);
+  EXPECT_TRUE(text.ends_with(item("b", "2"))) << text;
+}
+
 // --- The arithmetic of indentation
 
 TEST(HTMLRenderContext, EndsWithoutAStartAreHarmless) {
