@@ -123,6 +123,18 @@ TEST_P(ChangingHandlers, ObjectThatTheHandlerPutInAFieldYieldsToTheBuiltOne) {
   EXPECT_EQ(root.getMiddle()->getNumber(), 5);
 }
 
+TEST_P(ChangingHandlers, BuiltObjectThatTheHandlerTookIsNotKept) {
+  Walk::Outer root;
+  std::vector<OpenMessage> store;
+  RecordingHandler taking(GetParam(), at("number", [&store](MsgFieldContext& context) {
+                            context.replaceValue(5);
+                            store.push_back(std::move(open(*context.getMsgObj())));
+                          }));
+  XmlTraverse().traverse(root, taking, true, true);
+  EXPECT_EQ(store.size(), 2u) << "one of the object field, one of the list";
+  EXPECT_EQ(dump(root), "Walk_Outer {\n}\n");
+}
+
 TEST_P(ChangingHandlers, RootMayBeEmptied) {
   handler.visitAction = at("value", [this](MsgFieldContext&) { open(outer).reset(); });
   walk();

@@ -188,6 +188,23 @@ TEST(XmlTraverse, ProcessingInstructionsAreEnteredInOrderModeOnly) {
   EXPECT_THAT(eventsOf(bare, RecordingHandler(true), true), Contains("start info"));
 }
 
+TEST(XmlTraverse, ProcessingInstructionsInAListAreEnteredInBothModes) {
+  Walk::Outer outer;
+  outer.addToMiddles();
+  collectionOf<std::vector<XNMessageBase>>(outer, "middles")
+      .push_back(ZqEntities::ProcessingInstructionInfo());
+  for (const bool inOrder : {false, true}) {
+    RecordingHandler handler(inOrder);
+    std::vector<std::string> walked;
+    handler.visitAction = [&walked](MsgFieldContext& context) {
+      const std::string name = context.getMsgObj()->getTagName();
+      if (walked.empty() || walked.back() != name) walked.push_back(name);
+    };
+    XmlTraverse().traverse(outer, handler);
+    EXPECT_THAT(walked, Contains("ZqEntities_ProcessingInstructionInfo")) << inOrder;
+  }
+}
+
 TEST(XmlTraverse, KeepsValuesReplacedInElementsFromCountingForTheObjectAround) {
   // The handler adds an element behind the walker's back and replaces a value in it alone.
   Walk::Outer outer;
