@@ -11,11 +11,11 @@ namespace {
 
 std::atomic<bool> watching{false};
 std::atomic<int> found{0};
+std::string_view wanted;
 
 void look(void* block) {
-  constexpr std::string_view kMarker = zqxml::FreedSecrets::kMarker;
   if (block != nullptr && watching &&
-      memmem(block, malloc_usable_size(block), kMarker.data(), kMarker.size()) != nullptr) {
+      memmem(block, malloc_usable_size(block), wanted.data(), wanted.size()) != nullptr) {
     ++found;
   }
 }
@@ -37,7 +37,8 @@ void operator delete(void* block, std::size_t) noexcept {
 
 namespace zqxml {
 
-FreedSecrets::FreedSecrets() {
+FreedSecrets::FreedSecrets(std::string_view secret) {
+  wanted = secret;
   found = 0;
   watching = true;
 }

@@ -81,6 +81,20 @@ TEST(SecureString, LeavesNothingInFreedMemory) {
   EXPECT_EQ(freed.count(), 0);
 }
 
+TEST(SecureString, LeavesNoLengthInFreedMemory) {
+  const std::string plain(31519, 'x');
+  const std::size_t size = plain.size();
+  const FreedSecrets freed(std::string_view(reinterpret_cast<const char*>(&size), sizeof size));
+  {
+    secure_string text(plain);
+    text.assign("short");
+    text.assign(plain);
+    text = secure_string(plain);
+    const secure_string moved(std::move(text));
+  }
+  EXPECT_EQ(freed.count(), 0);
+}
+
 TEST(SecureString, FreedSecretsAreSeenByTheTest) {
   const FreedSecrets freed;
   std::make_unique<std::string>(FreedSecrets::kMarker).reset();

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,8 +15,8 @@ namespace zqxml {
 ZQXML_EXPORT void cleanse(void* data, std::size_t size) noexcept;
 
 /// A text that leaves no trace in memory: its block, the whole capacity, is overwritten before it is freed,
-/// also when the text grows, is replaced or is moved from. Throws nothing but std::bad_alloc; the text is
-/// then as it was. Threads: as a std::string.
+/// and so is what knew its length, also when the text grows, is replaced or is moved from. Throws nothing but
+/// std::bad_alloc; the text is then as it was. Threads: as a std::string.
 template <typename CharT>
 class secure_basic_string {
  public:
@@ -32,21 +33,15 @@ class secure_basic_string {
   explicit secure_basic_string(const CharT* text)
       : secure_basic_string(text == nullptr ? View() : View(text)) {}
   secure_basic_string(const secure_basic_string& other) { assign(other.view()); }
-  secure_basic_string(secure_basic_string&& other) noexcept : text_(std::exchange(other.text_, nullptr)) {}
+  secure_basic_string(secure_basic_string&& other) noexcept = default;
   secure_basic_string& operator=(const secure_basic_string& other) {
     if (this != &other) assign(other.view());
     return *this;
   }
-  secure_basic_string& operator=(secure_basic_string&& other) noexcept {
-    if (this != &other) {
-      reset();
-      text_ = std::exchange(other.text_, nullptr);
-    }
-    return *this;
-  }
+  secure_basic_string& operator=(secure_basic_string&& other) noexcept = default;
   /// @}
   /// Overwrites the text.
-  ~secure_basic_string() { reset(); }
+  ~secure_basic_string() = default;
 
   /// @{
   /// The text, valid until it changes; a pointer to it ends in a NUL, and is never null.
@@ -69,32 +64,25 @@ class secure_basic_string {
 
   /// Replaces the text. `text` may be a part of it.
   void assign(View text) {
-    auto fresh = std::make_unique<String>(text);
-    reset();
+    Owner fresh(new String(text));
     text_ = std::move(fresh);
   }
   /// Puts the units at the end. `text` may be a part of it.
   void append(View text) {
-    auto fresh = std::make_unique<String>();
+    Owner fresh(new String);
     fresh->reserve(size() + text.size());
     fresh->append(view()).append(text);
-    reset();
     text_ = std::move(fresh);
   }
   /// Cuts the text, or fills it up with NUL units.
   void resize(std::size_t size) {
-    auto fresh = std::make_unique<String>(size, CharT());
+    Owner fresh(new String(size, CharT()));
     const View old = view().substr(0, size);
     String::traits_type::copy(fresh->data(), old.data(), old.size());
-    reset();
     text_ = std::move(fresh);
   }
   /// Overwrites and releases the text.
-  void reset() noexcept {
-    if (!text_) return;
-    cleanse(text_->data(), (text_->capacity() + 1) * sizeof(CharT));
-    text_.reset();
-  }
+  void reset() noexcept { text_.reset(); }
 
   /// Unit by unit; takes longer the more of them agree.
   friend bool operator==(const secure_basic_string& a, const secure_basic_string& b) {
@@ -102,7 +90,18 @@ class secure_basic_string {
   }
 
  private:
-  std::unique_ptr<String> text_;
+  /// Ends a text: first its block, then the text itself, which tells where that was and how long.
+  struct Wiper {
+    void operator()(String* text) const noexcept {
+      cleanse(text->data(), (text->capacity() + 1) * sizeof(CharT));
+      std::destroy_at(text);
+      cleanse(text, sizeof *text);
+      ::operator delete(text);
+    }
+  };
+  using Owner = std::unique_ptr<String, Wiper>;
+
+  Owner text_;
 };
 
 /// A secure text in UTF-8.
