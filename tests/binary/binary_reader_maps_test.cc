@@ -12,6 +12,7 @@
 
 #include <map>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -287,6 +288,16 @@ TEST_F(BinaryReaderPasswordTest, TypeZeroTakesTheTextAsItStands) {
             "\x05"
             "Ynl0ZXM=");
   EXPECT_EQ(message_.getBarePassword().getEncryptionType(), 1);
+}
+
+TEST_F(BinaryReaderPasswordTest, ExceptionOfARoutinePassesThrough) {
+  XMLDecoder::registerPasswordDecAlgo(
+      typeOf(9), [](bstring, ZqXMLContextInfo*) -> bstring { throw std::runtime_error("no cipher"); });
+  const std::string form = formOf(9, "bytes");
+  EXPECT_THROW(read("base64Password", form), std::runtime_error);
+  ExactBuffer buffer(withHeader(message_.getTagID(), Wire().key("base64Password", 2).text(form), 2));
+  EXPECT_THROW(BinarySerializer::unserialize(buffer, nullptr, false), std::runtime_error)
+      << "and leaks nothing";
 }
 
 TEST_F(BinaryReaderPasswordTest, MarkedTextKeepsItsStoredFormWithoutAContext) {

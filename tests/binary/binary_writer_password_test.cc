@@ -11,6 +11,7 @@
 #include <zqxml/xml/xml_encoder.h>
 #include <zqxml/xml/zq_xml_context_info.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -118,6 +119,16 @@ TEST_F(BinaryWriterPasswordTest, ExternalMemoryTakesAnEncryptedPassword) {
   const std::string expected = serialized(message_);
   EXPECT_EQ(block.substr(0, expected.size()), expected);
   EXPECT_EQ(block.substr(expected.size()), std::string(64 - expected.size(), '\xee'));
+}
+
+TEST_F(BinaryWriterPasswordTest, ExceptionOfARoutinePassesThrough) {
+  XMLDecoder::registerPasswordEncAlgo(
+      typeOf(5), [](bstring, ZqXMLContextInfo*) -> bstring { throw std::runtime_error("no cipher"); });
+  message_.setVer3Password("secret", typeOf(1));
+  BinaryBuffer buffer;
+  EXPECT_THROW(BinarySerializer::serialize(message_, buffer), std::runtime_error);
+  registerEncryption<5>();
+  EXPECT_NE(BinarySerializer::serialize(message_, buffer), 0u);
 }
 
 TEST_F(BinaryWriterPasswordTest, ParametersWithFlagsChooseTheType) {

@@ -26,8 +26,9 @@ struct EncodingFlags;
 /// form that their field's annotation asks for; at 1 and below both travel as they stand.
 ///
 /// Failure: serialize gives 0, unserialize -1 or null, each with a level 0 line under the operation's name.
-/// Nothing throws. Threads: no state; different objects may be handled at once. Writing stores cached sizes
-/// in the object and its sub-objects, so one object is written by one thread at a time.
+/// Nothing throws by itself; what a password routine throws passes through, and a buffer that was being
+/// written then holds nothing of use. Threads: no state; different objects may be handled at once. Writing
+/// stores cached sizes in the object and its sub-objects, so one object is written by one thread at a time.
 class ZQXML_EXPORT BinarySerializer {
  public:
   /// What password fields need from the caller of serialize. Both are borrowed and may be null.

@@ -24,7 +24,9 @@ namespace zqxml {
 class BinaryBuffer;
 
 /// Routine of the password registry: the text in, the transformed text out; the context tells the type
-/// (getPasswordEncType) and the call's parameters.
+/// (getPasswordEncType) and the call's parameters. It may read and write messages of its own. What it throws
+/// ends the call: reading XML gives XN_MSG_XML_LIBRARY_ERROR and writing it XN_MSG_FAILED, each with a line;
+/// through the binary codec, and the password operations of XMLDecoder, it passes to the caller.
 using PasswordRoutine = bstring (*)(bstring text, ZqXMLContextInfo* context);
 
 /// Reads messages: XML, the binary form, annotations, passwords. One decoder belongs to one thread at a time
