@@ -181,6 +181,42 @@ TEST_F(XmlListeners, ExceptionFailsTheCallAndLeaksNothing) {
               ElementsAre(CapturedLine{"XMLSerializer::serializeUTF16", 0, "Error creating XML root node."}));
 }
 
+/// Empties the whole object that it is shown a field of.
+bool emptyAll(ListenerCbData& data) {
+  MessageAccess::resetAndWipe(*data.msg);
+  return true;
+}
+
+TEST_F(XmlListeners, MayEmptyTheObjectThatTheyAreShown) {
+  const ScopedListener listener(Guarded::kTagId, &emptyAll);
+  Guarded text;
+  text.setOpen("gone");
+  text.setSecretText("gone too");
+  EXPECT_EQ(xmlOf(text), R"(<Demo_Guarded open=""/>)");
+  Guarded object;
+  object.mutableChild().setOpen("gone");
+  LogCapture log;
+  EXPECT_EQ(xmlOf(object), "<Demo_Guarded/>");
+  EXPECT_THAT(log.lines(), ElementsAre(CapturedLine{kWalk, 0, "Please check"}));
+}
+
+/// Writes the message that it is shown a field of once more, without itself.
+bool writeAgain(ListenerCbData& data) {
+  XMLSerializationSupport().removeListener(Guarded::kTagId, &writeAgain);
+  asked().emplace_back(xmlOf(*data.msg), data.flags);
+  return true;
+}
+
+TEST_F(XmlListeners, MayWriteTheMessageThemselves) {
+  const ScopedListener listener(Guarded::kTagId, &writeAgain);
+  Guarded msg;
+  msg.setOpen("a");
+  msg.mutableChild().setOpen("b");
+  const std::string text = R"(<Demo_Guarded open="a"><child open="b"/></Demo_Guarded>)";
+  EXPECT_EQ(xmlOf(msg), text);
+  EXPECT_THAT(asked(), ElementsAre(std::pair(text, 0u)));
+}
+
 TEST_F(XmlListeners, FieldsThatAreWrittenAreTracedAtLevel15) {
   Guarded msg;
   msg.setOpen("a");

@@ -22,8 +22,10 @@ struct ListenerCbData {
 /// Stored in ListenerCbData::flags it leaves the field out; any other value lets it be written.
 inline constexpr std::uint32_t XMLCB_SKIP_PROCESSING = 1;
 
-/// A listener. Its result is ignored; the verdict goes into ListenerCbData::flags. What it throws ends the
-/// call that writes (XN_MSG_FAILED).
+/// A listener. Its result is ignored; the verdict goes into ListenerCbData::flags. It may change the fields
+/// of `msg`, the one that is shown among them, write messages of its own, and add and remove listeners. The
+/// objects around `msg` it has to leave alone, and it may neither end nor move one that is being written.
+/// What it throws ends the call that writes (XN_MSG_FAILED).
 using ListenerFunction = bool (*)(ListenerCbData&);
 
 /// Registers listeners, which see each field that is written to XML. Face of the one process-wide registry:
