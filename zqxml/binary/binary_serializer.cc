@@ -2,10 +2,12 @@
 #include <zqxml/binary/internal/body_reader.h>
 #include <zqxml/binary/internal/body_writer.h>
 #include <zqxml/message/internal/nesting_limit.h>
+#include <zqxml/xml/internal/held_text.h>
 
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <string>
 
 namespace zqxml {
 
@@ -104,6 +106,12 @@ bool hasContent(const BinaryBuffer& buffer) {
   return buffer.isSet() && buffer.Status();
 }
 
+/// A copy of the buffer's content where that may lie in the object which it is read into; else empty.
+std::string copyOfHeld(const XNMessageBase& object, const BinaryBuffer& buffer) {
+  if (!buffer.HasExternalBuffer() || !mayHoldText(object, buffer.getDataSize())) return {};
+  return {buffer.getBuffer(), buffer.getDataSize()};
+}
+
 }  // namespace
 
 bool BinarySerializer::getVersionAndTagIDFromBuffer(BinaryStream& stream, int& version, int& tagId,
@@ -146,6 +154,8 @@ int BinarySerializer::unserialize(XNMessageBase& object, BinaryBuffer& buffer, Z
              object.getTagID(), tagId);
     return -1;
   }
+  std::string copy = copyOfHeld(object, buffer);
+  if (!copy.empty()) stream = BinaryStream(copy.data(), copy.size(), stream.position());
   if (!keepExisting) MessageAccess::resetAndWipe(object);
   if (!unserializeBinaryRecur(object, stream, buffer.getDataSize(), version, context, keepExisting)) {
     logError("BinarySerializer::unserialize", "Error unserializing from buffer on object [%s]",

@@ -54,7 +54,8 @@ class ZQXML_EXPORT BinarySerializer {
 
   /// Fills `object` from the content of `buffer`: 0, or -1 on failure. The tag id in the buffer must be the
   /// object's. Earlier values are gone, fields that the buffer does not hold included, unless `keepExisting`.
-  /// What was stored before a failure stays. `context` (may be null) serves the decryption of passwords.
+  /// What was stored before a failure stays. `context` (may be null) serves the decryption of passwords. The
+  /// content may be part of `object`: it is read as it was before the call.
   ///
   /// Bounds: every read is checked against the content's end; a count that the bytes left cannot hold is
   /// refused; objects nest at most 1,000 deep (number "nMaxNesting" of section "EventManager", 0 for no
