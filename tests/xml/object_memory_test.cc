@@ -1,15 +1,18 @@
-// What becomes of a text when there is no memory for its object. In a program of its own: it replaces
-// `operator new`.
+// What becomes of a text, or of a message, when there is no memory for an object. In a program of its own: it
+// replaces `operator new`.
 #include <gmock/gmock.h>
 #include <tests/xml/failing_allocation.h>
 #include <zqxml/catalogue/generated/XmlRead.h>
+#include <zqxml/catalogue/generated/ZQGui.h>
 #include <zqxml/xml/xml_decoder.h>
 #include <zqxml/xml/xml_serializer.h>
 
 #include <memory>
+#include <new>
 #include <string>
 
 #include "tests/support/log_capture.h"
+#include "tests/support/open_message.h"
 #include "tests/support/reading.h"
 
 namespace zqxml {
@@ -56,6 +59,16 @@ TEST_F(ObjectMemory, ObjectByNameThatFindsNoneIsLogged) {
                                                     "Request to Create Object.Class Name:[Node]"},
                                        CapturedLine{"XMLDecoder::CreateObjByName", 0,
                                                     "Error instantiating object with subsystem id : [198]"}));
+}
+
+TEST_F(ObjectMemory, ProcessingInstructionThatFindsNoneLeavesTheUnsetOneInItsPlace) {
+  ZQGui::SaveAlert alert;
+  const XNMessageBase* const before = alert.getProcessinginstructioninfo(true);
+  setBit(alert, "processinginstructioninfo", false);
+  failNextAllocation(sizeof(XNMessageBase));
+  EXPECT_THROW(alert.getProcessinginstructioninfo(true), std::bad_alloc);
+  EXPECT_EQ(ownedBy<XNMessageBase>(alert, "processinginstructioninfo"), before);
+  EXPECT_FALSE(hasBit(alert, "processinginstructioninfo"));
 }
 
 }  // namespace

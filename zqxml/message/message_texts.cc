@@ -9,6 +9,8 @@
 #include <zqxml/message/xn_message_base.h>
 #include <zqxml/platform/text.h>
 
+#include <utility>
+
 namespace zqxml {
 namespace {
 
@@ -112,8 +114,8 @@ XNMessageBase*& XNMessageBase::getProcessinginstructioninfo(bool create) {
   if (!set && !create) return emptiedFallback<XNMessageBase*>();
   XNMessageBase*& slot = MessageAccess::owned<XNMessageBase>(*this, classDef_->getFields()[0]);
   if (!set) {
-    delete slot;
-    slot = new XNMessageBase(Info::kSubsystem, Info::kClassIndex);
+    XNMessageBase* const made = new XNMessageBase(Info::kSubsystem, Info::kClassIndex);
+    delete std::exchange(slot, made);
     MessageAccess::mark(*this, 0);
   }
   return slot;
