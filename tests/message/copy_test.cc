@@ -179,6 +179,17 @@ TEST(MessageCopy, HasItsTexts) {
   EXPECT_TRUE(copy.isCDATABufferSet());
 }
 
+TEST(MessageCopy, IsMarkedSerializedOnlyWithTheTextThatTheMarkIsAbout) {
+  OpenMessage original = newMessage("Demo_EveryChild");
+  original.setCDATABuffer("body");
+  original.setSerialized(true);
+  const OpenMessage copy(original);
+  EXPECT_FALSE(copy.isSerialized());
+  OpenMessage target = newMessage("Demo_EveryChild");
+  target = original;
+  EXPECT_FALSE(target.isSerialized());
+}
+
 TEST(MessageCopy, HasTheCdataWithItsFlagDown) {
   OpenMessage original = newMessage("Demo_EveryChild");
   original.setCDATABuffer("body");

@@ -31,13 +31,18 @@ OpenMessage everyType() {
 TEST(MessageMove, TakesEverythingAndLeavesAMessageWithoutAClass) {
   OpenMessage source = everyType();
   source.setCDATABuffer("body");
+  source.setSerialized(true);
+  source.SetCachedSize(17);
   const std::int64_t list = slotOf(source, "listIntField");
   const OpenMessage target(std::move(source));
   checkEveryType(target);
   EXPECT_EQ(slotOf(target, "listIntField"), list);
   EXPECT_EQ(target.getCDATABuffer(), "body");
+  EXPECT_TRUE(target.isSerialized());
+  EXPECT_EQ(target.GetCachedSize(), 17u);
   EXPECT_EQ(XNMessageBase::GetClassDef(&source), nullptr);
   EXPECT_EQ(source.getTagID(), 0u);
+  EXPECT_FALSE(source.isSerialized());
 }
 
 TEST(MessageMove, TakesStringsInsideAndOutsideTheObject) {
@@ -160,6 +165,20 @@ TEST(MessageMove, AssignmentOfABlockMessageCopiesItsFields) {
   const ClassIndices indices = classNamed("Demo_EveryChild");
   std::array<std::int64_t, 32> block{};
   OpenMessage target = newMessage("Demo_EveryChild");
+  {
+    OpenMessage source(indices.subsystem, indices.index, block.data(), static_cast<int>(sizeof block));
+    setText(source, "text", kLong);
+    target = std::move(source);
+  }
+  block.fill(-1);
+  EXPECT_EQ(textOf(target, "text"), kLong);
+}
+
+TEST(MessageMove, AssignmentOfABlockMessageToOneThatWasMovedFromCopiesItsFieldsToo) {
+  const ClassIndices indices = classNamed("Demo_EveryChild");
+  std::array<std::int64_t, 32> block{};
+  OpenMessage target = newMessage("Demo_Nest");
+  const OpenMessage taken(std::move(target));
   {
     OpenMessage source(indices.subsystem, indices.index, block.data(), static_cast<int>(sizeof block));
     setText(source, "text", kLong);

@@ -22,9 +22,7 @@ namespace {
 using Demo::EveryChild;
 using Demo::EveryMode;
 using Demo::EveryType;
-using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::Field;
 using ::testing::IsEmpty;
 using ::testing::Pair;
 
@@ -271,51 +269,6 @@ TEST(GeneratedClassTest, MessageOfAnotherClassIsWrittenByHash) {
   EXPECT_EQ(moved.getText(), "found");
   EXPECT_TRUE(moved.isNumberSet());
   EXPECT_TRUE(moved.isTextSet());
-}
-
-TEST(GeneratedClassTest, SetterAsksTheRecordOfTheObjectForTheFieldsType) {
-  EveryType message;
-  const _ClassDef& own = *MessageAccess::classDef(message);
-  std::vector<FieldDef> fields(own.begin(), own.end());
-  const auto retype = [&fields](short memNum, FieldDataType type) {
-    FieldDef& field = fields[static_cast<std::size_t>(memNum)];
-    field = FieldDef(field.namePointer(), nullptr, field.getFieldHashId(), 0, memNum, field.getIndex(), type);
-  };
-  retype(EveryType::FieldNumber::kIntField, FDT_LONG);
-  retype(EveryType::FieldNumber::kUintField, FDT_DOUBLE);
-  retype(EveryType::FieldNumber::kDoubleField, FDT_INT);
-  retype(EveryType::FieldNumber::kFloatField, FDT_INT);
-  retype(EveryType::FieldNumber::kStringField, FDT_INT);
-  retype(EveryType::FieldNumber::kWstringField, FDT_INT);
-  const _ClassDef record("EveryType", fields.data(), own.getClassId(), -1, own.getNumberOfFields(),
-                         own.getNumberOfElements());
-  MessageAccess::setClassDef(message, &record);
-  LogCapture capture(0);
-  message.setIntField(7);
-  EXPECT_TRUE(capture.lines().empty()) << "another type that is stored alike";
-  message.setUintField(7);
-  message.setDoubleField(7);
-  message.setFloatField(7);
-  message.setStringField("seven");
-  message.setWstringField(u"seven");
-  EXPECT_EQ(capture.lines().size(), 5u);
-  MessageAccess::setClassDef(message, &own);
-  EXPECT_EQ(message.getIntField(), 7);
-  EXPECT_FALSE(message.isUintFieldSet());
-  EXPECT_FALSE(message.isDoubleFieldSet());
-  EXPECT_FALSE(message.isFloatFieldSet());
-  EXPECT_EQ(message.getStringField(), "");
-  EXPECT_EQ(message.getWstringField(), u"");
-}
-
-TEST(GeneratedClassTest, SetterOfAMessageThatWasMovedFromIsRefused) {
-  EveryType message;
-  const EveryType taken(std::move(message));
-  LogCapture capture(0);
-  message.setIntField(7);
-  EXPECT_THAT(capture.lines(), Contains(Field(&CapturedLine::function, "XNMessageBase::setint64")));
-  message.setStringField("seven");
-  EXPECT_THAT(capture.lines(), Contains(Field(&CapturedLine::function, "XNMessageBase::assignstring")));
 }
 
 TEST(GeneratedClassTest, WritingToAFieldThatIsNotThereDoesNoHarm) {
