@@ -7,13 +7,16 @@
 #include <tests/support/log_capture.h>
 #include <zqxml/binary/binary_buffer.h>
 #include <zqxml/binary/binary_serializer.h>
+#include <zqxml/catalogue/generated/App.h>
 #include <zqxml/catalogue/generated/Demo.h>
 #include <zqxml/logging/xml_logger_helper.h>
 #include <zqxml/message/xn_message_base.h>
 #include <zqxml/platform/ev_debug.h>
+#include <zqxml/xml/xml_decoder.h>
 
 #include <atomic>
 #include <cstring>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -228,6 +231,33 @@ TEST_F(LoggedMessage, ObjectWithoutAClassLeavesThePlaceEmpty) {
   helper_.writeToLog(kFunction, 0, 0, "[%bxml_zq]", &none);
   settle();
   EXPECT_THAT(textsOf(capture, kFunction), ElementsAre("[      ]"));
+}
+
+/// The second time that it is called: writing asks it to count first.
+bstring throwAtTheSecondCall(bstring text, ZqXMLContextInfo*) {
+  static int calls = 0;
+  if (++calls % 2 == 0) throw std::runtime_error("no cipher");
+  return text;
+}
+
+TEST_F(LoggedMessage, MessageThatAPasswordRoutineThrowsAtLeavesThePlaceEmpty) {
+  constexpr auto kType = Annotation::PasswordEncryptType::BASE64;
+  App::AnnotationSample message;
+  message.setBase64Password("stored", kType);
+  BinaryBuffer buffer;
+  ASSERT_NE(message.SerializeBinary(buffer), 0u);
+  XMLDecoder::registerPasswordDecAlgo(
+      kType, [](bstring, ZqXMLContextInfo*) -> bstring { throw std::runtime_error("no cipher"); });
+  EXPECT_EQ(lineOf(buffer, "[%bxml_zq]"), "[      ]");
+
+  XMLDecoder::registerPasswordDecAlgo(kType, nullptr);
+  XMLDecoder::registerPasswordEncAlgo(kType, throwAtTheSecondCall);
+  message.setBase64Password("plain", Annotation::PasswordEncryptType::PLAIN_TEXT);
+  LogCapture capture;
+  helper_.writeToLog(kFunction, 0, 0, "[%bxml_zq]", &message);
+  settle();
+  EXPECT_THAT(textsOf(capture, kFunction), ElementsAre("[      ]"));
+  XMLDecoder::registerPasswordEncAlgo(kType, nullptr);
 }
 
 TEST_F(LoggedMessage, ObjectIsLoggedAsItsBinaryForm) {

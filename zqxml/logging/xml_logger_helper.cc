@@ -74,12 +74,25 @@ std::string lineText(const char* format, std::span<const FormatArg> arguments) {
   return text;
 }
 
+/// Codes a message. False, and the line has none, when a password routine of the application throws; that
+/// there is no memory goes on to the caller.
+template <class Code>
+bool codes(Code code) try {
+  code();
+  return true;
+} catch (const std::bad_alloc&) {
+  throw;
+} catch (...) {
+  return false;
+}
+
 /// The message as XML with nothing in it that a log must not show; empty when there is none.
 std::string maskedXml(BinaryBuffer& buffer) {
   EncodingFlags flags;
   flags.encoding_options = MASK_PASSWORDS | MASK_SENSITIVE;
   XNMessageBase::Initialize();
-  const std::unique_ptr<XNMessageBase> message(XMLDecoder(flags).UnserializeBinary(buffer));
+  std::unique_ptr<XNMessageBase> message;
+  codes([&] { message.reset(XMLDecoder(flags).UnserializeBinary(buffer)); });
   std::string xml;
   if (message != nullptr) XMLEncoder(flags, nullptr).serialize(*message, xml);
   return xml;
@@ -152,7 +165,8 @@ void XmlLoggerHelper::writeToLog(const char* function, int level, std::int64_t c
   BinaryBuffer buffer;
   // QUIRK: before the level is looked at, so that what this writes into the object and the log does not
   // depend on it.
-  if (message != nullptr) message->SerializeBinary(buffer);
+  if (message != nullptr && !codes([&] { message->SerializeBinary(buffer); }))
+    buffer.SetWriteBuffer(nullptr, 0, false);
   writeToLog(function, level, contextValue, format, &buffer, arguments);
 } catch (...) {
   // There is no memory for the binary form: the line is lost.

@@ -43,8 +43,9 @@ class ZQXML_EXPORT XmlLoggerHelper : public ZqThreadPool {
   /// kLongestText bytes. Its first "%bxml_zq" is then replaced by the message as XML between blanks;
   /// passwords are written as "*******" and values with the Sensitive annotation as "########". A format
   /// without it gets no XML. A null function, format or message is an empty one; what is no message leaves
-  /// the place empty, and the codec logs why. All of `message` is copied before the call returns; its content
-  /// are the first getDataSize() bytes, or all of its capacity when that is 0.
+  /// the place empty, and the codec logs why; what makes a password routine throw leaves it empty too. All of
+  /// `message` is copied before the call returns; its content are the first getDataSize() bytes, or all of
+  /// its capacity when that is 0.
   void writeToLog(const char* function, int level, std::int64_t contextValue, const char* format,
                   BinaryBuffer* message, std::span<const FormatArg> arguments = {}) noexcept;
   /// The same with a message object. QUIRK: it is brought into the binary form on the caller's thread
