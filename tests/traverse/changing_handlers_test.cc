@@ -152,6 +152,16 @@ TEST_P(ChangingHandlers, RootMayBeMovedAway) {
   EXPECT_EQ(count("set value"), 1u);
 }
 
+TEST_P(ChangingHandlers, NothingIsBuiltForAListOfAMessageThatWasMovedAway) {
+  Walk::Outer root;
+  root.addToMiddles();
+  std::vector<OpenMessage> store;
+  handler.endAction = at("middles", [&](MsgFieldContext&) { store.push_back(std::move(open(root))); });
+  XmlTraverse().traverse(root, handler, true, true);
+  EXPECT_EQ(count("start middles"), 1u);
+  EXPECT_EQ(store.size(), 1u);
+}
+
 TEST_P(ChangingHandlers, HandlerMayStartAWalkOfTheSameWalker) {
   XmlTraverse walker;
   RecordingHandler inner(GetParam());
