@@ -187,6 +187,16 @@ TEST_F(PasswordCodec, ContextOfAnotherTypeHasThePasswordEncryptedAgain) {
   }
 }
 
+TEST_F(PasswordCodec, EncryptingAgainHasAContextThatKnowsTheTypeAlone) {
+  registerDecryption<5>();
+  registerEncryption<9>();
+  Context context(9, true);
+  EXPECT_EQ(decryptPassword(formOf(5, "stored"), context.get()), "9:enc9(dec5(stored))");
+  ASSERT_EQ(calls().size(), 2u);
+  EXPECT_NE(calls()[1].context, context.get());
+  EXPECT_EQ(calls()[1].messageInfo, nullptr);
+}
+
 TEST_F(PasswordCodec, ContextOfAStoredTypeTakesWhatWasDecrypted) {
   registerDecryption<5>();
   registerEncryption<0, 1, 4, 5, 10>();
