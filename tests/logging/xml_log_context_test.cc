@@ -7,6 +7,7 @@
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/platform/platform_info.h>
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <thread>
@@ -134,6 +135,19 @@ TEST_F(MessageLog, DedicatedLogIsAFile) {
   log->error("f", "text");
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr(" f - text\n"));
   EXPECT_THAT(folder_.read("XMLMessage.log"), HasSubstr("  [  ] f - text\n"));
+}
+
+TEST_F(MessageLog, FileOfTheDedicatedLogTakesFiveMebibytes) {
+  const TestSettings settings{{kSetting, "1"}};
+  ZQPI_Focus::setFocus("Agent");
+  const auto log = Access::make();
+  const std::string mebibyte(std::size_t{1} << 20, 'x');
+  testing::internal::CaptureStderr();
+  for (int i = 0; i < 4; ++i) log->error("f", "%s", mebibyte);
+  EXPECT_FALSE(std::filesystem::exists(folder_.path("XMLMessage.1.log")));
+  log->error("f", "%s", mebibyte);
+  testing::internal::GetCapturedStderr();
+  EXPECT_TRUE(std::filesystem::exists(folder_.path("XMLMessage.1.log")));
 }
 
 TEST_F(MessageLog, FreeFunctionsWriteToTheLogOfTheProcess) {
