@@ -316,6 +316,40 @@ TEST(XmlReaderMaps, WithoutAKeyElementTheKeyObjectTakesWhatFollows) {
   EXPECT_FALSE(node.isPairsSet());
 }
 
+TEST(XmlReaderMaps, PlainSidesInAttributeFormDoNotEndTheObjectValueThatTheyAreIn) {
+  LogCapture log;
+  const ReadAs<Node> node("<byName><__mapKey__ val='k'/><__mapValue__ id='3'>" +
+                          entry("sizes", "s", "1", false) +
+                          "<name>n</name><place x='9'/></__mapValue__></byName>");
+  ASSERT_TRUE(node.ok());
+  EXPECT_FALSE(node.isNameSet());
+  EXPECT_FALSE(node.isPlaceSet());
+  const Node* value = node.findInByName("k");
+  ASSERT_NE(value, nullptr);
+  EXPECT_EQ(value->getId(), 3);
+  EXPECT_FALSE(value->isSizesSet());
+  EXPECT_EQ(value->getName(), "n");
+  ASSERT_NE(value->getPlace(), nullptr);
+  EXPECT_EQ(value->getPlace()->getX(), 9);
+  EXPECT_THAT(
+      log.lines(),
+      ElementsAre(
+          CapturedLine{kEnd, 0, "Encountered wrong map[key] tag usage. Cached map name is : [sizes]"},
+          CapturedLine{kEnd, 0, "Encountered wrong map[value] tag usage. Cached map name is : [sizes]"}));
+}
+
+TEST(XmlReaderMaps, PlainSidesInAttributeFormDoNotEndTheObjectKeyThatTheyAreIn) {
+  LogCapture log;
+  const ReadAs<Node> node("<pairs><__mapKey__ id='5'>" + entry("sizes", "s", "1", false) +
+                          "<name>n</name></__mapKey__><__mapValue__ id='6'/></pairs>");
+  ASSERT_TRUE(node.ok());
+  EXPECT_FALSE(node.isNameSet());
+  ASSERT_EQ(node.getPairs().size(), 1U);
+  EXPECT_EQ(static_cast<const Node&>(node.getPairs().begin()->first).getName(), "n");
+  EXPECT_EQ(static_cast<const Node&>(node.getPairs().begin()->second).getId(), 6);
+  EXPECT_TRUE(log.has(kEnd, 0, "Encountered wrong map[key] tag usage. Cached map name is : [sizes]"));
+}
+
 TEST(XmlReaderMaps, EntriesAreAddedToAMapThatIsThere) {
   Every every;
   every.mutableMapStringInt()["old"] = 1;

@@ -301,6 +301,16 @@ void BasicMessageReader<Char>::endValueObject() {
              mapName());
 }
 
+/// Whether the end tag of a side is that of a number or a string: of an entry in the current object itself.
+template <class Char>
+bool BasicMessageReader<Char>::endsPlainSide(PathRole role) const {
+  if (!inMap() || entries_.back().depth != path_.size()) return false;
+  const FieldDataType map = entries_.back().field->getType();
+  const FieldDataType side =
+      role == PathRole::kMapKey ? FieldDef::getMapKeyType(map) : FieldDef::getMapValueType(map);
+  return side != FDT_OBJECT;
+}
+
 /// Moves the current object into the entry that it was made for, as its key or its value. False when it is no
 /// such object. An entry that has ended in between has no use for it.
 ///
@@ -308,7 +318,7 @@ void BasicMessageReader<Char>::endValueObject() {
 /// its end tag only gives a line, the key side stays the one in progress, and the pair is lost.
 template <class Char>
 bool BasicMessageReader<Char>::takeSide(PathRole role) {
-  if (path_.role() != role) return false;
+  if (path_.role() != role || endsPlainSide(role)) return false;
   dropEntries(path_.size());
   const std::uint64_t number = path_.entry();
   std::unique_ptr<XNMessageBase> object = path_.closeSide();
