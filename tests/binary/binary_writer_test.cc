@@ -260,6 +260,15 @@ TEST(BinaryWriterTest, TracesSizeAndFieldsAtLevel15) {
                                "Writing field [EveryType]:[stringField] at buffer position : [13]"}));
 }
 
+TEST(BinaryWriterTest, TracesNoSelfRecord) {
+  OpenMessage message = newMessage("Demo_SelfPair");
+  MessageAccess::mark(message, 2);
+  LogCapture capture(15);
+  serialized(message);
+  EXPECT_THAT(capture.lines(), testing::ElementsAre(CapturedLine{"BinarySerializer::serialize", 15,
+                                                                 "Required buffer size is 8"}));
+}
+
 TEST(BinaryWriterTest, TracesNothingAtLevel14) {
   EveryType message;
   message.setIntField(1);

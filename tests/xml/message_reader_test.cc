@@ -287,6 +287,16 @@ TEST(MessageReader, ElementsOfAListAreNeverCopied) {
   EXPECT_EQ(node.getItems()[0].getChild(), child);
 }
 
+TEST(MessageReader, SelfRecordIsNotFoundAtItsPlace) {
+  XmlRead::Every message;
+  const auto position = static_cast<std::uint8_t>(message.getNumberOfFields() - 1);
+  ASSERT_EQ(XNMessageBase::GetClassDef(&message)->getFields()[position].getType(), FDT_NONE);
+  LogCapture log(15);
+  Events(&message).open(u"root", {AttributeView{u"Every", u"5", position}});
+  EXPECT_TRUE(
+      log.has("MySAX2Handler::processAttributes", 15, "No such field : [Every] in message : [Every] "));
+}
+
 TEST(MessageReader, TooManyOpenObjectsThrow) {
   Node node;
   Events events(&node, 3);
