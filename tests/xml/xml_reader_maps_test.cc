@@ -241,11 +241,22 @@ TEST(XmlReaderMaps, SideTagsAfterAnEntryAreLoggedWithItsName) {
   EXPECT_TRUE(log.has(kEnd, 0, "Encountered wrong map[key] tag usage. Cached map name is : [words]"));
 }
 
-TEST(XmlReaderMaps, SecondKeyObjectIsNoKey) {
+TEST(XmlReaderMaps, SecondKeyObjectTakesThePlaceOfTheFirst) {
   LogCapture log;
-  const ReadAs<Node> node("<pairs><__mapKey__ id='1'/><__mapKey__ id='2'/><__mapValue__ id='3'/></pairs>");
+  const ReadAs<Node> node(
+      "<pairs><__mapKey__ id='1'/><__mapKey__ id='2'/><__mapValue__ id='3'/></pairs><name>n</name>");
   ASSERT_TRUE(node.ok());
-  EXPECT_TRUE(log.has(kEnd, 0, "Encountered wrong map[key] tag usage. Cached map name is : [pairs]"));
+  EXPECT_EQ(node.getName(), "n");
+  ASSERT_EQ(node.getPairs().size(), 1U);
+  EXPECT_EQ(static_cast<const Node&>(node.getPairs().begin()->first).getId(), 2);
+  EXPECT_EQ(static_cast<const Node&>(node.getPairs().begin()->second).getId(), 3);
+  EXPECT_TRUE(log.empty());
+}
+
+TEST(XmlReaderMaps, ValueWithoutAKeyEndsTheKeyObjectAndGivesNoPair) {
+  const ReadAs<Node> node("<pairs><__mapValue__ id='3'/></pairs><name>n</name>");
+  EXPECT_EQ(node.getName(), "n");
+  EXPECT_FALSE(node.isPairsSet());
 }
 
 TEST(XmlReaderMaps, KeepsLosingAnObjectValueBehindAKeyInAttributeFormInsideASubObject) {

@@ -301,24 +301,27 @@ void BasicMessageReader<Char>::endValueObject() {
              mapName());
 }
 
-/// Whether the end tag of a side is that of a number or a string: of an entry in the current object itself.
+/// Whether the side is a number or a string: of the entry that the current object was made for, or of one in
+/// the object itself. Another entry that is in progress is no concern of either.
 template <class Char>
-bool BasicMessageReader<Char>::endsPlainSide(PathRole role) const {
-  if (!inMap() || entries_.back().depth != path_.size()) return false;
-  const FieldDataType map = entries_.back().field->getType();
-  const FieldDataType side =
-      role == PathRole::kMapKey ? FieldDef::getMapKeyType(map) : FieldDef::getMapValueType(map);
-  return side != FDT_OBJECT;
+bool BasicMessageReader<Char>::isPlain(PathRole side) const {
+  if (!inMap()) return false;
+  const MapEntry& entry = entries_.back();
+  if (entry.number != path_.entry() && entry.depth != path_.size()) return false;
+  const FieldDataType map = entry.field->getType();
+  return (side == PathRole::kMapKey ? FieldDef::getMapKeyType(map) : FieldDef::getMapValueType(map)) !=
+         FDT_OBJECT;
 }
 
-/// Moves the current object into the entry that it was made for, as its key or its value. False when it is no
-/// such object. An entry that has ended in between has no use for it.
+/// Moves the current object into the entry that it was made for, as the side whose tag ends, whichever it was
+/// made for. False when it is no such object. An entry that has ended in between has no use for it.
 ///
 /// QUIRK: a number or a string never is one. So where a side in attribute form stands inside a sub-object,
 /// its end tag only gives a line, the key side stays the one in progress, and the pair is lost.
 template <class Char>
 bool BasicMessageReader<Char>::takeSide(PathRole role) {
-  if (path_.role() != role || endsPlainSide(role)) return false;
+  const bool isSide = path_.role() == PathRole::kMapKey || path_.role() == PathRole::kMapValue;
+  if (!isSide || isPlain(role)) return false;
   dropEntries(path_.size());
   const std::uint64_t number = path_.entry();
   std::unique_ptr<XNMessageBase> object = path_.closeSide();

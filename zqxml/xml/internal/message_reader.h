@@ -112,7 +112,7 @@ class BasicMessageReader {
   void readSide(View text);
   void endKeyObject();
   void endValueObject();
-  bool endsPlainSide(PathRole role) const;
+  bool isPlain(PathRole side) const;
   bool takeSide(PathRole role);
   void processMapEnd(const FieldDef& field);
   /// Forgets the entries of objects that are about to leave the path.
