@@ -2,6 +2,7 @@
 #pragma once
 
 #include <bench/ratio_table.h>
+#include <bench/stack_place.h>
 #include <benchmark/benchmark.h>
 
 #include <set>
@@ -14,14 +15,16 @@ namespace zqxml::bench {
 /// The names that are registered, with measure() and measureWithin().
 std::set<std::string>& measuredNames();
 
-/// Registers a measurement of `work`; what `prepare` gives lives meanwhile. Ends the program when the name is
-/// taken.
+/// Registers a measurement of `work`; what `prepare` gives lives meanwhile. Each sample is taken at another
+/// place of the stack. Ends the program when the name is taken.
 template <class Prepare, class Work>
 void measureWithin(const std::string& name, Prepare prepare, Work work) {
   require(measuredNames().insert(name).second, "two measurements have the same name");
-  ::benchmark::RegisterBenchmark(name.c_str(), [prepare, work](::benchmark::State& state) mutable {
+  ::benchmark::RegisterBenchmark(name.c_str(), [prepare, work, sample = std::size_t{0}](auto& state) mutable {
     [[maybe_unused]] const auto prepared = prepare();
-    for (auto iteration : state) work();
+    callAtPlace(sample++ % kStackPlaces, [&] {
+      for (auto iteration : state) work();
+    });
   });
 }
 

@@ -5,12 +5,10 @@
 // take turns, and so do the roads. Times are those of the wall: a thread that waits for a lock uses no
 // processor.
 //
-// A sample is taken at many pages of the stack. A processor may take a read for one of what was just written,
-// and wait, when both are at the same place of two pages whose physical addresses look alike to it. What a
-// thread writes on its stack while it reads a message takes up to a quarter longer on some pages therefore,
-// alone or beside another thread; one that stayed on such pages would count as disturbed.
+// A sample is taken at many places of the stack: a thread that stayed on slow pages would count as disturbed.
 #include <bench/report.h>
 #include <bench/roads.h>
+#include <bench/stack_place.h>
 #include <bench/subject.h>
 #include <sched.h>
 #include <time.h>
@@ -33,8 +31,6 @@ namespace {
 
 constexpr double kReach = 1.9;
 constexpr std::size_t kThreads = 2;
-constexpr std::size_t kStackPlaces = 32;
-constexpr std::size_t kPage = 4096;
 using Work = std::function<void()>;
 
 /// Nanoseconds, of the wall and of this thread's processor.
@@ -52,13 +48,6 @@ struct Cost {
   }
 };
 
-/// Calls it with the stack so many pages further down.
-[[gnu::noinline]] void callBelow(std::size_t pages, const Work& work) {
-  auto* const passed = static_cast<volatile char*>(__builtin_alloca(pages * kPage + 1));
-  *passed = 0;  // so that it is there
-  work();
-}
-
 /// When a thread began its work, and when it ended it.
 struct Span {
   Cost begin, end;
@@ -68,7 +57,7 @@ struct Span {
     Span span{Cost::now(), {}};
     std::size_t done = 0;
     for (std::size_t place = 1; place <= kStackPlaces; ++place) {
-      callBelow(place, [&] {
+      callAtPlace(place, [&] {
         for (; done < calls * place / kStackPlaces; ++done) work();
       });
     }
