@@ -109,6 +109,16 @@ TEST_F(TypedSetters, OfAFieldBehindTheLastOfTheRecordAreRefused) {
   EXPECT_EQ(message_.getUintField(), 0u);
 }
 
+TEST_F(TypedSetters, OfAFieldBeforeTheFirstAreRefused) {
+  struct HandWritten : EveryType {
+    void setFieldBeforeTheFirst() { putint64<FDT_INT>(-1, 0, 7, getTagID(), 0); }
+  };
+  HandWritten message;
+  message.setFieldBeforeTheFirst();
+  EXPECT_TRUE(capture_.hasPart("XNMessageBase::setint64", 0, "Given field id [-1]."));
+  EXPECT_EQ(message, EveryType());
+}
+
 TEST_F(TypedSetters, OfAMessageThatWasMovedFromAreRefused) {
   EveryType message;
   const EveryType taken(std::move(message));

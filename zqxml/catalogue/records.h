@@ -119,7 +119,7 @@ class BuiltContent {
   /// The slots below kSlots where a std::string in place begins, a bit each; it ends below kSlots too.
   constexpr std::uint32_t strings() const { return bits_ & kStrings; }
   /// Whether the field's content is one of strings().
-  constexpr bool isString(const FieldDef& field) const {
+  constexpr bool isAmongStrings(const FieldDef& field) const {
     return isInFirstSlots(field) && (bits_ >> field.getIndex() & 1) != 0;
   }
   /// Whether no other content is there for the whole life of a message.

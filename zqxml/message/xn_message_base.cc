@@ -199,7 +199,7 @@ inline void XNMessageBase::initializeContent(const _ClassDef& record, int msgSys
   const BuiltContent content = classDef_->builtContent();
   if (!content.nothingElseBuilt()) {
     for (const FieldDef& field : *classDef_) {
-      if (kAlwaysBuiltTypes.contains(field.getType()) && !content.isString(field))
+      if (kAlwaysBuiltTypes.contains(field.getType()) && !content.isAmongStrings(field))
         visitStorage(field.getType(), ContentBuilder{*this, field});
     }
   }
@@ -254,7 +254,7 @@ XNMessageBase::~XNMessageBase() {
 [[gnu::noinline]] void XNMessageBase::destroyOtherFields() noexcept {
   const BuiltContent content = classDef_->builtContent();
   for (const FieldDef& field : *classDef_) {
-    if (kOwningTypes.contains(field.getType()) && !content.isString(field))
+    if (kOwningTypes.contains(field.getType()) && !content.isAmongStrings(field))
       visitStorage(field.getType(), ContentDestroyer{*this, field});
   }
 }

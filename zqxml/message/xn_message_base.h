@@ -602,7 +602,8 @@ class ZQXML_EXPORT XNMessageBase {
   /// caller was. False, and nothing is done, if not.
   template <FieldDataType kType, class Store>
   bool put(short memNum, short index, std::uint32_t msgTag, Store store) {
-    if (tagId_ != msgTag || classDef_ == nullptr || memNum >= classDef_->getNumberOfFields()) return false;
+    if (tagId_ != msgTag || classDef_ == nullptr || memNum < 0 || memNum >= classDef_->getNumberOfFields())
+      return false;
     const FieldDef& field = classDef_->getFields()[memNum];
     if (field.getIndex() != index || field.getType() != kType) return false;
     store(buffer_[index]);

@@ -97,7 +97,8 @@ class ZQXML_EXPORT XNMessageBuffer {
   friend class MessageAccess;
   friend class XNMessageBase;
 
-  /// Where the set bits lie, and the slots before them that are not inline.
+  /// Where the set bits lie, and the slots before them that are not inline. A store without storage counts as
+  /// one in a caller's block: there is nothing of its own to free.
   enum class Place : unsigned char { kInside, kOwnBlock, kCallersBlock };
 
   // A store is never copied with its contents: these give equal storage, zeroed, or share the caller's block.
