@@ -1,12 +1,11 @@
 // Password routines of the application within whole messages: what they throw, and messages of their own.
 #include <gmock/gmock.h>
 #include <tests/annotation/password_routines.h>
+#include <tests/support/failed_writing.h>
 #include <tests/support/log_capture.h>
 #include <tests/support/reading.h>
 #include <tests/support/xml_roads.h>
 #include <zqxml/catalogue/generated/App.h>
-
-#include <stdexcept>
 
 namespace zqxml {
 namespace {
@@ -17,10 +16,6 @@ using testing::ElementsAre;
 /// Of the bytes "abc" in type 9, whose mark is a tab; other fields stand around the password.
 constexpr char kText[] =
     R"(<App_AnnotationSample base64Password="&#9;YWJj" command="c" suppressed="s"><hidden>h</hidden></App_AnnotationSample>)";
-
-bstring fail(bstring, ZqXMLContextInfo*) {
-  throw std::runtime_error("no cipher");
-}
 
 /// Reads and writes a message with passwords, and then does its work.
 bstring readAndWrite(bstring text, ZqXMLContextInfo*) {
@@ -50,7 +45,7 @@ INSTANTIATE_TEST_SUITE_P(BothRoads, PasswordRoutineCalls, testing::Bool(),
                          [](const auto& road) { return road.param ? "Fast" : "XmlLibrary"; });
 
 TEST_P(PasswordRoutineCalls, ExceptionEndsTheReadingOfXml) {
-  registerBoth(fail);
+  registerBoth(failingRoutine);
   LogCapture log;
   AnnotationSample message;
   EXPECT_EQ(message.unserialize(kText), XN_MSG_XML_LIBRARY_ERROR);
@@ -60,15 +55,11 @@ TEST_P(PasswordRoutineCalls, ExceptionEndsTheReadingOfXml) {
 }
 
 TEST_P(PasswordRoutineCalls, ExceptionEndsTheWritingOfXml) {
-  registerBoth(fail);
-  LogCapture log;
+  registerBoth(failingRoutine);
   AnnotationSample message;
   message.setCommand("c");
   message.setBase64Password("secret", typeOf(1));
-  std::string text = "before";
-  EXPECT_EQ(message.serialize(text), XN_MSG_FAILED);
-  EXPECT_EQ(text, "before");
-  EXPECT_THAT(log.lines(),
+  EXPECT_THAT(linesOfFailedWriting(message),
               ElementsAre(CapturedLine{"XMLSerializer::serialize", 0, "Error creating XML root node."}));
 }
 

@@ -8,6 +8,7 @@
 #include <zqxml/xml/xml_decoder.h>
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,11 @@ struct RoutineCall {
   const void* messageInfo = nullptr;
   int reEncrypt = 0;  ///< the number behind the parameter, 0 without it
 };
+
+/// A routine that has no way to do its work.
+inline bstring failingRoutine(bstring, ZqXMLContextInfo*) {
+  throw std::runtime_error("no cipher");
+}
 
 /// Registers routines that wrap the text ("enc5(secret)") and keep a record of their calls. At the end of a
 /// test no routine is registered.

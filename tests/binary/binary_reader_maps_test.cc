@@ -291,8 +291,7 @@ TEST_F(BinaryReaderPasswordTest, TypeZeroTakesTheTextAsItStands) {
 }
 
 TEST_F(BinaryReaderPasswordTest, ExceptionOfARoutinePassesThrough) {
-  XMLDecoder::registerPasswordDecAlgo(
-      typeOf(9), [](bstring, ZqXMLContextInfo*) -> bstring { throw std::runtime_error("no cipher"); });
+  XMLDecoder::registerPasswordDecAlgo(typeOf(9), failingRoutine);
   const std::string form = formOf(9, "bytes");
   EXPECT_THROW(read("base64Password", form), std::runtime_error);
   ExactBuffer buffer(withHeader(message_.getTagID(), Wire().key("base64Password", 2).text(form), 2));

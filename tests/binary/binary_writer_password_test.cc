@@ -122,8 +122,7 @@ TEST_F(BinaryWriterPasswordTest, ExternalMemoryTakesAnEncryptedPassword) {
 }
 
 TEST_F(BinaryWriterPasswordTest, ExceptionOfARoutinePassesThrough) {
-  XMLDecoder::registerPasswordEncAlgo(
-      typeOf(5), [](bstring, ZqXMLContextInfo*) -> bstring { throw std::runtime_error("no cipher"); });
+  XMLDecoder::registerPasswordEncAlgo(typeOf(5), failingRoutine);
   message_.setVer3Password("secret", typeOf(1));
   BinaryBuffer buffer;
   EXPECT_THROW(BinarySerializer::serialize(message_, buffer), std::runtime_error);

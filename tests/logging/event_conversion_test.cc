@@ -129,6 +129,14 @@ TEST(EventToMessage, ArgumentsGoIntoAListOfTheCallersToo) {
   EXPECT_EQ(list.size(), 2u);
 }
 
+TEST(EventToMessage, EmptyListOfTheCallersTakesItsRoomAtOnce) {
+  EvMessageContainer event;
+  event << 1 << 2 << 3 << 4 << 5;
+  std::vector<EventArgument> list;
+  setEvMessageArgumentsToXML(&event.getArguments(), list);
+  EXPECT_EQ(list.capacity(), 5u);
+}
+
 TEST(EventToMessage, ListOfTheCallersGrowsInStepsHoweverManyEventsItTakes) {
   EvMessageContainer event;
   event << 1;

@@ -5,6 +5,7 @@
 
 #include "tests/support/log_capture.h"
 #include "tests/support/reading.h"
+#include "tests/xml/map_side_lines.h"
 
 namespace zqxml {
 namespace {
@@ -227,11 +228,7 @@ TEST(XmlReaderMaps, SideTagsInASubObjectWithoutAnyMapAreLogged) {
   const ReadAs<Node> node("<child><__mapKey__ val='a'/><__mapValue__ id='2'/></child>");
   ASSERT_TRUE(node.ok());
   EXPECT_EQ(node.getChild()->getId(), 2);  // the attributes of a stray side go to the object
-  EXPECT_THAT(
-      log.lines(),
-      ElementsAre(
-          CapturedLine{kEnd, 0, "Encountered wrong map[key] tag usage. Cached map name is : [(null)]"},
-          CapturedLine{kEnd, 0, "Encountered wrong map[value] tag usage. Cached map name is : [(null)]"}));
+  EXPECT_THAT(log.lines(), ElementsAre(wrongSideTag("key", "(null)"), wrongSideTag("value", "(null)")));
 }
 
 TEST(XmlReaderMaps, SideTagsAfterAnEntryAreLoggedWithItsName) {
@@ -266,11 +263,7 @@ TEST(XmlReaderMaps, KeepsLosingAnObjectValueBehindAKeyInAttributeFormInsideASubO
   ASSERT_TRUE(node.ok());
   EXPECT_FALSE(node.getChild()->isByNameSet());
   EXPECT_EQ(node.getChild()->getName(), "n");
-  EXPECT_THAT(
-      log.lines(),
-      ElementsAre(
-          CapturedLine{kEnd, 0, "Encountered wrong map[key] tag usage. Cached map name is : [byName]"},
-          CapturedLine{kEnd, 0, "Encountered wrong map[value] tag usage. Cached map name is : [byName]"}));
+  EXPECT_THAT(log.lines(), ElementsAre(wrongSideTag("key", "byName"), wrongSideTag("value", "byName")));
 }
 
 TEST(XmlReaderMaps, KeepsEndingAnEntryAtAnElementNamedLikeTheMap) {
@@ -342,11 +335,7 @@ TEST(XmlReaderMaps, PlainSidesInAttributeFormDoNotEndTheObjectValueThatTheyAreIn
   EXPECT_EQ(value->getName(), "n");
   ASSERT_NE(value->getPlace(), nullptr);
   EXPECT_EQ(value->getPlace()->getX(), 9);
-  EXPECT_THAT(
-      log.lines(),
-      ElementsAre(
-          CapturedLine{kEnd, 0, "Encountered wrong map[key] tag usage. Cached map name is : [sizes]"},
-          CapturedLine{kEnd, 0, "Encountered wrong map[value] tag usage. Cached map name is : [sizes]"}));
+  EXPECT_THAT(log.lines(), ElementsAre(wrongSideTag("key", "sizes"), wrongSideTag("value", "sizes")));
 }
 
 TEST(XmlReaderMaps, PlainSidesInAttributeFormDoNotEndTheObjectKeyThatTheyAreIn) {

@@ -7,6 +7,7 @@
 
 #include "tests/support/log_capture.h"
 #include "tests/support/reading.h"
+#include "tests/xml/map_side_lines.h"
 
 namespace zqxml {
 namespace {
@@ -101,11 +102,7 @@ TEST(XmlReader, KeepsLosingAPairWithSidesInAttributeFormInsideASubObject) {
   EXPECT_FALSE(node.getChild()->isSizesSet());
   EXPECT_EQ(node.getChild()->getName(), "after");
   EXPECT_EQ(node.getName(), "later");
-  EXPECT_THAT(
-      log.lines(),
-      ElementsAre(
-          CapturedLine{kEnd, 0, "Encountered wrong map[key] tag usage. Cached map name is : [sizes]"},
-          CapturedLine{kEnd, 0, "Encountered wrong map[value] tag usage. Cached map name is : [sizes]"}));
+  EXPECT_THAT(log.lines(), ElementsAre(wrongSideTag("key", "sizes"), wrongSideTag("value", "sizes")));
 }
 
 TEST(XmlReader, SidesInElementFormInsideASubObjectAreRead) {

@@ -2,6 +2,7 @@
 #include <zqxml/logging/event_conversion.h>
 #include <zqxml/logging/xml_log_context.h>
 #include <zqxml/platform/number_text.h>
+#include <zqxml/xml/internal/list_growth.h>
 
 #include <cstdlib>
 #include <memory>
@@ -120,6 +121,7 @@ void setEvMessageContainerToXML(const EvMessageContainer& in, EventMessage& out)
 
 void setEvMessageArgumentsToXML(const ArgumentInfo* first, std::vector<EventArgument>& out) {
   if (first == nullptr) return;
+  if (first->NoOfArgs() > 1) growFor(out, static_cast<std::size_t>(first->NoOfArgs() - 1));
   for (auto* node = first->first(); node != nullptr; node = node->next.get()) {
     const std::size_t position = out.size() + 1;
     fill(out.emplace_back(), position, typeOf(node->kind), dataOf(*node));

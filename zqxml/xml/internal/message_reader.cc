@@ -234,12 +234,6 @@ const FieldDef* BasicMessageReader<Char>::find(const XNMessageBase& object, std:
 
 // --- Map entries: <field><__mapKey__ .../><__mapValue__ .../></field>.
 
-/// Element type of the side in progress: FDT_INT64, FDT_STRING or FDT_OBJECT.
-template <class Char>
-FieldDataType BasicMessageReader<Char>::MapEntry::sideType() const {
-  return valueSide ? FieldDef::getMapValueType(field->getType()) : FieldDef::getMapKeyType(field->getType());
-}
-
 template <class Char>
 void BasicMessageReader<Char>::openEntry(const FieldDef& field) {
   mapField_ = field;
@@ -308,9 +302,7 @@ bool BasicMessageReader<Char>::isPlain(PathRole side) const {
   if (!inMap()) return false;
   const MapEntry& entry = entries_.back();
   if (entry.number != path_.entry() && entry.depth != path_.size()) return false;
-  const FieldDataType map = entry.field->getType();
-  return (side == PathRole::kMapKey ? FieldDef::getMapKeyType(map) : FieldDef::getMapValueType(map)) !=
-         FDT_OBJECT;
+  return entry.typeOf(side) != FDT_OBJECT;
 }
 
 /// Moves the current object into the entry that it was made for, as the side whose tag ends, whichever it was

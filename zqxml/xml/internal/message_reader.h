@@ -85,7 +85,13 @@ class BasicMessageReader {
     /// The key is done, the value is next.
     bool valueSide = false;
 
-    FieldDataType sideType() const;
+    /// Element type of its key, or of its value: FDT_INT64, FDT_STRING or FDT_OBJECT.
+    FieldDataType typeOf(PathRole side) const {
+      const FieldDataType map = field->getType();
+      return side == PathRole::kMapKey ? FieldDef::getMapKeyType(map) : FieldDef::getMapValueType(map);
+    }
+    /// The same of the side in progress.
+    FieldDataType sideType() const { return typeOf(valueSide ? PathRole::kMapValue : PathRole::kMapKey); }
     Side& side() { return valueSide ? value : key; }
   };
   struct MapInsert;
